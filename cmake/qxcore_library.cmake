@@ -1,0 +1,30 @@
+# The library target: properties that all its folders share.
+target_compile_features(qxcore PRIVATE cxx_std_20 INTERFACE cxx_std_17)
+target_compile_definitions(qxcore PRIVATE QXCORE_BUILDING)
+if(QXCORE_GUARD_HEAP)
+  target_compile_definitions(qxcore PRIVATE QXCORE_GUARD_HEAP)
+endif()
+target_include_directories(qxcore
+  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>
+  PRIVATE ${PROJECT_SOURCE_DIR})
+target_link_libraries(qxcore PRIVATE $<BUILD_INTERFACE:qxcore_warnings> $<BUILD_INTERFACE:qxcore_platform>
+  ole32 oleaut32 uuid shlwapi gdi32 user32 kernel32)
+set_target_properties(qxcore PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden DEBUG_POSTFIX "")
+
+if(NOT MSVC)
+  target_compile_options(qxcore PRIVATE -fno-math-errno)
+  # Nothing is exported but what is marked, and a module that links the library takes every global
+  # allocation function from it, also where only the runtime library asks for one.
+  target_link_options(qxcore PRIVATE -Wl,--exclude-all-symbols)
+  target_link_options(qxcore INTERFACE
+    -Wl,--undefined=_Znwy,--undefined=_Znay,--undefined=_ZdlPv,--undefined=_ZdaPv
+    -Wl,--undefined=_ZdlPvy,--undefined=_ZdaPvy
+    -Wl,--undefined=_ZnwyRKSt9nothrow_t,--undefined=_ZnayRKSt9nothrow_t
+    -Wl,--undefined=_ZdlPvRKSt9nothrow_t,--undefined=_ZdaPvRKSt9nothrow_t)
+  # Debug information goes to a file of its own beside the library.
+  add_custom_command(TARGET qxcore POST_BUILD
+    COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:qxcore> $<TARGET_FILE:qxcore>.debug
+    COMMAND ${CMAKE_STRIP} --strip-debug $<TARGET_FILE:qxcore>
+    COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=$<TARGET_FILE:qxcore>.debug $<TARGET_FILE:qxcore>
+    VERBATIM)
+endif()

@@ -1,0 +1,37 @@
+# GoogleTest, cross-compiled from the sources that Debian installs.
+set(QXCORE_GOOGLETEST_SOURCE /usr/src/googletest/googletest CACHE PATH "Sources of GoogleTest")
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(gtest_disable_pthreads ON CACHE BOOL "" FORCE)
+add_subdirectory(${QXCORE_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+
+# qxcore_add_test(NAME SOURCE...): a test program over the library's headers, registered with CTest as one test.
+# Its tests must not need an order. Options behind LINK are further libraries.
+function(qxcore_add_test name)
+  cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_compile_features(${name} PRIVATE cxx_std_20)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE qxcore qxcore_test_support gtest qxcore_warnings qxcore_platform ${arg_LINK})
+  add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1
+    --gtest_output=xml:${PROJECT_BINARY_DIR}/reports/${name}.xml)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+endfunction()
+
+# qxcore_add_module(NAME SOURCE...): a DLL that tests load beside their program.
+function(qxcore_add_module name)
+  cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+  add_library(${name} SHARED ${arg_UNPARSED_ARGUMENTS})
+  target_compile_features(${name} PRIVATE cxx_std_20)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform ${arg_LINK})
+  set_target_properties(${name} PROPERTIES PREFIX "")
+endfunction()
+
+# qxcore_add_program(NAME SOURCE...): a program that tests start as a second process.
+function(qxcore_add_program name)
+  cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_compile_features(${name} PRIVATE cxx_std_20)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform ${arg_LINK})
+endfunction()

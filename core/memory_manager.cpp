@@ -1,0 +1,140 @@
+#include "core/memory_manager.h"
+
+#include "core/runtime_block.h"
+#include "core/system_heap.h"
+
+#include <algorithm>
+#include <cstring>
+
+constinit CMemManager g_memory = {};
+int __core_activity = 0;
+
+namespace {
+
+constexpr int kMaxHeapsOnWin9x = 128;
+constexpr size_t kPermanentHeapSize = 4096;
+
+// The high bit of the version marks the Windows 9x family; its major version is 4.
+bool RunsOnWin9x() {
+    DWORD version = GetVersion();
+    return (version & 0x80000000) != 0 && (version & 0x0F) >= 4;
+}
+
+// The word before a block: its heap.
+CHeap** OwnerOf(void* block) {
+    return static_cast<CHeap**>(block) - 1;
+}
+
+}  // namespace
+
+template <class Request>
+auto CMemManager::AskAgain(Request request) {
+    auto result = request();
+    for (unsigned attempt = 0; !result && sink && sink->OnLowMemory(attempt); ++attempt) result = request();
+    return result;
+}
+
+void CMemManager::Start() {
+    InitializeCriticalSection(&lock);
+    heapList = {};
+    for (auto& heap : heaps) heap = new CHeap(kPermanentHeapSize, true);
+    isWin9x = RunsOnWin9x();
+}
+
+void CMemManager::Stop() {
+    while (heapList.head) delete static_cast<CHeap*>(heapList.head);
+    DeleteCriticalSection(&lock);
+}
+
+CHeap* CMemManager::NextHeapLocked() {
+    if (nextHeap >= kHeaps) nextHeap = 0;
+    return heaps[nextHeap++];
+}
+
+void* CHeap::operator new(size_t size) {
+    return AllocRuntimeBlock(size);
+}
+
+void CHeap::operator delete(void* block) {
+    FreeRuntimeBlock(block);
+}
+
+CHeap::CHeap(size_t size, bool pinned) : pinned(pinned) {
+    MemoryLock lock;
+    handle = g_memory.AskAgain(SystemHeapCreate);
+    g_memory.bytesRequested += size;
+    ++g_memory.operations;
+    if (!handle) throw CXMemException();
+    g_memory.heapList.Append(this);
+}
+
+CHeap::~CHeap() {
+    if (g_memory.isWin9x && !pinned) --g_memory.heapCount;
+    MemoryLock lock;
+    g_memory.heapList.Unlink(this);
+    SystemHeapDestroy(handle);
+}
+
+void* CHeap::AllocLocked(size_t size) {
+    if (size > SIZE_MAX - kHeaderSize) throw CXMemException();
+    size_t total = size + kHeaderSize;
+    auto owner = static_cast<CHeap**>(SystemHeapAlloc(handle, total));
+    if (!owner) [[unlikely]] {
+        owner = static_cast<CHeap**>(g_memory.AskAgain([&] { return SystemHeapAlloc(handle, total); }));
+        if (!owner) throw CXMemException();
+    }
+    *owner = this;
+    g_memory.bytesRequested += total;
+    ++g_memory.operations;
+    return owner + 1;
+}
+
+void* CHeap::Alloc(size_t size) {
+    MemoryLock lock;
+    return AllocLocked(size);
+}
+
+int CHeap::Free(void* block) {
+    CHeap** owner = OwnerOf(block);
+    ++g_memory.operations;
+    return SystemHeapFree((*owner)->handle, owner);
+}
+
+void* CHeap::Realloc(void* block, size_t newSize) {
+    MemoryLock lock;
+    CHeap* heap = *OwnerOf(block);
+    void* moved = heap->AllocLocked(newSize);
+    size_t oldBlock = SystemHeapSize(heap->handle, OwnerOf(block));
+    memcpy(moved, block, std::min(newSize, oldBlock) - kHeaderSize);
+    heap->Free(block);
+    ++g_memory.operations;
+    return moved;
+}
+
+size_t CHeap::GetSize(void* block) {
+    CHeap** owner = OwnerOf(block);
+    return SystemHeapSize((*owner)->handle, owner) - kHeaderSize;
+}
+
+IHeap* Mem_DefaultHeap(size_t) {
+    MemoryLock lock;
+    return g_memory.NextHeapLocked();
+}
+
+IHeap* new_MemoryHeap(size_t size) {
+    if (g_memory.isWin9x) {
+        if (g_memory.heapCount >= kMaxHeapsOnWin9x) return Mem_DefaultHeap(size);
+        ++g_memory.heapCount;
+    }
+    return new CHeap(size, false);
+}
+
+void Mem_SetLowMemoryNotifySink(ILowMemoryNotifySink* sink) {
+    if (g_memory.sink) throw CXException(QXERR_BAD_USE);
+    g_memory.sink = sink;
+}
+
+void Get_CoreActivity(size_t* bytes, unsigned* operations) {
+    *bytes = g_memory.bytesRequested;
+    *operations = g_memory.operations;
+}

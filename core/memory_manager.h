@@ -1,0 +1,72 @@
+// The process-wide memory manager and the heaps it deals out.
+#ifndef QXCORE_CORE_MEMORY_MANAGER_H
+#define QXCORE_CORE_MEMORY_MANAGER_H
+
+#include <qxcore/heap.h>
+#include <qxcore/platform.h>
+
+class CHeap : public CQXUnknownImpl<IHeap>, public QX_LISTITEM {
+public:
+    // Throws CXMemException when the system refuses and the sink gives up. `size` counts as activity and no more.
+    CHeap(size_t size, bool pinned);
+    ~CHeap() override;
+
+    // The objects outlive the heaps, so they are runtime memory.
+    static void* operator new(size_t size);
+    static void operator delete(void* block);
+
+    // A pinned heap is destroyed only by the manager.
+    unsigned AddRef() override { return pinned ? 1 : InternalAddRef(); }
+    unsigned Release() override { return pinned ? 1 : InternalRelease(); }
+
+    void* Alloc(size_t size) override;
+    int Free(void* block) override;
+    void* Realloc(void* block, size_t newSize) override;
+    size_t GetSize(void* block) override;
+    size_t GetHeaderSize() override { return kHeaderSize; }
+
+    // REQUIRES: the manager's lock is held.
+    void* AllocLocked(size_t size);
+
+    static constexpr size_t kHeaderSize = 8;  // the owning CHeap, before each block
+
+private:
+    HANDLE handle;
+    int pinned;
+};
+
+struct CMemManager {
+    static constexpr int kHeaps = 4;
+
+    void Start();
+    void Stop();
+
+    // REQUIRES: lock is held.
+    CHeap* NextHeapLocked();
+    // Repeats the request while it fails and the sink asks for another try.
+    template <class Request>
+    auto AskAgain(Request request);
+
+    CHeap* heaps[kHeaps];
+    int nextHeap;
+    CRITICAL_SECTION lock;
+    ILowMemoryNotifySink* sink;
+    COList heapList;
+
+    size_t bytesRequested;
+    unsigned operations;
+    int isWin9x;
+    int heapCount;
+};
+
+extern CMemManager g_memory;
+
+class MemoryLock {
+public:
+    MemoryLock() { EnterCriticalSection(&g_memory.lock); }
+    ~MemoryLock() { LeaveCriticalSection(&g_memory.lock); }
+    MemoryLock(const MemoryLock&) = delete;
+    MemoryLock& operator=(const MemoryLock&) = delete;
+};
+
+#endif

@@ -1,0 +1,52 @@
+// The global allocation functions of every module that links the library.
+//
+// A block of `new` carries two heap words: that of the heap's Alloc, and its own right before the caller's bytes.
+// The tag there says who frees it: -1 the runtime, 0 the default heap, anything else that heap.
+#include "core/memory_manager.h"
+#include "core/runtime_block.h"
+
+#include <new>
+
+namespace {
+
+void* Allocate(size_t size) {
+    if (size > SIZE_MAX - kTagSize) throw CXMemException();
+    MemoryLock lock;
+    CHeap* heap = g_memory.NextHeapLocked();
+    auto tag = static_cast<IHeap**>(heap->AllocLocked(size + kTagSize));
+    *tag = heap;
+    return tag + 1;
+}
+
+void* AllocateOrNull(size_t size) noexcept {
+    try {
+        return Allocate(size);
+    } catch (CXMemException&) {
+        return nullptr;
+    }
+}
+
+void Deallocate(void* block) noexcept {
+    if (!block) return;
+    auto tag = static_cast<intptr_t*>(block) - 1;
+    if (*tag == kRuntimeTag) {
+        free(tag);
+    } else if (*tag == 0) {
+        Mem_DefaultHeap(0)->Free(tag);
+    } else {
+        reinterpret_cast<IHeap*>(*tag)->Free(tag);
+    }
+}
+
+}  // namespace
+
+QXCORE_API void* operator new(size_t size) { return Allocate(size); }
+QXCORE_API void* operator new[](size_t size) { return Allocate(size); }
+QXCORE_API void* operator new(size_t size, const std::nothrow_t&) noexcept { return AllocateOrNull(size); }
+QXCORE_API void* operator new[](size_t size, const std::nothrow_t&) noexcept { return AllocateOrNull(size); }
+QXCORE_API void operator delete(void* block) noexcept { Deallocate(block); }
+QXCORE_API void operator delete[](void* block) noexcept { Deallocate(block); }
+QXCORE_API void operator delete(void* block, size_t) noexcept { Deallocate(block); }
+QXCORE_API void operator delete[](void* block, size_t) noexcept { Deallocate(block); }
+QXCORE_API void operator delete(void* block, const std::nothrow_t&) noexcept { Deallocate(block); }
+QXCORE_API void operator delete[](void* block, const std::nothrow_t&) noexcept { Deallocate(block); }

@@ -1,0 +1,43 @@
+// The system heap under every CHeap: the platform's calls, or the guard-page heap of hardened builds.
+#ifndef QXCORE_CORE_SYSTEM_HEAP_H
+#define QXCORE_CORE_SYSTEM_HEAP_H
+
+#include <qxcore/platform.h>
+
+#include <cstddef>
+
+#if defined(QXCORE_GUARD_HEAP)
+
+// Each block ends at an unmapped page; a freed block stays unmapped while it is in quarantine. A write behind the
+// block's last byte within its 16-byte rounding is found when the block is freed.
+HANDLE SystemHeapCreate();
+bool SystemHeapDestroy(HANDLE heap);
+void* SystemHeapAlloc(HANDLE heap, size_t size);  // zero-filled
+bool SystemHeapFree(HANDLE heap, void* block);
+size_t SystemHeapSize(HANDLE heap, const void* block);
+
+#else
+
+inline HANDLE SystemHeapCreate() {
+    constexpr DWORD kGrowable = 2;  // HEAP_GROWABLE
+    HANDLE heap = HeapCreate(kGrowable, 0, 0);
+    ULONG lowFragmentation = 2;
+    HeapSetInformation(heap, HeapCompatibilityInformation, &lowFragmentation, sizeof lowFragmentation);
+    return heap;
+}
+inline bool SystemHeapDestroy(HANDLE heap) {
+    return HeapDestroy(heap);
+}
+inline void* SystemHeapAlloc(HANDLE heap, size_t size) {
+    return HeapAlloc(heap, HEAP_ZERO_MEMORY, size);
+}
+inline bool SystemHeapFree(HANDLE heap, void* block) {
+    return HeapFree(heap, 0, block);
+}
+inline size_t SystemHeapSize(HANDLE heap, const void* block) {
+    return HeapSize(heap, 0, block);
+}
+
+#endif
+
+#endif

@@ -1,0 +1,40 @@
+#include "core/runtime_block.h"
+
+#include <qxcore/typeid.h>
+
+#include <cstddef>
+#include <cstring>
+#include <new>
+
+namespace {
+
+constinit COList g_items;
+
+_TI_Item* ItemOf(QX_LISTITEM* link) {
+    return reinterpret_cast<_TI_Item*>(reinterpret_cast<char*>(link) - offsetof(_TI_Item, link));
+}
+
+// The newest name is tried first.
+_TI_Item* FindItem(const char* name) {
+    QX_LISTITEM* link = g_items.tail;
+    if (!link) return nullptr;
+    for (;; link = link->prev) {
+        if (strcmp(ItemOf(link)->name, name) == 0) return ItemOf(link);
+        if (link == g_items.head) return nullptr;
+    }
+}
+
+_TI_Item* AddItem(const char* name) {
+    size_t bytes = strlen(name) + 1;
+    auto item = static_cast<_TI_Item*>(AllocRuntimeBlock(sizeof(_TI_Item)));
+    item->name = static_cast<char*>(memcpy(AllocRuntimeBlock(bytes), name, bytes));
+    g_items.Append(&item->link);
+    return item;
+}
+
+}  // namespace
+
+_TI_Item* __find_ti_item(const char* name) {
+    _TI_Item* item = FindItem(name);
+    return item ? item : AddItem(name);
+}

@@ -1,0 +1,12 @@
+// Everything a host or a plug-in needs. Each subject also has a header of its own under qxcore/.
+#ifndef QXCORE_H
+#define QXCORE_H
+
+#include <qxcore/exception.h>
+#include <qxcore/heap.h>
+#include <qxcore/listitem.h>
+#include <qxcore/platform.h>
+#include <qxcore/typeid.h>
+#include <qxcore/unknown.h>
+
+#endif

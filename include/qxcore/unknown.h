@@ -1,0 +1,165 @@
+// The root interface and the templates that implement it.
+//
+// Ownership: a creator, QueryInterface and an out parameter each give the caller one reference. An argument is
+// borrowed; a callee that keeps it calls AddRef.
+// Threading: counts are plain increments; an object belongs to one thread at a time.
+#ifndef QXCORE_UNKNOWN_H
+#define QXCORE_UNKNOWN_H
+
+#include <qxcore/typeid.h>
+
+struct IQXUnknown {
+    // Takes a reference. The result is the count, for diagnosis only.
+    virtual unsigned AddRef() = 0;
+    // Drops a reference. At zero the object destroys itself and the answer is 0.
+    virtual unsigned Release() = 0;
+    // 1 and a reference in *out, or 0 and null there. A null out asks without taking a reference.
+    virtual int QueryInterface(qx_type_info const& id, IQXUnknown** out) = 0;
+
+protected:
+    ~IQXUnknown() = default;
+};
+QX_DECLARE_TYPEID(IQXUnknown, ".?AUIQXUnknown@@");
+
+// Answers a query with a candidate that may be null: the rule behind every QueryInterface of the library.
+inline int QXAnswerQuery(IQXUnknown* candidate, IQXUnknown** out) {
+    if (!out) return candidate != nullptr;
+    *out = candidate;
+    if (!candidate) return 0;
+    candidate->AddRef();
+    return 1;
+}
+
+// The standard implementation of one interface. A new object carries the creator's reference.
+//
+// The public three forward, through the virtual table, to the Internal three, so a class that overrides the public
+// ones still reaches the template's behaviour. A class with more interfaces overrides QueryInterface, calls
+// InternalQueryInterface first and then answers its further interfaces with QXAnswerQuery.
+template <class I>
+class CQXUnknownImpl : public I {
+public:
+    CQXUnknownImpl() = default;
+    CQXUnknownImpl(const CQXUnknownImpl&) = delete;
+    CQXUnknownImpl& operator=(const CQXUnknownImpl&) = delete;
+
+    unsigned AddRef() override { return InternalAddRef(); }
+    unsigned Release() override { return InternalRelease(); }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override { return InternalQueryInterface(id, out); }
+
+    virtual ~CQXUnknownImpl() = default;
+
+    virtual unsigned InternalAddRef() { return ++m_refs; }
+    virtual unsigned InternalRelease() {
+        if (--m_refs != 0) return m_refs;
+        delete this;
+        return 0;
+    }
+    // Knows IQXUnknown and I.
+    virtual int InternalQueryInterface(qx_type_info const& id, IQXUnknown** out) {
+        bool known = id == qx_typeid<IQXUnknown>() || id == qx_typeid<I>();
+        return QXAnswerQuery(known ? this : nullptr, out);
+    }
+
+private:
+    unsigned m_refs = 1;
+};
+
+// An implementation whose object keeps a parent alive. The public count is a second one, beside the template's.
+template <class I, class P>
+class CQXUnknownImplParent : public CQXUnknownImpl<I> {
+public:
+    unsigned AddRef() override { return ++m_publicRefs; }
+    // The last release lets go of the parent before the object is destroyed.
+    unsigned Release() override {
+        if (--m_publicRefs != 0) return m_publicRefs;
+        if (P* parent = m_parent) {
+            m_parent = nullptr;
+            parent->Release();
+        }
+        delete this;
+        return 0;
+    }
+
+    // Takes a reference on the new parent before dropping the old one; null makes the object a root.
+    virtual void SetParent(P* parent) {
+        if (parent) parent->AddRef();
+        if (m_parent) m_parent->Release();
+        m_parent = parent;
+    }
+    // The parent with a reference for the caller; null for a root.
+    virtual P* GetParent() {
+        if (m_parent) m_parent->AddRef();
+        return m_parent;
+    }
+
+private:
+    unsigned m_publicRefs = 1;
+    P* m_parent = nullptr;
+};
+
+// Base of a class that can be aggregated: every reference and query goes to the controlling object.
+//
+// T derives from CQXContainedObject<T> and from its interface, and has the non-virtual
+//     int ContainedQueryInterface(qx_type_info const& id, IQXUnknown** out);
+// which answers T's own interface and adds the reference itself.
+template <class T>
+class CQXContainedObject {
+public:
+    virtual unsigned AddRef() { return outer->AddRef(); }
+    virtual unsigned Release() { return outer->Release(); }
+    virtual int QueryInterface(qx_type_info const& id, IQXUnknown** out) { return outer->QueryInterface(id, out); }
+    virtual ~CQXContainedObject() = default;
+
+    IQXUnknown* outer = nullptr;  // not counted; set by CQXAggObject
+};
+
+// The controlling object around a T by value. It starts with one reference.
+template <class T>
+class CQXAggObject : public IQXUnknown {
+public:
+    // A null outer makes this object its own controller.
+    explicit CQXAggObject(IQXUnknown* outer) { contained.outer = outer ? outer : this; }
+    CQXAggObject(const CQXAggObject&) = delete;
+    CQXAggObject& operator=(const CQXAggObject&) = delete;
+
+    // Answers the count from before the increment. It alone does so; callers ignore the result.
+    unsigned AddRef() override { return m_refs++; }
+    unsigned Release() override {
+        if (--m_refs != 0) return m_refs;
+        delete this;
+        return 0;
+    }
+    // REQUIRES: out is not null.
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+        *out = nullptr;
+        if (id == qx_typeid<IQXUnknown>()) {
+            *out = this;
+            AddRef();
+        } else if (contained.ContainedQueryInterface(id, out)) {
+            return 1;
+        }
+        return *out != nullptr;
+    }
+    virtual ~CQXAggObject() = default;
+
+private:
+    unsigned m_refs = 1;
+
+public:
+    T contained;
+};
+
+// A handle on its owner that extends no lifetime: counting does nothing, a query reaches the owner.
+class CUnknownInternal : public IQXUnknown {
+public:
+    explicit CUnknownInternal(IQXUnknown* owner) : owner(owner) {}
+    virtual ~CUnknownInternal() = default;
+
+    unsigned AddRef() override { return 0; }
+    unsigned Release() override { return 0; }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override { return owner->QueryInterface(id, out); }
+
+    IQXUnknown* owner;
+};
+
+#endif

@@ -1,0 +1,32 @@
+#include "module/start_up.h"
+
+#include "core/memory_manager.h"
+#include "core/module_handle.h"
+
+#include <objbase.h>
+
+namespace {
+
+using EntryHook = void (*)(HINSTANCE module, DWORD reason);
+
+// A build that adds an export of this name is told when the library comes and goes.
+void CallEntryHook(HINSTANCE module, DWORD reason) {
+    auto hook = reinterpret_cast<EntryHook>(reinterpret_cast<void*>(GetProcAddress(module, "_QXAfxDllMain")));
+    if (hook) hook(module, reason);
+}
+
+}  // namespace
+
+void StartUp(HINSTANCE module) {
+    SetOwnModule(module);
+    g_memory.Start();
+    CoInitialize(nullptr);
+    DisableThreadLibraryCalls(module);
+    CallEntryHook(module, DLL_PROCESS_ATTACH);
+}
+
+void ShutDown(HINSTANCE module) {
+    CallEntryHook(module, DLL_PROCESS_DETACH);
+    CoUninitialize();
+    g_memory.Stop();
+}
