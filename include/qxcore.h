@@ -3,6 +3,8 @@
 #define QXCORE_H
 
 #include <qxcore/exception.h>
+#include <qxcore/file.h>
+#include <qxcore/fileops.h>
 #include <qxcore/heap.h>
 #include <qxcore/listitem.h>
 #include <qxcore/platform.h>

@@ -1,0 +1,80 @@
+// One object shape for every kind of file: on a disk, in memory ("fmem::ADDRESS,SIZE"), behind a URL.
+//
+// Failures are CXFileException; its `operation` is 1 on a file open for input and 2 on one open for output.
+// Threading: no object here locks; a file belongs to one thread at a time.
+#ifndef QXCORE_FILE_H
+#define QXCORE_FILE_H
+
+#include <qxcore/unknown.h>
+
+// Flags of Fio_Open and Fio_OpenOut.
+enum : int {
+    QXFIO_OUTPUT = 1,         // open for output
+    QXFIO_KEEP = 2,           // output keeps what exists, and the file must exist; otherwise it starts empty
+    QXFIO_RANDOM = 0x100,     // expect random access; otherwise sequential
+    QXFIO_TEMPORARY = 0x8000  // output: a temporary file that goes when it is closed
+};
+
+// Origins of Seek.
+enum : int { QXSEEK_START = 0, QXSEEK_CURRENT = 1, QXSEEK_END = 2 };
+
+class IXFile : public IQXUnknown {
+public:
+    // Bytes delivered: fewer than asked for at the end of the file, 0 behind it. An unreadable buffer or page is
+    // code 12.
+    virtual unsigned Read(void* buffer, unsigned count) = 0;
+    virtual void Write(const void* buffer, unsigned count) = 0;
+    // The new position. Code 5 for another origin, a negative target, or, on input, a target behind the end. On
+    // output any target is accepted; what a later write leaves out is zero or what the file held there.
+    virtual unsigned long long Seek(long long offset, int origin) = 0;
+    virtual unsigned long long Tell() = 0;
+    virtual int Flush() = 0;  // non-zero on success
+    // The typed reads deliver the full width or raise code 4, operation 1.
+    virtual unsigned char ReadByte() = 0;
+    virtual unsigned short ReadShort() = 0;
+    virtual unsigned ReadLong() = 0;
+    virtual double ReadDouble() = 0;
+    // Reads up to and with the next line feed, at most count bytes, and puts a NUL behind it. The answer leaves out
+    // the line feed, which stays in the buffer. Where the file ends first, the cell behind the last byte keeps what
+    // it held and the NUL stands behind that cell.
+    // REQUIRES: the buffer has room for count + 1 bytes; count is positive.
+    virtual int ReadLine(char* buffer, int count) = 0;
+    virtual void WriteByte(unsigned char value) = 0;
+    virtual void WriteShort(unsigned short value) = 0;
+    virtual void WriteLong(unsigned value) = 0;
+    virtual void WriteDouble(double value) = 0;
+    virtual void WriteString(const char* text) = 0;  // with its NUL
+    virtual unsigned long long GetLength() = 0;
+    virtual const char* GetPath() = 0;  // lives as long as the file
+
+protected:
+    ~IXFile() = default;
+};
+QX_DECLARE_TYPEID(IXFile, ".?AVIXFile@@");
+
+// A file that appears whole or not at all. Only Commit puts what was written in the target's place; the last Release
+// without it abandons everything and leaves the target as it was.
+class IXOutFile : public IXFile {
+public:
+    // Closes the file and puts it in the target's place: the target is deleted, then the new file renamed. A failure
+    // between the two leaves the new content in the temporary file beside the target. A second call does nothing.
+    // After it only GetPath, AddRef, Release and QueryInterface may be called.
+    virtual void Commit() = 0;
+
+protected:
+    ~IXOutFile() = default;
+};
+QX_DECLARE_TYPEID(IXOutFile, ".?AVIXOutFile@@");
+
+// Opens a file; one reference for the caller. Null only when the heap gives no memory. A null path makes a temporary
+// file. The last Release closes; it raises code 2 when the file cannot be closed or cut to its length.
+QXCORE_API IXFile* Fio_Open(const char* path, int flags);
+// Opens a file that replaces the target on Commit, through a temporary file in the target's directory.
+// Null only when the heap gives no memory. A target that may not be written is CXException code 9; a directory in
+// which no temporary file can be made is CXException 9, 13, 7 or 2.
+QXCORE_API IXOutFile* Fio_OpenOut(const char* path, int flags);
+
+// 1 when the path starts with "fmem::", in any case. Nothing looks at the rest.
+QXCORE_API int Fio_IsMemFile(const char* path);
+
+#endif
