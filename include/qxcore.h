@@ -8,6 +8,10 @@
 #include <qxcore/heap.h>
 #include <qxcore/listitem.h>
 #include <qxcore/platform.h>
+#include <qxcore/progress.h>
+#include <qxcore/property.h>
+#include <qxcore/storage.h>
+#include <qxcore/stream.h>
 #include <qxcore/typeid.h>
 #include <qxcore/unknown.h>
 

@@ -1,0 +1,75 @@
+// Documents: named streams and sub-storages in a compound file.
+//
+// Names are narrow text in the process's code page. A name that is empty or holds \ / : or ! is refused with
+// STG_E_INVALIDNAME.
+// Threading: every operation shares static buffers, so all storages of the process serve one thread at a time.
+#ifndef QXCORE_STORAGE_H
+#define QXCORE_STORAGE_H
+
+#include <qxcore/platform.h>
+#include <qxcore/stream.h>
+
+template <class T>
+class CTEnum;
+
+struct IXStorage : IQXUnknown {
+    // A new sub-storage, in place of an element of that name; `unused` has no effect. Throws CXFileException.
+    virtual IXStorage* CreateStorage(const char* name, int unused) = 0;
+    // Throws CXFileException; code 6 when there is none.
+    virtual IXStorage* OpenStorage(const char* name) = 0;
+    // Throws CXFileException, operation 4, without a name.
+    virtual HRESULT DeleteStorage(const char* name) = 0;
+    // The parent with a reference for the caller; null at a root.
+    virtual IXStorage* GetParent() = 0;
+    // A snapshot of the sub-storages' names, for the caller to release; it outlives the storage.
+    virtual CTEnum<const char*>* EnumStorages() = 0;
+    // A new stream, in place of one of that name. Null on failure, unlike CreateStorage.
+    virtual IXStream* CreateStream(const char* name) = 0;
+    // Null on failure, unlike OpenStorage.
+    virtual IXStream* OpenStream(const char* name) = 0;
+    virtual HRESULT DeleteStream(const char* name) = 0;
+    // Does nothing on a storage opened for reading only.
+    virtual void Commit() = 0;
+    virtual CTEnum<const char*>* EnumStreams() = 0;
+    // The root's file, also on a sub-storage; empty for a storage without a path.
+    virtual const char* GetPath() = 0;
+
+protected:
+    ~IXStorage() = default;
+};
+QX_DECLARE_TYPEID(IXStorage, ".?AUIXStorage@@");
+
+// A storage over OLE: what new_Storage, open_Storage and new_StorageByOleStorage give, and what its sub-storages are.
+// Its further operations stand behind those of the interface and the template; a host that knows where its storage
+// comes from reaches them by a static_cast from IXStorage*. Nothing tests the class.
+//
+// The last release commits. Revert before it is the only way out of a transaction.
+// Asked for IQXProperty, a storage answers a new object over its property sets each time.
+class CStorage : public CQXUnknownImpl<IXStorage> {
+public:
+    // Drops what was written since the last commit. Does nothing on a storage that is not transacted.
+    virtual void Revert() = 0;
+    // Always answers 0.
+    virtual int Reserved(void*, void*, void*, void*) { return 0; }
+};
+
+// Mode bits of new_Storage.
+enum : int {
+    QXSTG_READ_ONLY = 1,
+    QXSTG_TRANSACTED = 2,
+    QXSTG_TEMPORARY = 4,         // a new file in the temporary directory; the path is ignored
+    QXSTG_DELETE_ON_RELEASE = 8  // the file goes with the root's last release
+};
+
+// A new storage: in a file at path, whose missing directories are made; in memory when path is null; in a temporary
+// file with bit 2. Throws CXFileException, operation 0, with the path.
+QXCORE_API IXStorage* new_Storage(const char* path, int flags);
+// An existing file, for reading, or transacted for reading and writing. A URL throws CXFileException code 13.
+QXCORE_API IXStorage* open_Storage(const char* path, int readOnly);
+// Takes a reference on an IStorage. The path stays empty.
+QXCORE_API IXStorage* new_StorageByOleStorage(void* oleStorage);
+
+// The IStorage of a CStorage, with a reference for the caller. Nothing tests the class.
+QXCORE_API void* Storage_GetOLEStorage(IXStorage* storage);
+
+#endif
