@@ -1,0 +1,7 @@
+// <windows.h> after ours.
+#include <qxcore.h>
+#include <windows.h>
+
+int IncludesOursFirst() {
+    return qx_typeid<IQXUnknown>() == qx_typeid<IQXUnknown>();
+}
