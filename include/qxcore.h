@@ -12,6 +12,7 @@
 #include <qxcore/property.h>
 #include <qxcore/storage.h>
 #include <qxcore/stream.h>
+#include <qxcore/translation.h>
 #include <qxcore/typeid.h>
 #include <qxcore/unknown.h>
 
