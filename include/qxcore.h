@@ -2,18 +2,23 @@
 #ifndef QXCORE_H
 #define QXCORE_H
 
+#include <qxcore/blob.h>
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
 #include <qxcore/fileops.h>
 #include <qxcore/heap.h>
 #include <qxcore/listitem.h>
+#include <qxcore/persist.h>
 #include <qxcore/platform.h>
 #include <qxcore/progress.h>
 #include <qxcore/property.h>
+#include <qxcore/registry.h>
+#include <qxcore/services.h>
 #include <qxcore/storage.h>
 #include <qxcore/stream.h>
 #include <qxcore/translation.h>
 #include <qxcore/typeid.h>
 #include <qxcore/unknown.h>
+#include <qxcore/variant.h>
 
 #endif
