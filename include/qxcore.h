@@ -2,12 +2,16 @@
 #ifndef QXCORE_H
 #define QXCORE_H
 
+#include <qxcore/attached.h>
 #include <qxcore/blob.h>
+#include <qxcore/enum.h>
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
 #include <qxcore/fileops.h>
 #include <qxcore/heap.h>
+#include <qxcore/list.h>
 #include <qxcore/listitem.h>
+#include <qxcore/map.h>
 #include <qxcore/persist.h>
 #include <qxcore/platform.h>
 #include <qxcore/progress.h>
@@ -16,6 +20,7 @@
 #include <qxcore/services.h>
 #include <qxcore/storage.h>
 #include <qxcore/stream.h>
+#include <qxcore/string_enum.h>
 #include <qxcore/translation.h>
 #include <qxcore/typeid.h>
 #include <qxcore/unknown.h>

@@ -1,0 +1,56 @@
+// Interfaces that a caller attaches to an object at run time, so that the object's QueryInterface answers them.
+#ifndef QXCORE_ATTACHED_H
+#define QXCORE_ATTACHED_H
+
+#include <qxcore/map.h>
+#include <qxcore/unknown.h>
+
+#include <memory>
+
+struct IRegisterIface : public IQXUnknown {
+    // Attaches or replaces what the object answers for `id`; a null object removes it. With `counted` the table holds
+    // a reference; without, the attached object must outlive its entry. `id` is a record that outlives the entry.
+    // 1, or 0 when there was nothing to remove.
+    virtual int RegisterInterface(IQXUnknown* object, qx_type_info const& id, int counted) = 0;
+
+protected:
+    ~IRegisterIface() = default;
+};
+QX_DECLARE_TYPEID(IRegisterIface, ".?AUIRegisterIface@@");
+
+// One attached interface. It owns the reference on a counted object, so it is not copied.
+struct _tIQXUnknown {
+    const char* name = nullptr;  // the id's decorated name, in the record itself
+    IQXUnknown* object = nullptr;
+    int counted = 0;
+
+    ~_tIQXUnknown() {
+        if (counted && object) object->Release();
+    }
+};
+
+// The table that a carrying class embeds: it forwards RegisterInterface and QueryInterface here.
+//
+// An object that registers an interface of its own does so uncounted, or it would keep itself alive for ever.
+class CAttachedInterfaces {
+public:
+    int Register(IQXUnknown* object, qx_type_info const& id, int counted) {
+        if (!object) return m_entries.RemoveKey(id.name);
+        std::unique_ptr<_tIQXUnknown> entry(new _tIQXUnknown{id.name, object, counted});
+        if (counted) object->AddRef();
+        if (!m_entries.SetAt(id.name, entry.get())) return 0;
+        entry.release();
+        return 1;
+    }
+
+    // Knows what is attached and nothing else. A null out asks without taking a reference.
+    int Query(qx_type_info const& id, IQXUnknown** out) {
+        _tIQXUnknown** entry = m_entries.Find(id.name);
+        return QXAnswerQuery(entry ? (*entry)->object : nullptr, out);
+    }
+
+private:
+    CTMap<const char*, _tIQXUnknown*> m_entries;
+};
+
+#endif
