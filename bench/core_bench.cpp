@@ -43,17 +43,18 @@ void BenchAllocation(size_t size) {
     });
     IHeap* qxHeap = new_MemoryHeap(0);
     snprintf(what, sizeof what, "IHeap Alloc + Free, %d bytes", int(size));
-    bench::Compare(what, "HeapAlloc(zero) + HeapFree",
-                   [&] {
-                       void* p = qxHeap->Alloc(size);
-                       bench::Keep(p);
-                       qxHeap->Free(p);
-                   },
-                   [&] {
-                       void* p = HeapAlloc(heap, HEAP_ZERO_MEMORY, size);
-                       bench::Keep(p);
-                       HeapFree(heap, 0, p);
-                   });
+    bench::Compare(
+        what, "HeapAlloc(zero) + HeapFree",
+        [&] {
+            void* p = qxHeap->Alloc(size);
+            bench::Keep(p);
+            qxHeap->Free(p);
+        },
+        [&] {
+            void* p = HeapAlloc(heap, HEAP_ZERO_MEMORY, size);
+            bench::Keep(p);
+            HeapFree(heap, 0, p);
+        });
     qxHeap->Release();
     HeapDestroy(heap);
 }
@@ -79,19 +80,20 @@ QXCORE_NOINLINE Shape* MakeSquare() {
 void BenchInterfaceTest() {
     IQXUnknown* object = MakeShape();
     Shape* peer = MakeSquare();
-    bench::Compare("QueryInterface hit + Release", "dynamic_cast",
-                   [&] {
-                       IQXUnknown* out;
-                       bench::Keep(object);
-                       object->QueryInterface(qx_typeid<IShape>(), &out);
-                       out->Release();
-                       bench::Keep(out);
-                   },
-                   [&] {
-                       bench::Keep(peer);
-                       Square* out = dynamic_cast<Square*>(peer);
-                       bench::Keep(out);
-                   });
+    bench::Compare(
+        "QueryInterface hit + Release", "dynamic_cast",
+        [&] {
+            IQXUnknown* out;
+            bench::Keep(object);
+            object->QueryInterface(qx_typeid<IShape>(), &out);
+            out->Release();
+            bench::Keep(out);
+        },
+        [&] {
+            bench::Keep(peer);
+            Square* out = dynamic_cast<Square*>(peer);
+            bench::Keep(out);
+        });
     object->Release();
     delete peer;
 }

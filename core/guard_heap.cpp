@@ -80,7 +80,8 @@ void Unmap(GuardBlock* header) {
 }  // namespace
 
 HANDLE SystemHeapCreate() {
-    auto heap = static_cast<GuardHeap*>(VirtualAlloc(nullptr, sizeof(GuardHeap), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    auto heap =
+        static_cast<GuardHeap*>(VirtualAlloc(nullptr, sizeof(GuardHeap), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     if (heap) InitializeCriticalSection(&heap->lock);
     return heap;
 }

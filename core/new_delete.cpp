@@ -40,13 +40,33 @@ void Deallocate(void* block) noexcept {
 
 }  // namespace
 
-QXCORE_API void* operator new(size_t size) { return Allocate(size); }
-QXCORE_API void* operator new[](size_t size) { return Allocate(size); }
-QXCORE_API void* operator new(size_t size, const std::nothrow_t&) noexcept { return AllocateOrNull(size); }
-QXCORE_API void* operator new[](size_t size, const std::nothrow_t&) noexcept { return AllocateOrNull(size); }
-QXCORE_API void operator delete(void* block) noexcept { Deallocate(block); }
-QXCORE_API void operator delete[](void* block) noexcept { Deallocate(block); }
-QXCORE_API void operator delete(void* block, size_t) noexcept { Deallocate(block); }
-QXCORE_API void operator delete[](void* block, size_t) noexcept { Deallocate(block); }
-QXCORE_API void operator delete(void* block, const std::nothrow_t&) noexcept { Deallocate(block); }
-QXCORE_API void operator delete[](void* block, const std::nothrow_t&) noexcept { Deallocate(block); }
+QXCORE_API void* operator new(size_t size) {
+    return Allocate(size);
+}
+QXCORE_API void* operator new[](size_t size) {
+    return Allocate(size);
+}
+QXCORE_API void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size);
+}
+QXCORE_API void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size);
+}
+QXCORE_API void operator delete(void* block) noexcept {
+    Deallocate(block);
+}
+QXCORE_API void operator delete[](void* block) noexcept {
+    Deallocate(block);
+}
+QXCORE_API void operator delete(void* block, size_t) noexcept {
+    Deallocate(block);
+}
+QXCORE_API void operator delete[](void* block, size_t) noexcept {
+    Deallocate(block);
+}
+QXCORE_API void operator delete(void* block, const std::nothrow_t&) noexcept {
+    Deallocate(block);
+}
+QXCORE_API void operator delete[](void* block, const std::nothrow_t&) noexcept {
+    Deallocate(block);
+}

@@ -11,6 +11,7 @@
 #include <qxcore/heap.h>
 #include <qxcore/list.h>
 #include <qxcore/listitem.h>
+#include <qxcore/lock.h>
 #include <qxcore/map.h>
 #include <qxcore/persist.h>
 #include <qxcore/platform.h>
@@ -21,6 +22,7 @@
 #include <qxcore/storage.h>
 #include <qxcore/stream.h>
 #include <qxcore/string_enum.h>
+#include <qxcore/thread.h>
 #include <qxcore/translation.h>
 #include <qxcore/typeid.h>
 #include <qxcore/unknown.h>

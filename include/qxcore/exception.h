@@ -9,23 +9,23 @@
 
 // The codes are part of the interface.
 enum : int {
-    QXERR_CANCELLED = 1,      // the operation was cancelled by the user
-    QXERR_MEMORY = 2,         // out of memory, or an unclassified failure of creating a file
-    QXERR_DISK_FULL = 3,      // disk full
-    QXERR_EOF = 4,            // end of file
-    QXERR_SEEK = 5,           // bad seek
-    QXERR_NOT_FOUND = 6,      // file or path not found
-    QXERR_BAD_NAME = 7,       // invalid file name or path
-    QXERR_SHARING = 8,        // access or sharing violation
-    QXERR_ACCESS_DENIED = 9,  // not writable or write-protected
-    QXERR_BAD_USE = 10,       // invalid seek origin, a second sink, an absent object or interface
-    QXERR_UNKNOWN = 11,       // unclassified, or unsupported content
-    QXERR_DEVICE = 12,        // device or I/O failure: read, write or seek failed
-    QXERR_NETWORK = 13,       // network or incomplete-operation failure
-    QXERR_TOO_MANY_OPEN = 14, // too many open files
-    QXERR_FORMAT = 15,        // bad format, and every failure without a code of its own
-    QXERR_OBJECT_SIZE = 16,   // a persisted object claims more bytes than the stream holds
-    QXERR_INI_LINE = 34       // an ini line of NUL characters
+    QXERR_CANCELLED = 1,       // the operation was cancelled by the user
+    QXERR_MEMORY = 2,          // out of memory, or an unclassified failure of creating a file
+    QXERR_DISK_FULL = 3,       // disk full
+    QXERR_EOF = 4,             // end of file
+    QXERR_SEEK = 5,            // bad seek
+    QXERR_NOT_FOUND = 6,       // file or path not found
+    QXERR_BAD_NAME = 7,        // invalid file name or path
+    QXERR_SHARING = 8,         // access or sharing violation
+    QXERR_ACCESS_DENIED = 9,   // not writable or write-protected
+    QXERR_BAD_USE = 10,        // invalid seek origin, a second sink, an absent object or interface
+    QXERR_UNKNOWN = 11,        // unclassified, or unsupported content
+    QXERR_DEVICE = 12,         // device or I/O failure: read, write or seek failed
+    QXERR_NETWORK = 13,        // network or incomplete-operation failure
+    QXERR_TOO_MANY_OPEN = 14,  // too many open files
+    QXERR_FORMAT = 15,         // bad format, and every failure without a code of its own
+    QXERR_OBJECT_SIZE = 16,    // a persisted object claims more bytes than the stream holds
+    QXERR_INI_LINE = 34        // an ini line of NUL characters
 };
 
 class CXException {

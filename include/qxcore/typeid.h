@@ -52,10 +52,10 @@ inline qx_type_info const& qx_typeid() {
 
 // Gives an interface its identity; used once, at global scope:
 //     QX_DECLARE_TYPEID(IMyThing, ".?AUIMyThing@@");
-#define QX_DECLARE_TYPEID(interface_type, decorated_name)                          \
-    template <>                                                                    \
-    struct qx_type_of<interface_type> {                                            \
-        static inline qx_type_info record = {nullptr, nullptr, decorated_name};    \
+#define QX_DECLARE_TYPEID(interface_type, decorated_name)                       \
+    template <>                                                                 \
+    struct qx_type_of<interface_type> {                                         \
+        static inline qx_type_info record = {nullptr, nullptr, decorated_name}; \
     }
 
 #endif

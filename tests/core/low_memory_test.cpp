@@ -1,0 +1,80 @@
+// A process has one sink, once; so these tests are a program of their own.
+#include <gtest/gtest.h>
+#include <qxcore.h>
+
+#include <vector>
+
+namespace {
+
+constexpr size_t kTooMuch = size_t(1) << 60;
+
+class RecordingSink : public ILowMemoryNotifySink {
+public:
+    int OnLowMemory(unsigned attempt) override {
+        attempts.push_back(attempt);
+        return attempt < retries;
+    }
+
+    void Reset(unsigned newRetries) {
+        attempts.clear();
+        retries = newRetries;
+    }
+
+    std::vector<unsigned> attempts;
+    unsigned retries = 0;
+};
+
+RecordingSink& Sink() {
+    static RecordingSink sink;
+    return sink;
+}
+
+class LowMemoryTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() { Mem_SetLowMemoryNotifySink(&Sink()); }
+    void SetUp() override { Sink().Reset(0); }
+};
+
+}  // namespace
+
+TEST_F(LowMemoryTest, ASinkThatAsksTwiceForAnotherTryIsCalledWithZeroOneAndTwo) {
+    Sink().Reset(2);
+    EXPECT_THROW(Mem_DefaultHeap(0)->Alloc(kTooMuch), CXMemException);
+    EXPECT_EQ(Sink().attempts, (std::vector<unsigned>{0, 1, 2}));
+}
+
+TEST_F(LowMemoryTest, ASinkThatGivesUpAtOnceIsCalledOnce) {
+    EXPECT_THROW(Mem_DefaultHeap(0)->Alloc(kTooMuch), CXMemException);
+    EXPECT_EQ(Sink().attempts, (std::vector<unsigned>{0}));
+}
+
+TEST_F(LowMemoryTest, EachFailingRequestCountsItsAttemptsFromZero) {
+    Sink().Reset(1);
+    EXPECT_THROW(::operator delete(::operator new(kTooMuch)), CXMemException);
+    EXPECT_THROW(::operator delete(::operator new(kTooMuch)), CXMemException);
+    EXPECT_EQ(Sink().attempts, (std::vector<unsigned>{0, 1, 0, 1}));
+}
+
+TEST_F(LowMemoryTest, ASuccessfulAllocDoesNotAskTheSink) {
+    delete new int;
+    EXPECT_TRUE(Sink().attempts.empty());
+}
+
+TEST_F(LowMemoryTest, ASizeThatWrapsIsRefusedWithoutAskingTheSink) {
+    Sink().Reset(5);
+    EXPECT_THROW(Mem_DefaultHeap(0)->Alloc(SIZE_MAX), CXMemException);
+    EXPECT_TRUE(Sink().attempts.empty());
+}
+
+TEST_F(LowMemoryTest, ASecondSinkThrowsEvenIfItIsNull) {
+    RecordingSink other;
+    for (ILowMemoryNotifySink* sink : {static_cast<ILowMemoryNotifySink*>(&other), (ILowMemoryNotifySink*)nullptr,
+                                       static_cast<ILowMemoryNotifySink*>(&Sink())}) {
+        try {
+            Mem_SetLowMemoryNotifySink(sink);
+            ADD_FAILURE();
+        } catch (CXException& e) {
+            EXPECT_EQ(e.GetCode(), 10);
+        }
+    }
+}
