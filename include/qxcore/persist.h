@@ -6,6 +6,7 @@
 #ifndef QXCORE_PERSIST_H
 #define QXCORE_PERSIST_H
 
+#include <qxcore/platform.h>
 #include <qxcore/unknown.h>
 
 struct IXStream;
