@@ -14,7 +14,7 @@
 #include <qxcore/platform.h>
 #include <qxcore/string.h>
 
-class IXStorage;
+struct IXStorage;
 
 // One translation. Both texts are unescaped by the constructor.
 struct CContext {
