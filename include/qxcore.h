@@ -27,5 +27,9 @@
 #include <qxcore/typeid.h>
 #include <qxcore/unknown.h>
 #include <qxcore/variant.h>
+#include <qxcore/string.h>
+#include <qxcore/typeid.h>
+#include <qxcore/unknown.h>
+#include <qxcore/wide_string.h>
 
 #endif
