@@ -4,6 +4,8 @@ target_compile_definitions(qxcore PRIVATE QXCORE_BUILDING)
 if(QXCORE_GUARD_HEAP)
   target_compile_definitions(qxcore PRIVATE QXCORE_GUARD_HEAP)
 endif()
+# A debug build tells at unload which blocks of the permanent heaps nobody freed.
+target_compile_definitions(qxcore PRIVATE $<$<CONFIG:Debug>:QXCORE_LEAK_REPORT>)
 target_include_directories(qxcore
   PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>
   PRIVATE ${PROJECT_SOURCE_DIR})

@@ -28,9 +28,8 @@ size_t RoundUp(size_t n, size_t to) {
     return (n + to - 1) / to * to;
 }
 
+// The header stands at the start of the block's region, which may lie many pages before the block.
 GuardBlock* HeaderOf(const void* block) {
-    // The region starts at a 64 KiB boundary, but a large block ends far from it, so the page before the block's
-    // first page is searched for through the system.
     MEMORY_BASIC_INFORMATION info;
     VirtualQuery(block, &info, sizeof info);
     return static_cast<GuardBlock*>(info.AllocationBase);
@@ -56,16 +55,10 @@ Quarantine& TheQuarantine() {
     return quarantine;
 }
 
-char* SlackOf(GuardBlock* header, const void* block) {
-    (void)header;
-    return const_cast<char*>(static_cast<const char*>(block)) + header->size;
-}
-
-void CheckSlack(GuardBlock* header, const void* block) {
-    size_t slack = RoundUp(header->size, kAlign) - header->size;
-    const char* bytes = SlackOf(header, block);
-    for (size_t i = 0; i < slack; ++i) {
-        if (static_cast<unsigned char>(bytes[i]) != kSlack) {
+void CheckSlack(const GuardBlock* header, const void* block) {
+    auto bytes = static_cast<const unsigned char*>(block);
+    for (size_t i = header->size; i < RoundUp(header->size, kAlign); ++i) {
+        if (bytes[i] != kSlack) {
             OutputDebugStringA("qxcore: a block was written behind its end\n");
             DebugBreak();
         }
@@ -132,6 +125,17 @@ bool SystemHeapFree(HANDLE handle, void* block) {
 
 size_t SystemHeapSize(HANDLE, const void* block) {
     return HeaderOf(block)->size;
+}
+
+LiveBlocks SystemHeapLive(HANDLE handle) {
+    LiveBlocks live = {};
+    auto heap = static_cast<GuardHeap*>(handle);
+    QX_LISTITEM* item = heap->live.head;
+    for (; live.count < heap->live.count; item = item->next) {
+        ++live.count;
+        live.bytes += static_cast<GuardBlock*>(item)->size;
+    }
+    return live;
 }
 
 #endif

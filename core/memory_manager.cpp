@@ -4,6 +4,7 @@
 #include "core/system_heap.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 constinit CMemManager g_memory = {};
@@ -42,6 +43,9 @@ void CMemManager::Start() {
 }
 
 void CMemManager::Stop() {
+#if defined(QXCORE_LEAK_REPORT)
+    for (int i = 0; i < kHeaps; ++i) heaps[i]->ReportLiveBlocks(i);
+#endif
     while (heapList.head) delete static_cast<CHeap*>(heapList.head);
     DeleteCriticalSection(&lock);
 }
@@ -87,6 +91,15 @@ void* CHeap::AllocLocked(size_t size) {
     g_memory.bytesRequested += total;
     ++g_memory.operations;
     return owner + 1;
+}
+
+void CHeap::ReportLiveBlocks(int index) const {
+    LiveBlocks live = SystemHeapLive(handle);
+    if (live.count == 0) return;
+    char line[128];
+    snprintf(line, sizeof line, "qxcore: %u blocks of %u bytes are still live on permanent heap %d\n",
+             static_cast<unsigned>(live.count), static_cast<unsigned>(live.bytes), index);
+    OutputDebugStringA(line);
 }
 
 void* CHeap::Alloc(size_t size) {

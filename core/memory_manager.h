@@ -27,6 +27,8 @@ public:
 
     // REQUIRES: the manager's lock is held.
     void* AllocLocked(size_t size);
+    // Tells the debugger of blocks that nobody freed; `index` names the heap.
+    void ReportLiveBlocks(int index) const;
 
     static constexpr size_t kHeaderSize = 8;  // the owning CHeap, before each block
 

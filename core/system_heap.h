@@ -6,6 +6,12 @@
 
 #include <cstddef>
 
+// What a heap still holds, for the report of a debug build at unload.
+struct LiveBlocks {
+    size_t count;
+    size_t bytes;  // the heap's hidden words included
+};
+
 #if defined(QXCORE_GUARD_HEAP)
 
 // Each block ends at an unmapped page; a freed block stays unmapped while it is in quarantine. A write behind the
@@ -15,6 +21,7 @@ bool SystemHeapDestroy(HANDLE heap);
 void* SystemHeapAlloc(HANDLE heap, size_t size);  // zero-filled
 bool SystemHeapFree(HANDLE heap, void* block);
 size_t SystemHeapSize(HANDLE heap, const void* block);
+LiveBlocks SystemHeapLive(HANDLE heap);
 
 #else
 
@@ -36,6 +43,16 @@ inline bool SystemHeapFree(HANDLE heap, void* block) {
 }
 inline size_t SystemHeapSize(HANDLE heap, const void* block) {
     return HeapSize(heap, 0, block);
+}
+inline LiveBlocks SystemHeapLive(HANDLE heap) {
+    LiveBlocks live = {};
+    PROCESS_HEAP_ENTRY entry = {};
+    while (HeapWalk(heap, &entry)) {
+        if (!(entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)) continue;
+        ++live.count;
+        live.bytes += entry.cbData;
+    }
+    return live;
 }
 
 #endif
