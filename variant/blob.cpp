@@ -19,7 +19,5 @@ QXBlob& QXBlob::operator=(const tagQXBLOB* source) {
 }
 
 bool QXBlob::operator==(const tagQXBLOB* other) const {
-    if (size != other->size) return false;
-    if (!data || !other->data) return size == 0 || data == other->data;
-    return memcmp(data, other->data, size) == 0;
+    return SameBytes(*this, *other);
 }

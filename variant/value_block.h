@@ -7,7 +7,6 @@
 #include <qxcore/variant.h>
 
 #include <cstring>
-#include <memory>
 
 inline void* AllocValue(size_t size) {
     MemoryLock lock;
@@ -32,9 +31,11 @@ inline IQXUnknown* WithReference(IQXUnknown* object) {
     return object;
 }
 
-inline void SetVariant(tagQXVARIANT* v, unsigned short type, const tagQXVALUE& value) {
-    v->type = type;
-    v->value = value;
+// Null data has no bytes, whatever the size says.
+inline bool SameBytes(const tagQXBLOB& a, const tagQXBLOB& b) {
+    if (a.size != b.size) return false;
+    if (!a.data || !b.data) return a.size == 0 || a.data == b.data;
+    return memcmp(a.data, b.data, a.size) == 0;
 }
 
 #endif

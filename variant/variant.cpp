@@ -1,5 +1,7 @@
 #include "variant/value_block.h"
 
+#include <qxcore/string.h>
+
 void QXVariantInit(tagQXVARIANT* v) {
     memset(v, 0, sizeof *v);
 }
@@ -41,6 +43,8 @@ CQXVariant::CQXVariant(const char* text) {
     InitPlain(QXVT_STRING, CopyText(text), value.string);
 }
 
+CQXVariant::CQXVariant(const CXString& text) : CQXVariant(static_cast<const char*>(text)) {}
+
 CQXVariant::CQXVariant(const tagQXBLOB& blob) {
     InitPlain(QXVT_BLOB, tagQXBLOB{blob.size, CopyBytes(blob.data, blob.size)}, value.blob);
 }
@@ -51,6 +55,10 @@ CQXVariant& CQXVariant::operator=(const char* text) {
     CQXVariant made(text);
     Attach(made);
     return *this;
+}
+
+CQXVariant& CQXVariant::operator=(const CXString& text) {
+    return *this = static_cast<const char*>(text);
 }
 
 CQXVariant& CQXVariant::operator=(IQXUnknown* object) {

@@ -1,0 +1,90 @@
+#include "variant/value_block.h"
+
+namespace {
+
+// The bytes that a plain variable of each type shares with the value area; text and objects are owned, not shared.
+constexpr unsigned char kWidths[] = {
+    0,   // EMPTY
+    4,   // BOOL
+    1,   // UI1
+    2,   // UI2
+    4,   // ULONG
+    4,   // INT
+    4,   // UINT
+    4,   // LONG
+    8,   // DOUBLE
+    4,   // FLOAT
+    0,   // STRING
+    8,   // SIZE
+    16,  // RSIZE
+    8,   // POINT
+    16,  // RPOINT
+    16,  // RECT
+    32,  // RRECT
+    16,  // BLOB: the size and the pointer
+    0,   // UNKNOWN
+};
+
+bool CanBind(unsigned short type) {
+    return type >= QXVT_BOOL && type <= QXVT_UNKNOWN;
+}
+
+// The new text or reference is taken before the old one goes, so both may be the same.
+
+void StoreText(char*& variable, const char* text) {
+    char* old = variable;
+    variable = CopyText(text);
+    FreeValue(old);
+}
+
+void StoreObject(IQXUnknown*& variable, IQXUnknown* object) {
+    IQXUnknown* old = variable;
+    variable = WithReference(object);
+    if (old) old->Release();
+}
+
+tagQXVALUE LoadValue(unsigned short type, const void* variable) {
+    tagQXVALUE loaded;
+    memset(&loaded, 0, sizeof loaded);
+    switch (type) {
+        case QXVT_STRING:
+            loaded.string = CopyText(*static_cast<const char* const*>(variable));
+            break;
+        case QXVT_UNKNOWN:
+            loaded.unknown = WithReference(*static_cast<IQXUnknown* const*>(variable));
+            break;
+        default:
+            memcpy(&loaded, variable, kWidths[type]);
+    }
+    return loaded;
+}
+
+}  // namespace
+
+int QXVariantBindToValue(unsigned short type, void* value, const tagQXVARIANT* v) {
+    if (!CanBind(type)) return 0;
+    switch (type) {
+        case QXVT_STRING:
+            StoreText(*static_cast<char**>(value), v->value.string);
+            break;
+        case QXVT_UNKNOWN:
+            StoreObject(*static_cast<IQXUnknown**>(value), v->value.unknown);
+            break;
+        default:
+            memcpy(value, &v->value, kWidths[type]);
+    }
+    return 1;
+}
+
+int QXVariantBindFromValue(unsigned short type, void* value, tagQXVARIANT* v) {
+    if (!CanBind(type)) {
+        QXVariantClear(v);
+        v->type = type;
+        return 0;
+    }
+    tagQXVALUE loaded = LoadValue(type, value);
+    QXVariantClear(v);
+    v->type = type;
+    v->value = loaded;
+    return 1;
+}

@@ -1,0 +1,272 @@
+#include "variant/number_text.h"
+#include "variant/value_block.h"
+
+#include <cstdint>
+#include <type_traits>
+
+namespace {
+
+using Value = tagQXVALUE;
+
+// Makes one form of another. `to` is zero at first and is written only on success.
+using Converter = bool (*)(const Value& from, Value& to);
+
+// ---- numbers
+
+bool Zero(const Value&, Value&) {
+    return true;
+}
+
+// Between forms as the language converts them: bits are kept, cut or widened, integers become reals.
+template <auto From, auto To>
+bool Cast(const Value& from, Value& to) {
+    to.*To = static_cast<std::remove_reference_t<decltype(to.*To)>>(from.*From);
+    return true;
+}
+
+// A NaN is neither less nor greater than zero, so it is false.
+template <auto From>
+bool Truth(const Value& from, Value& to) {
+    to.boolVal = from.*From < 0 || from.*From > 0;
+    return true;
+}
+
+// Toward zero. What does not fit gives the processor's answer, the smallest number.
+int TruncateToInt(double v) {
+    return v > -2147483649.0 && v < 2147483648.0 ? static_cast<int>(v) : INT32_MIN;
+}
+
+int64_t TruncateToInt64(double v) {
+    return v >= -9223372036854775808.0 && v < 9223372036854775808.0 ? static_cast<int64_t>(v) : INT64_MIN;
+}
+
+template <auto From>
+bool Truncate(const Value& from, Value& to) {
+    to.intVal = TruncateToInt(from.*From);
+    return true;
+}
+
+template <auto From>
+bool TruncateAndCut(const Value& from, Value& to) {
+    to.uintVal = static_cast<unsigned>(TruncateToInt64(from.*From));
+    return true;
+}
+
+// ---- text
+
+template <auto To>
+bool Scan(const Value& from, Value& to) {
+    return ScanNumber(from.string, to.*To);
+}
+
+// A double that is converted to `unsigned long` is taken for a pointer to text: the row of every other number has
+// text in this place. A real double there is a caller's error, which fails.
+bool ScanDoubleAsText(const Value& from, Value& to) {
+    return !IsBadStringPtrA(from.string, UINT_PTR(-1)) && ScanNumber(from.string, to.uintVal);
+}
+
+bool EmptyText(const Value&, Value& to) {
+    to.string = CopyText("");
+    return true;
+}
+
+// Not read back: text to bool fails.
+bool YesOrNo(const Value& from, Value& to) {
+    to.string = CopyText(from.boolVal ? "Yes" : "No");
+    return true;
+}
+
+template <auto From>
+bool Text(const Value& from, Value& to) {
+    to.string = NewNumberText(from.*From);
+    return true;
+}
+
+// Reads 16 bits, so the byte behind the value must be zero.
+bool TextOfByte(const Value& from, Value& to) {
+    to.string = NewNumberText(unsigned{from.ui2Val});
+    return true;
+}
+
+bool SameText(const Value& from, Value& to) {
+    to.string = CopyText(from.string);
+    return true;
+}
+
+// ---- geometry
+
+// Not symmetric: -0.5 gives 0 and -0.50000011 gives -1.
+int Round(double v) {
+    return TruncateToInt(v >= 0 ? v + 0.5 : v - 0.4999999);
+}
+
+int Next(int v) {
+    return static_cast<int>(static_cast<unsigned>(v) + 1);
+}
+
+int Previous(int v) {
+    return static_cast<int>(static_cast<unsigned>(v) - 1);
+}
+
+bool RoundSize(const Value& from, Value& to) {
+    to.size = {Round(from.rsize.cx), Round(from.rsize.cy)};
+    return true;
+}
+
+bool WidenSize(const Value& from, Value& to) {
+    to.rsize = {double(from.size.cx), double(from.size.cy)};
+    return true;
+}
+
+bool RoundPoint(const Value& from, Value& to) {
+    to.point = {Round(from.rpoint.x), Round(from.rpoint.y)};
+    return true;
+}
+
+bool WidenPoint(const Value& from, Value& to) {
+    to.rpoint = {double(from.point.x), double(from.point.y)};
+    return true;
+}
+
+// Right and bottom differ by 1 between the two, so an integer rectangle comes back from a round trip.
+
+bool RoundRect(const Value& from, Value& to) {
+    const tagRRECT& r = from.rrect;
+    to.rect = {Round(r.left), Round(r.top), Next(Round(r.right)), Next(Round(r.bottom))};
+    return true;
+}
+
+bool WidenRect(const Value& from, Value& to) {
+    const tagRECT& r = from.rect;
+    to.rrect = {double(r.left), double(r.top), double(Previous(r.right)), double(Previous(r.bottom))};
+    return true;
+}
+
+// ---- what is owned
+
+bool SameBlob(const Value& from, Value& to) {
+    to.blob = {from.blob.size, CopyBytes(from.blob.data, from.blob.size)};
+    return true;
+}
+
+bool SameObject(const Value& from, Value& to) {
+    to.unknown = WithReference(from.unknown);
+    return true;
+}
+
+// ---- the tables
+
+constexpr auto u1 = &Value::ui1Val;
+constexpr auto u2 = &Value::ui2Val;
+constexpr auto u4 = &Value::uintVal;  // all 32-bit integers share their bits
+constexpr auto i4 = &Value::intVal;
+constexpr auto d = &Value::doubleVal;
+constexpr auto f = &Value::floatVal;
+
+constexpr Converter fail = nullptr;
+constexpr Converter zero = Zero;
+constexpr Converter copy = Cast<u4, u4>;
+constexpr Converter low1 = Cast<u1, u1>;
+constexpr Converter low2 = Cast<u2, u2>;
+constexpr Converter wide = Cast<u1, u2>;
+constexpr Converter wid1 = Cast<u1, u4>;
+constexpr Converter wid2 = Cast<u2, u4>;
+template <auto From>
+constexpr Converter is = Truth<From>;
+template <auto From>
+constexpr Converter trc = Truncate<From>;
+template <auto From>
+constexpr Converter cut = TruncateAndCut<From>;
+template <auto From>
+constexpr Converter dbl = Cast<From, d>;
+template <auto From>
+constexpr Converter flt = Cast<From, f>;
+template <auto To>
+constexpr Converter scn = Scan<To>;
+template <auto From>
+constexpr Converter txt = Text<From>;
+template <auto Form>
+constexpr Converter same = Cast<Form, Form>;
+
+// clang-format off
+
+// A row is a target, a column a source.
+constexpr Converter kScalars[][11] = {
+//             EMPTY      BOOL     UI1       UI2      ULONG    INT      UINT     LONG     DOUBLE   FLOAT    STRING
+/* BOOL   */  {zero,      copy,    is<u1>,   is<u2>,  is<u4>,  is<u4>,  is<u4>,  is<u4>,  is<d>,   is<f>,   fail},
+/* UI1    */  {zero,      low1,    low1,     low1,    low1,    low1,    low1,    low1,    fail,    fail,    fail},
+/* UI2    */  {zero,      low2,    wide,     low2,    low2,    low2,    low2,    low2,    fail,    fail,    fail},
+/* ULONG  */  {zero,      copy,    wid1,     wid2,    copy,    copy,    copy,    copy,    ScanDoubleAsText, fail, fail},
+/* INT    */  {zero,      copy,    wid1,     wid2,    copy,    copy,    copy,    copy,    trc<d>,  trc<f>,  scn<i4>},
+/* UINT   */  {zero,      copy,    wid1,     wid2,    copy,    copy,    copy,    copy,    cut<d>,  cut<f>,  scn<u4>},
+/* LONG   */  {zero,      copy,    wid1,     wid2,    copy,    copy,    copy,    copy,    trc<d>,  trc<f>,  scn<i4>},
+/* DOUBLE */  {zero,      dbl<i4>, dbl<u1>,  dbl<u2>, dbl<u4>, dbl<i4>, dbl<u4>, dbl<i4>, dbl<d>,  dbl<f>,  scn<d>},
+/* FLOAT  */  {zero,      flt<i4>, flt<u1>,  flt<u2>, flt<u4>, flt<i4>, flt<u4>, flt<i4>, flt<d>,  flt<f>,  scn<f>},
+/* STRING */  {EmptyText, YesOrNo, TextOfByte, txt<u4>, txt<u4>, txt<i4>, txt<u4>, txt<i4>, txt<d>, txt<f>, SameText},
+};
+
+constexpr auto size   = &Value::size;
+constexpr auto rsize  = &Value::rsize;
+constexpr auto point  = &Value::point;
+constexpr auto rpoint = &Value::rpoint;
+constexpr auto rect   = &Value::rect;
+constexpr auto rrect  = &Value::rrect;
+constexpr auto object = &Value::unknown;
+
+constexpr Converter kCompounds[][8] = {
+//                  SIZE         RSIZE        POINT        RPOINT       RECT        RRECT        BLOB      UNKNOWN
+/* SIZE        */  {same<size>,  RoundSize,   fail,        fail,        fail,       fail,        fail,     fail},
+/* RSIZE       */  {WidenSize,   same<rsize>, fail,        fail,        fail,       fail,        fail,     fail},
+/* POINT       */  {fail,        fail,        same<point>, RoundPoint,  fail,       fail,        fail,     fail},
+/* RPOINT      */  {fail,        fail,        WidenPoint,  same<rpoint>, fail,      fail,        fail,     fail},
+/* RECT        */  {fail,        fail,        fail,        fail,        same<rect>, RoundRect,   fail,     fail},
+/* RRECT       */  {fail,        fail,        fail,        fail,        WidenRect,  same<rrect>, fail,     fail},
+/* BLOB        */  {fail,        fail,        fail,        fail,        fail,       fail,        SameBlob, fail},
+/* UNKNOWN     */  {fail,        fail,        fail,        fail,        fail,       fail,        fail,     SameObject},
+/* UNKNOWN_REF */  {fail,        fail,        fail,        fail,        fail,       fail,        fail,     same<object>},
+};
+
+// clang-format on
+
+constexpr int kBorrowedRow = QXVT_UNKNOWN + 1 - QXVT_SIZE;
+
+bool IsTarget(unsigned short type) {
+    return type <= QXVT_UNKNOWN || type == QXVT_UNKNOWN_REF;
+}
+
+// No scalar becomes a compound, nor the other way.
+Converter ConverterOf(unsigned short from, unsigned short to) {
+    bool scalar = from <= QXVT_STRING;
+    if (to <= QXVT_STRING) return scalar ? kScalars[to - QXVT_BOOL][from] : fail;
+    if (scalar) return fail;
+    return kCompounds[to == QXVT_UNKNOWN_REF ? kBorrowedRow : to - QXVT_SIZE][from - QXVT_SIZE];
+}
+
+// REQUIRES: dest is empty; a failure leaves it so.
+bool Convert(tagQXVARIANT* dest, const tagQXVARIANT& src, unsigned short type) {
+    if (!IsTarget(type)) return false;
+    if (type == QXVT_EMPTY) return true;
+    // A source of a code above 18 has nothing to convert: any target takes it, as a zero value.
+    if (src.type <= QXVT_UNKNOWN) {
+        Converter converter = ConverterOf(src.type, type);
+        if (!converter || !converter(src.value, dest->value)) return false;
+    }
+    dest->type = type;
+    return true;
+}
+
+int ConvertInPlace(tagQXVARIANT* v, unsigned short type) {
+    CQXVariant work;
+    if (!Convert(&work, *v, type)) return 0;
+    QXVariantClear(v);
+    *v = work.Detach();
+    return 1;
+}
+
+}  // namespace
+
+int QXVariantChangeType(tagQXVARIANT* dest, const tagQXVARIANT* src, unsigned short type) {
+    if (dest == src) return ConvertInPlace(dest, type);
+    QXVariantClear(dest);
+    return Convert(dest, *src, type);
+}

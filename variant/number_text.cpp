@@ -1,0 +1,112 @@
+#include "variant/number_text.h"
+
+#include "variant/value_block.h"
+
+#include <qxcore/string.h>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int kSafeDigits = 9;  // fit 32 bits whatever they are
+
+bool IsSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// Reads 1 to 9 digits; anything else is left to the runtime.
+bool ReadDigits(const char* text, unsigned& number) {
+    unsigned n = 0;
+    int digits = 0;
+    for (; IsDigit(text[digits]); ++digits) {
+        if (digits == kSafeDigits) return false;
+        n = n * 10 + static_cast<unsigned>(text[digits] - '0');
+    }
+    number = n;
+    return digits > 0;
+}
+
+const char* SkipSpace(const char* text) {
+    while (IsSpace(*text)) ++text;
+    return text;
+}
+
+template <class T>
+bool ScanByRuntime(const char* text, const char* format, T& number) {
+    T scanned;
+    if (!text || sscanf(text, format, &scanned) != 1) return false;
+    number = scanned;
+    return true;
+}
+
+// The digits of a number, built from the end of a buffer.
+class DigitBuffer {
+public:
+    explicit DigitBuffer(unsigned number) {
+        do {
+            *--start = static_cast<char>('0' + number % 10);
+            number /= 10;
+        } while (number);
+    }
+    void Put(char c) { *--start = c; }
+    char* NewText() const { return static_cast<char*>(CopyBytes(start, static_cast<size_t>(end - start) + 1)); }
+
+private:
+    char buffer[12] = {};
+    char* const end = buffer + sizeof buffer - 1;
+    char* start = end;
+};
+
+char* NewFormatted(const char* format, double number) {
+    CXString text;
+    text.Format(format, number);
+    return CopyText(text);
+}
+
+}  // namespace
+
+bool ScanNumber(const char* text, int& number) {
+    if (!text) return false;
+    const char* at = SkipSpace(text);
+    bool negative = *at == '-';
+    unsigned magnitude;
+    if (!ReadDigits(at + negative, magnitude)) return ScanByRuntime(text, "%d", number);
+    number = negative ? -static_cast<int>(magnitude) : static_cast<int>(magnitude);
+    return true;
+}
+
+bool ScanNumber(const char* text, unsigned& number) {
+    if (!text) return false;
+    return ReadDigits(SkipSpace(text), number) || ScanByRuntime(text, "%u", number);
+}
+
+bool ScanNumber(const char* text, double& number) {
+    return ScanByRuntime(text, "%lf", number);
+}
+
+bool ScanNumber(const char* text, float& number) {
+    return ScanByRuntime(text, "%f", number);
+}
+
+char* NewNumberText(int number) {
+    if (number >= 0) return NewNumberText(static_cast<unsigned>(number));
+    DigitBuffer digits(0u - static_cast<unsigned>(number));
+    digits.Put('-');
+    return digits.NewText();
+}
+
+char* NewNumberText(unsigned number) {
+    return DigitBuffer(number).NewText();
+}
+
+char* NewNumberText(double number) {
+    return NewFormatted("%lg", number);
+}
+
+char* NewNumberText(float number) {
+    return NewFormatted("%g", number);
+}
