@@ -2,6 +2,8 @@
 
 #include "core/memory_manager.h"
 #include "core/module_handle.h"
+#include "objects/class_registry.h"
+#include "objects/service_container.h"
 
 #include <objbase.h>
 
@@ -20,6 +22,8 @@ void CallEntryHook(HINSTANCE module, DWORD reason) {
 void StartUp(HINSTANCE module) {
     SetOwnModule(module);
     g_memory.Start();
+    StartClassRegistry();
+    RegisterServiceContainer(module);
     CoInitialize(nullptr);
     DisableThreadLibraryCalls(module);
     CallEntryHook(module, DLL_PROCESS_ATTACH);
@@ -28,5 +32,7 @@ void StartUp(HINSTANCE module) {
 void ShutDown(HINSTANCE module) {
     CallEntryHook(module, DLL_PROCESS_DETACH);
     CoUninitialize();
+    UnregisterServiceContainer();
+    StopClassRegistry();
     g_memory.Stop();
 }

@@ -1,0 +1,52 @@
+// The enumerators over a service container's table.
+#ifndef QXCORE_OBJECTS_SERVICE_ENUM_H
+#define QXCORE_OBJECTS_SERVICE_ENUM_H
+
+#include "objects/service_container.h"
+
+#include <qxcore/enum.h>
+
+// A place in the table. It holds no reference on the container, which must outlive it.
+template <class T>
+class CServiceTableEnum : public CQXUnknownImpl<CTEnum<T>> {
+public:
+    CServiceTableEnum(ServiceMap* services, unsigned* enumerators) : services(services), enumerators(enumerators) {
+        ++*enumerators;
+    }
+    ~CServiceTableEnum() override { --*enumerators; }
+
+    void Reset() override { at = {}; }
+
+protected:
+    ServiceMap* services;
+    ServiceMap::position at;  // at its end the walk starts over
+
+private:
+    unsigned* enumerators;
+};
+
+// The names are the table's own, valid while the entry exists.
+class CServiceNameEnum final : public CServiceTableEnum<const char*> {
+public:
+    using CServiceTableEnum::CServiceTableEnum;
+
+    int Next(unsigned count, const char** out, unsigned* fetched) override;
+    int Skip(unsigned count) override;
+};
+
+// The objects that answer an interface, as that interface.
+class CServiceEnum final : public CServiceTableEnum<IQXUnknown*> {
+public:
+    CServiceEnum(ServiceMap* services, unsigned* enumerators, qx_type_info const& id)
+        : CServiceTableEnum(services, enumerators), id(id) {}
+
+    // Passes over objects that refuse.
+    int Next(unsigned count, IQXUnknown** out, unsigned* fetched) override;
+    // Unlike Next, ends behind the first object that refuses.
+    int Skip(unsigned count) override;
+
+private:
+    qx_type_info const& id;
+};
+
+#endif
