@@ -82,11 +82,8 @@ CHeap::~CHeap() {
 void* CHeap::AllocLocked(size_t size) {
     if (size > SIZE_MAX - kHeaderSize) throw CXMemException();
     size_t total = size + kHeaderSize;
-    auto owner = static_cast<CHeap**>(SystemHeapAlloc(handle, total));
-    if (!owner) [[unlikely]] {
-        owner = static_cast<CHeap**>(g_memory.AskAgain([&] { return SystemHeapAlloc(handle, total); }));
-        if (!owner) throw CXMemException();
-    }
+    auto owner = static_cast<CHeap**>(g_memory.AskAgain([&] { return SystemHeapAlloc(handle, total); }));
+    if (!owner) throw CXMemException();
     *owner = this;
     g_memory.bytesRequested += total;
     ++g_memory.operations;
