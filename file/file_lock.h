@@ -1,0 +1,20 @@
+// The table of locked files, and its scope object.
+#ifndef QXCORE_FILE_FILE_LOCK_H
+#define QXCORE_FILE_FILE_LOCK_H
+
+#include <qxcore/fileops.h>
+#include <qxcore/string.h>
+
+// This program's own lock on a file is lifted while the object lives.
+class LiftedLock {
+public:
+    explicit LiftedLock(const char* path) : m_path(path) { Fio_ChangeNELock(m_path, 1); }
+    LiftedLock(const LiftedLock&) = delete;
+    LiftedLock& operator=(const LiftedLock&) = delete;
+    ~LiftedLock() { Fio_ChangeNELock(m_path, 0); }
+
+private:
+    CXString m_path;
+};
+
+#endif

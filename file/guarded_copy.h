@@ -1,0 +1,34 @@
+// Copies that survive an unreadable page.
+//
+// A mapped file raises a fault of the processor where its disk fails, and a memory file's address may be wrong. These
+// copies answer false then, having copied some of the bytes or none; the process goes on. Safe in every thread.
+#ifndef QXCORE_FILE_GUARDED_COPY_H
+#define QXCORE_FILE_GUARDED_COPY_H
+
+#include <cstddef>
+
+extern "C" {
+int qx_guarded_copy_1(void* to, const void* from);
+int qx_guarded_copy_2(void* to, const void* from);
+int qx_guarded_copy_4(void* to, const void* from);
+int qx_guarded_copy_8(void* to, const void* from);
+int qx_guarded_copy_block(void* to, const void* from, size_t count);
+}
+
+// The sizes of the typed reads and writes are one load and one store each.
+inline bool GuardedCopy(void* to, const void* from, size_t count) {
+    switch (count) {
+        case 1:
+            return qx_guarded_copy_1(to, from);
+        case 2:
+            return qx_guarded_copy_2(to, from);
+        case 4:
+            return qx_guarded_copy_4(to, from);
+        case 8:
+            return qx_guarded_copy_8(to, from);
+        default:
+            return qx_guarded_copy_block(to, from, count);
+    }
+}
+
+#endif

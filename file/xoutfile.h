@@ -1,0 +1,23 @@
+// CXOutFile: a local file that appears whole on Commit, written to a temporary file in the target's directory.
+#ifndef QXCORE_FILE_XOUTFILE_H
+#define QXCORE_FILE_XOUTFILE_H
+
+#include "file/forwarding_file.h"
+
+class CXOutFile final : public CForwardingFile<IXOutFile, IXFile> {
+public:
+    // The temporary file exists, and is the object's own once the constructor is done.
+    CXOutFile(const char* target, const char* temp, int flags);
+
+    void Commit() override;
+
+private:
+    ~CXOutFile() override;
+    void OpenOverTarget(int flags);
+    void OpenInner(int flags);
+
+    CXString m_temp;
+    bool m_committed = false;
+};
+
+#endif

@@ -1,0 +1,95 @@
+// Files and directories for tests, made and read back with the platform's own calls.
+#ifndef QXCORE_TESTS_FILE_FIXTURE_H
+#define QXCORE_TESTS_FILE_FIXTURE_H
+
+#include <gtest/gtest.h>
+#include <qxcore.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+constexpr unsigned kChunk = 2 * 65536;  // two allocation granularities of the platform
+
+// A directory that goes with all it holds.
+class FileTest : public testing::Test {
+protected:
+    FileTest();
+    ~FileTest() override;
+
+    const std::string& Directory() const { return m_directory; }
+    std::string Path(const std::string& name) const { return m_directory + "\\" + name; }
+    std::string MakeFile(const std::string& name, const std::string& content) const;
+    std::vector<std::string> Names() const { return NamesIn(m_directory); }
+    static std::vector<std::string> NamesIn(const std::string& directory);
+
+private:
+    std::string m_directory;
+};
+
+bool Exists(const std::string& path);
+std::string ContentOf(const std::string& path);
+unsigned long long SizeOnDisk(const std::string& path);
+void Overwrite(const std::string& path, const std::string& content);
+void SetReadOnly(const std::string& path, bool on);
+// The error of opening, 0 when it goes.
+DWORD TryOpen(const std::string& path, DWORD access, DWORD sharing);
+
+// Text in which every position is recognised: no two of its 8-byte groups are alike.
+std::string Pattern(size_t size, unsigned seed = 1);
+
+struct ReleaseFile {
+    void operator()(IXFile* file) const { file->Release(); }
+};
+using File = std::unique_ptr<IXFile, ReleaseFile>;
+using OutFile = std::unique_ptr<IXOutFile, ReleaseFile>;
+
+inline File Open(const std::string& path, int flags = 0) {
+    return File(Fio_Open(path.c_str(), flags));
+}
+inline OutFile OpenOut(const std::string& path, int flags = 0) {
+    return OutFile(Fio_OpenOut(path.c_str(), flags));
+}
+
+struct Failure {
+    int code = 0;
+    int operation = -1;  // stays for a plain CXException
+    std::string name;
+
+    bool operator==(const Failure&) const = default;
+};
+void PrintTo(const Failure& failure, std::ostream* out);
+
+// What a piece of code raises.
+template <class Code>
+Failure FailureOf(Code code) {
+    try {
+        code();
+    } catch (CXFileException& e) {
+        return {e.GetCode(), e.operation, e.name};
+    } catch (CXException& e) {
+        return {e.GetCode(), -1, ""};
+    }
+    return {};
+}
+
+// A second process: file_peer.exe with its arguments, in quotation marks where needed.
+class Peer {
+public:
+    explicit Peer(const std::string& arguments);
+    ~Peer();
+    Peer(const Peer&) = delete;
+
+    // The peer says with one byte that it has done what it was asked for, and goes on after Continue.
+    bool WaitForWord();
+    void Continue();
+    void Kill();
+    DWORD ExitCode();
+
+private:
+    PROCESS_INFORMATION m_process = {};
+    HANDLE m_fromPeer = nullptr;
+    HANDLE m_toPeer = nullptr;
+};
+
+#endif
