@@ -1,0 +1,69 @@
+// The stream over a growing block of memory.
+#ifndef QXCORE_STORAGE_MEM_STREAM_H
+#define QXCORE_STORAGE_MEM_STREAM_H
+
+#include "storage/counted_ref.h"
+#include "storage/memory_block.h"
+#include "storage/typed_stream.h"
+
+#include <qxcore/progress.h>
+
+class CMemStream final : public CTypedStream<CMemStream>, public IMemBlock {
+public:
+    // The sink may be null.
+    explicit CMemStream(IProgress* progress) : m_progress(progress) {}
+
+    unsigned AddRef() override { return InternalAddRef(); }
+    unsigned Release() override { return InternalRelease(); }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override;
+
+    // At the end the sink is not asked.
+    int Read(void* buffer, int count) override {
+        int left = GetLength() - m_position;
+        if (left <= 0) return 0;
+        if (count > left) count = left;
+        if (count > 0) {
+            memcpy(buffer, m_block.data + m_position, count);
+            m_position += count;
+        }
+        Poll();
+        return count > 0 ? count : 0;
+    }
+    int Write(const void* buffer, int count) override {
+        if (count < 0) count = 0;
+        m_block.Reserve(static_cast<long long>(m_position) + count);
+        if (count > 0) memcpy(m_block.data + m_position, buffer, count);
+        m_position += count;
+        if (static_cast<unsigned>(m_position) > m_block.used) m_block.used = m_position;
+        Poll();
+        return count;
+    }
+    int Seek(int offset, int origin) override {
+        return m_position = ClampedSeek(this, m_position, GetLength(), offset, origin);
+    }
+    int Tell() override { return m_position; }
+    // A full buffer is terminated one byte behind count, and the answer is count + 1.
+    int ReadString(char* buffer, int count) override {
+        int last = ReadLine(buffer, count) + 1;
+        buffer[last] = 0;
+        return last;
+    }
+    int GetLength() override { return static_cast<int>(m_block.used); }
+    const char* GetName() override { return "Memory stream"; }
+
+    unsigned GetSize() override { return m_block.used; }
+    void* GetData() override { return m_block.capacity ? m_block.data : nullptr; }
+    void SetData(const void* bytes, unsigned size) override { m_block.Set(bytes, size); }
+
+private:
+    // What the call moved stays moved.
+    void Poll() {
+        if (m_progress && m_progress->IsCancelled()) throw CXException(QXERR_CANCELLED);
+    }
+
+    CMemoryBlock m_block;
+    int m_position = 0;
+    CountedRef<IProgress> m_progress;
+};
+
+#endif

@@ -1,0 +1,32 @@
+// The bytes of a memory stream: a block of the default heap that grows in steps and never shrinks.
+#ifndef QXCORE_STORAGE_MEMORY_BLOCK_H
+#define QXCORE_STORAGE_MEMORY_BLOCK_H
+
+class CMemoryBlock {
+public:
+    CMemoryBlock() = default;
+    ~CMemoryBlock() { Free(data); }
+    CMemoryBlock(const CMemoryBlock&) = delete;
+    CMemoryBlock& operator=(const CMemoryBlock&) = delete;
+
+    // Makes room for `needed` bytes. Growing beyond 2 GB throws CXMemException; a growth of 0 divides by zero.
+    void Reserve(long long needed) {
+        if (needed > capacity) [[unlikely]]
+            Grow(needed);
+    }
+    // Replaces the bytes by a copy, or by zeros for null, and lets the block grow in steps of its size from then on.
+    void Set(const void* bytes, unsigned size);
+
+    char* data = nullptr;
+    unsigned capacity = 0;
+    unsigned used = 0;
+    unsigned growth = 4096;
+
+private:
+    void Grow(long long needed);
+    void Install(char* block, unsigned size);
+    static char* Allocate(unsigned size);
+    static void Free(char* block);
+};
+
+#endif

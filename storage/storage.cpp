@@ -1,0 +1,84 @@
+#include <qxcore/storage.h>
+
+#include "storage/ole_failure.h"
+#include "storage/ole_name.h"
+#include "storage/ole_storage.h"
+
+#include <qxcore/exception.h>
+#include <qxcore/fileops.h>
+
+#include <objbase.h>
+
+#include <new>
+
+namespace {
+
+constexpr SIZE_T kMemoryStorageSize = 100000;  // spares early reallocations of the block
+constexpr DWORD kTempPathSize = 512;
+
+void Check(HRESULT status, const char* path) {
+    if (FAILED(status)) throw CXFileException(CodeOfStatus(status), path, QXOP_OPEN);
+}
+
+HRESULT CreateInMemory(DWORD mode, IStorage** out) {
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, kMemoryStorageSize);
+    CountedRef<ILockBytes> bytes;
+    HRESULT status = CreateILockBytesOnHGlobal(block, TRUE, bytes.Out());
+    if (FAILED(status)) {
+        GlobalFree(block);
+        return status;
+    }
+    return StgCreateDocfileOnILockBytes(bytes.Get(), mode, 0, out);
+}
+
+CXString NewTemporaryFile() {
+    char directory[kTempPathSize] = {};
+    char file[kTempPathSize] = {};
+    GetTempPathA(kTempPathSize, directory);
+    GetTempFileNameA(directory, "QXPR", 0, file);
+    return file;
+}
+
+}  // namespace
+
+IXStorage* new_Storage(const char* path, int flags) {
+    static constinit OleName wide;
+    DWORD mode = OleModeOf(flags, OleRole::Root) | STGM_CREATE;
+    CountedRef<IStorage> ole;
+    CXString file;
+    if (!path && !(flags & QXSTG_TEMPORARY)) {
+        Check(CreateInMemory(mode, ole.Out()), path);
+    } else {
+        if (flags & QXSTG_TEMPORARY) {
+            file = NewTemporaryFile();
+        } else {
+            file = path;
+            Fio_CreateDirectory(file.FilePath());
+        }
+        Check(StgCreateDocfile(wide.Set(file), mode, 0, ole.Out()), path);
+    }
+    return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, file);
+}
+
+IXStorage* open_Storage(const char* path, int readOnly) {
+    static constinit OleName wide;
+    if (Fio_PathIsURL(path)) throw CXFileException(QXERR_NETWORK, nullptr, QXOP_OPEN);
+    unsigned flags = readOnly ? QXSTG_READ_ONLY : QXSTG_TRANSACTED;
+    CountedRef<IStorage> ole;
+    Check(StgOpenStorage(wide.Set(path), nullptr, OleModeOf(flags, OleRole::Root), nullptr, 0, ole.Out()), path);
+    return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, path);
+}
+
+IXStorage* new_StorageByOleStorage(void* oleStorage) {
+    auto ole = static_cast<IStorage*>(oleStorage);
+    STATSTG facts = {};
+    Check(ole->Stat(&facts, STATFLAG_NONAME), nullptr);
+    unsigned flags = 0;
+    if (facts.grfMode & STGM_TRANSACTED) flags |= QXSTG_TRANSACTED;
+    if (!(facts.grfMode & (STGM_WRITE | STGM_READWRITE))) flags |= QXSTG_READ_ONLY;
+    return new (std::nothrow) COleStorage(ole, flags, nullptr, "");
+}
+
+void* Storage_GetOLEStorage(IXStorage* storage) {
+    return static_cast<COleStorage*>(storage)->NewOleReference();
+}
