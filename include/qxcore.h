@@ -4,6 +4,7 @@
 
 #include <qxcore/attached.h>
 #include <qxcore/blob.h>
+#include <qxcore/dictionary.h>
 #include <qxcore/enum.h>
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
@@ -21,15 +22,13 @@
 #include <qxcore/services.h>
 #include <qxcore/storage.h>
 #include <qxcore/stream.h>
+#include <qxcore/string.h>
 #include <qxcore/string_enum.h>
 #include <qxcore/thread.h>
 #include <qxcore/translation.h>
 #include <qxcore/typeid.h>
 #include <qxcore/unknown.h>
 #include <qxcore/variant.h>
-#include <qxcore/string.h>
-#include <qxcore/typeid.h>
-#include <qxcore/unknown.h>
 #include <qxcore/wide_string.h>
 
 #endif

@@ -4,6 +4,8 @@
 #include "core/module_handle.h"
 #include "objects/class_registry.h"
 #include "objects/service_container.h"
+#include "translate/dictionary.h"
+#include "translate/module_name.h"
 
 #include <objbase.h>
 
@@ -25,12 +27,16 @@ void StartUp(HINSTANCE module) {
     StartClassRegistry();
     RegisterServiceContainer(module);
     CoInitialize(nullptr);
+    StartDictionary();
+    StartKeepingModuleNames();
     DisableThreadLibraryCalls(module);
     CallEntryHook(module, DLL_PROCESS_ATTACH);
 }
 
 void ShutDown(HINSTANCE module) {
     CallEntryHook(module, DLL_PROCESS_DETACH);
+    StopKeepingModuleNames();
+    StopDictionary();
     CoUninitialize();
     UnregisterServiceContainer();
     StopClassRegistry();
