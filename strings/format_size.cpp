@@ -189,12 +189,12 @@ private:
     // Once out of step, an argument may be anything: the platform's guarded functions answer 0 for a bad address.
     int64_t Length(const char* s) const {
         if (!s) return kTextLeast;
-        int64_t length = !inStep ? lstrlenA(s) : hasPrecision ? strnlen(s, precision) : strlen(s);
+        int64_t length = !inStep ? lstrlenA(s) : hasPrecision ? strnlen(s, precision) : ScanLength(s);
         return std::max<int64_t>(length, kTextLeast);
     }
     int64_t Length(const wchar_t* s) const {
         if (!s) return kTextLeast;
-        int64_t length = !inStep ? lstrlenW(s) : hasPrecision ? wcsnlen(s, precision) : wcslen(s);
+        int64_t length = !inStep ? lstrlenW(s) : hasPrecision ? wcsnlen(s, precision) : ScanLength(s);
         return std::max<int64_t>(length, kTextLeast);
     }
 

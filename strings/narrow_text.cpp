@@ -1,13 +1,14 @@
 #include "strings/narrow_text.h"
 
+#include <qxcore/string.h>
+
 #include <atomic>
 #include <cctype>
-#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <mbctype.h>
 #include <mbstring.h>
-#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -47,7 +48,7 @@ bool IsPlain(const char* s, size_t size) {
 }
 
 bool IsPlain(const char* s) {
-    return IsPlain(s, strlen(s));
+    return IsPlain(s, ScanLength(s));
 }
 
 // The units of the character at p: 0 at the end, and at a lead byte right before it.
@@ -70,6 +71,38 @@ const unsigned char* Bytes(const char* s) {
 
 unsigned char* Bytes(char* s) {
     return reinterpret_cast<unsigned char*>(s);
+}
+
+// The units before a lead byte that lacks its trail byte; some runtimes read on behind such a text.
+size_t WholeSize(const char* s) {
+    size_t size = ScanLength(s);
+    return size && IsLead(s[size - 1]) ? NarrowText::Fit(s, size) : size;
+}
+
+// A text as the runtime's comparisons may read it.
+class WholeText {
+public:
+    explicit WholeText(const char* s) : text(s) {
+        size_t whole = WholeSize(s);
+        if (!s[whole]) return;
+        memcpy(copy.GetBuffer(static_cast<int>(whole)), s, whole);
+        copy.ReleaseBuffer();
+        text = copy;
+    }
+    operator const unsigned char*() const { return Bytes(text); }
+
+private:
+    CXString copy;
+    const char* text;
+};
+
+template <class Change>
+void ChangeWhole(char* s, Change change) {
+    size_t whole = WholeSize(s);
+    char lead = s[whole];
+    s[whole] = 0;
+    change(Bytes(s));
+    if (lead) s[whole] = lead;
 }
 
 }  // namespace
@@ -114,20 +147,20 @@ void NarrowText::SpellInMemoryOrder(wchar_t ch, char (&text)[kCharUnits + 1]) {
 }
 
 const char* NarrowText::Find(const char* s, const char* what) {
+    if (!*what) return s;
     bool plain = IsPlain(s);
-    bool single = what[0] && !what[1];
     for (;;) {
-        const char* found = single ? strchr(s, what[0]) : strstr(s, what);
+        const char* found = ScanForText(s, what);
         if (!found || plain) return found;
-        size_t n = 1;
-        while (s < found && (n = UnitsAt(s)) != 0) s += n;
-        if (s == found) return found;
+        size_t n;
+        while ((n = UnitsAt(s)) != 0 && s < found) s += n;
         if (n == 0) return nullptr;
+        if (s == found) return found;
     }
 }
 
 const char* NarrowText::FindAny(const char* s, const char* set) {
-    if (IsPlain(s)) return strpbrk(s, set);
+    if (IsPlain(s)) return ScanForAny(s, set);
     for (size_t n; (n = UnitsAt(s)) != 0; s += n) {
         if (SetHas(set, s, n)) return s;
     }
@@ -135,15 +168,9 @@ const char* NarrowText::FindAny(const char* s, const char* set) {
 }
 
 const char* NarrowText::FindLastAny(const char* s, const char* set) {
-    size_t size = strlen(s);
+    size_t size = ScanLength(s);
+    if (IsPlain(s, size)) return ScanBackForAny(s, s + size, set);
     const char* last = nullptr;
-    if (IsPlain(s, size)) {
-        if (set[0] && !set[1]) return strrchr(s, set[0]);
-        for (const char* p = s + size; p > s;) {
-            if (strchr(set, *--p)) return p;
-        }
-        return nullptr;
-    }
     for (size_t n; (n = UnitsAt(s)) != 0; s += n) {
         if (SetHas(set, s, n)) last = s;
     }
@@ -155,7 +182,7 @@ bool NarrowText::IsSpace(char c) {
 }
 
 size_t NarrowText::TrimmedSize(const char* s) {
-    size_t size = strlen(s);
+    size_t size = ScanLength(s);
     if (IsPlain(s, size)) {
         while (size && IsSpace(s[size - 1])) --size;
         return size;
@@ -170,24 +197,28 @@ size_t NarrowText::TrimmedSize(const char* s) {
     return *p ? size : kept - s;
 }
 
+int NarrowText::Compare(const char* a, const char* b) {
+    return _mbscmp(WholeText(a), WholeText(b));
+}
+
 int NarrowText::CompareI(const char* a, const char* b) {
-    return _mbsicmp(Bytes(a), Bytes(b));
+    return _mbsicmp(WholeText(a), WholeText(b));
 }
 
 int NarrowText::CompareN(const char* a, const char* b, size_t n) {
-    return _mbsncmp(Bytes(a), Bytes(b), n);
+    return _mbsncmp(WholeText(a), WholeText(b), n);
 }
 
 int NarrowText::CompareIN(const char* a, const char* b, size_t n) {
-    return _mbsnicmp(Bytes(a), Bytes(b), n);
+    return _mbsnicmp(WholeText(a), WholeText(b), n);
 }
 
 void NarrowText::Upper(char* s) {
-    _mbsupr(Bytes(s));
+    ChangeWhole(s, _mbsupr);
 }
 
 void NarrowText::Lower(char* s) {
-    _mbslwr(Bytes(s));
+    ChangeWhole(s, _mbslwr);
 }
 
 int NarrowText::Load(HINSTANCE module, unsigned id, char* buf, int size) {

@@ -6,6 +6,8 @@
 #ifndef QXCORE_STRINGS_NARROW_TEXT_H
 #define QXCORE_STRINGS_NARROW_TEXT_H
 
+#include "strings/unit_scan.h"
+
 #include <qxcore/platform.h>
 
 #include <cstring>
@@ -14,7 +16,7 @@ struct NarrowText {
     // The most units that a character may have.
     static constexpr int kCharUnits = 2;
 
-    static size_t Length(const char* s) { return strlen(s); }
+    static size_t Length(const char* s) { return ScanLength(s); }
     // The characters in the first `size` units.
     static size_t Count(const char* s, size_t size);
     // n characters on, or the end. A lead byte without its trail byte is no character: the walk ends there.
@@ -37,6 +39,7 @@ struct NarrowText {
     // The units that are left when the white space at the end goes.
     static size_t TrimmedSize(const char* s);
 
+    static int Compare(const char* a, const char* b);
     static int CompareI(const char* a, const char* b);
     static int CompareN(const char* a, const char* b, size_t n);
     static int CompareIN(const char* a, const char* b, size_t n);

@@ -2,8 +2,6 @@
 
 #include "strings/string_members.h"
 
-#include <mbstring.h>
-
 // No capacity, so that every writer leaves it.
 constinit tagXSTRINGEMPTY<char> __xstring_empty = {{-1, 0, 0}, {}};
 
@@ -18,8 +16,7 @@ CXString& CXString::operator=(const char* s) {
 }
 
 int CXString::Compare(const char* s) const {
-    s = TextOrEmpty(s);
-    return _mbscmp(reinterpret_cast<const unsigned char*>(data), reinterpret_cast<const unsigned char*>(s));
+    return NarrowText::Compare(data, TextOrEmpty(s));
 }
 
 void CXString::Convert(const wchar_t* s) {

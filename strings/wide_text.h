@@ -2,6 +2,8 @@
 #ifndef QXCORE_STRINGS_WIDE_TEXT_H
 #define QXCORE_STRINGS_WIDE_TEXT_H
 
+#include "strings/unit_scan.h"
+
 #include <qxcore/platform.h>
 
 #include <cstdarg>
@@ -12,7 +14,7 @@
 struct WideText {
     static constexpr int kCharUnits = 1;
 
-    static size_t Length(const wchar_t* s) { return wcslen(s); }
+    static size_t Length(const wchar_t* s) { return ScanLength(s); }
     static size_t Count(const wchar_t*, size_t size) { return size; }
     static const wchar_t* Skip(const wchar_t* s, size_t n) { return s + wcsnlen(s, n); }
     static size_t Fit(const wchar_t*, size_t size) { return size; }
@@ -23,21 +25,16 @@ struct WideText {
     }
     static void SpellInMemoryOrder(wchar_t ch, wchar_t (&text)[kCharUnits + 1]) { Spell(ch, text); }
 
-    static const wchar_t* Find(const wchar_t* s, const wchar_t* what) {
-        return what[0] && !what[1] ? wcschr(s, what[0]) : wcsstr(s, what);
-    }
-    static const wchar_t* FindAny(const wchar_t* s, const wchar_t* set) { return wcspbrk(s, set); }
+    static const wchar_t* Find(const wchar_t* s, const wchar_t* what) { return *what ? ScanForText(s, what) : s; }
+    static const wchar_t* FindAny(const wchar_t* s, const wchar_t* set) { return ScanForAny(s, set); }
     static const wchar_t* FindLastAny(const wchar_t* s, const wchar_t* set) {
-        for (const wchar_t* p = s + wcslen(s); p > s;) {
-            if (wcschr(set, *--p)) return p;
-        }
-        return nullptr;
+        return ScanBackForAny(s, s + Length(s), set);
     }
 
     // Of the low byte, as CTString says.
     static bool IsSpace(wchar_t c) { return iswspace(c & 0xFF) != 0; }
     static size_t TrimmedSize(const wchar_t* s) {
-        size_t size = wcslen(s);
+        size_t size = Length(s);
         while (size && IsSpace(s[size - 1])) --size;
         return size;
     }

@@ -162,7 +162,7 @@ public:
     // Sets or replaces the extension, given with or without its dot. An empty one leaves the dot.
     QXCORE_API void ChangeFileExt(const Ch* ext);
     // Replaces middle directories of "X:\..." or "\\server\..." by "...\" for display. 1 when handled, 0 for other
-    // paths. maxLen is a goal in characters: the first directory and the file name always stay.
+    // paths. maxLen is a goal in characters: the file name stays, and the first directory where others follow.
     QXCORE_API int ReducePathString(int maxLen);
 
     // printf with the runtime's own engine. Always the whole text.
