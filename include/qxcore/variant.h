@@ -131,10 +131,8 @@ public:
     CQXVariant& operator=(const tagQXVARIANT& source) { return *this = &source; }
     CQXVariant& operator=(const CQXVariant& source) { return *this = static_cast<const tagQXVARIANT*>(&source); }
     CQXVariant& operator=(const tagQXVARIANT* source) {
-        if (Owns(type) || Owns(source->type)) {
+        if (Owns(type) || Owns(source->type) || source == this) {
             QXVariantCopy(this, source);
-        } else if (source == this) {
-            Zero();
         } else {
             SetRecord(*source);
         }
@@ -222,7 +220,7 @@ public:
 private:
     static bool Owns(unsigned short type) { return type == QXVT_STRING || type == QXVT_BLOB || type == QXVT_UNKNOWN; }
     void Zero() { memset(static_cast<tagQXVARIANT*>(this), 0, sizeof(tagQXVARIANT)); }
-    void SetRecord(const tagQXVARIANT& record) { memcpy(static_cast<tagQXVARIANT*>(this), &record, sizeof record); }
+    void SetRecord(const tagQXVARIANT& record) { static_cast<tagQXVARIANT&>(*this) = record; }
     void InitCopy(const tagQXVARIANT& source) {
         if (Owns(source.type)) {
             Zero();
