@@ -63,7 +63,9 @@ template <class V>
 struct QXByValue {
     using Argument = const V&;
     static const V& Take(const V& value) { return value; }
-    static void Replace(V& stored, const V& value) { stored = value; }
+    static void Replace(V& stored, const V& value) {
+        if (&stored != &value) stored = value;
+    }
     static void Drop(V&) {}
     static void AddRef(V&) {}
 };

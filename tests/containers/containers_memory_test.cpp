@@ -1,46 +1,239 @@
 // What the containers do when the n-th allocation fails.
+#include "containers/watched.h"
 #include "support/allocation_failure.h"
 
 #include <gtest/gtest.h>
-#include <qxcore.h>
 
 #include <memory>
 
 namespace {
 
-struct Note {
-    static inline int live = 0;
-    Note() { ++live; }
-    ~Note() { --live; }
+struct Release {
+    void operator()(IQXUnknown* object) const { object->Release(); }
 };
+template <class I>
+using Ref = std::unique_ptr<I, Release>;
 
-class Counted : public CQXUnknownImpl<IQXUnknown> {
-public:
-    unsigned Refs() {
-        AddRef();
-        return Release();
+using IntMap = CTMap<int, int>;
+
+template <class Map, class Key, class Value>
+std::unique_ptr<Map> NewMap(Key key, Value value) {
+    auto map = std::make_unique<Map>();
+    map->SetAt(key, value);
+    return map;
+}
+
+std::unique_ptr<IntMap> NewIntMap(int n) {
+    auto map = std::make_unique<IntMap>();
+    for (int key = 0; key < n; ++key) map->SetAt(key, key);
+    return map;
+}
+
+// The keys 0 to n - 1 are found by hash and on a walk, and there is nothing else.
+void ExpectKeys(IntMap& map, int n) {
+    EXPECT_EQ(map.count, static_cast<unsigned>(n));
+    int value = -1, walked = 0;
+    for (int key = 0; key < n; ++key) {
+        EXPECT_EQ(map.Lookup(key, value), 1);
+        EXPECT_EQ(value, key);
     }
-};
+    EXPECT_EQ(map.Lookup(n, value), 0);
+    IntMap::position at = {};
+    while (map.GetNext(at)) ++walked;
+    EXPECT_EQ(walked, n);
+}
 
 }  // namespace
 
+TEST(ContainersMemoryTest, AMapWithoutATableFailsAndTriesAgain) {
+    using Map = CTMap<const char*, int>;
+    auto make = [] { return std::make_unique<Map>(); };
+    auto check = [](auto& map) {
+        EXPECT_EQ(map->count, 0u);
+        EXPECT_EQ(map->SetAt("one", 1), 1);
+        int value = 0;
+        EXPECT_EQ(map->Lookup("one", value), 1);
+    };
+    EXPECT_EQ(FailEachAllocation(
+                  make, [](auto& map) { map->SetAt("one", 1); }, check),
+              3u);
+    EXPECT_EQ(FailEachAllocation(
+                  make, [](auto& map) { map->RemoveKey("one"); }, check),
+              1u);
+    EXPECT_EQ(FailEachAllocation(
+                  make,
+                  [](auto& map) {
+                      Map::position at;
+                      map->GetNext(at);
+                  },
+                  check),
+              1u);
+}
+
 TEST(ContainersMemoryTest, AFailedAdditionLeavesTheMapAsItWas) {
     using Map = CTMap<const char*, int>;
+    unsigned failures =
+        FailEachAllocation([] { return NewMap<Map>("one", 1); }, [](auto& map) { map->SetAt("two", 2); },
+                           [](auto& map) {
+                               int value = 0;
+                               EXPECT_EQ(map->count, 1u);
+                               EXPECT_EQ(map->Lookup("two", value), 0);
+                               EXPECT_EQ(map->Lookup("one", value), 1);
+                               EXPECT_EQ(value, 1);
+                               EXPECT_EQ(map->SetAt("two", 2), 1);
+                               EXPECT_EQ(map->count, 2u);
+                           });
+    EXPECT_EQ(failures, 2u);  // the key and the node
+}
+
+TEST(ContainersMemoryTest, AFailedReplacementKeepsTheOldEntry) {
+    using Map = CTMap<const char*, int>;
+    unsigned failures = FailEachAllocation([] { return NewMap<Map>(kFirstOfTwins, 1); },
+                                           [](auto& map) { map->SetAt(kSecondOfTwins, 2); },
+                                           [](auto& map) {
+                                               Map::position at;
+                                               EXPECT_STREQ(*map->GetNextKey(at), kFirstOfTwins);
+                                               int value = 0;
+                                               EXPECT_EQ(map->Lookup(kFirstOfTwins, value), 1);
+                                               EXPECT_EQ(value, 1);
+                                           });
+    EXPECT_EQ(failures, 1u);  // the key
+}
+
+TEST(ContainersMemoryTest, AFailedAdditionTakesNoReference) {
+    using Map = CTMap<const unsigned long*, IQXUnknown*>;
+    Counted old, object;
+    auto make = [&] { return NewMap<Map>(QXFoldedKey("one"), &old); };
+    auto check = [&](auto&) {
+        EXPECT_EQ(old.refs, 2u);
+        EXPECT_EQ(object.refs, 1u);
+    };
+    EXPECT_EQ(FailEachAllocation(
+                  make, [&](auto& map) { map->SetAt(QXFoldedKey("two"), &object); }, check),
+              2u);
+    EXPECT_EQ(FailEachAllocation(
+                  make, [&](auto& map) { map->SetAt(QXFoldedKey("ONE"), &object); }, check),
+              1u);
+    EXPECT_EQ(old.refs, 1u);
+    EXPECT_EQ(object.refs, 1u);
+}
+
+TEST(ContainersMemoryTest, AnOwnedValueThatCouldNotBeStoredStaysWithTheCaller) {
+    using Map = CTMap<const char*, Owned*>;
+    for (auto key : {"one", "two"}) {
+        int destroyed = 0;
+        FailEachAllocation([] { return NewMap<Map>("one", new Owned); },
+                           [&](auto& map) {
+                               auto value = std::make_unique<Owned>(1, &destroyed);
+                               destroyed = 0;
+                               try {
+                                   map->SetAt(key, value.get());
+                               } catch (CXMemException&) {
+                                   EXPECT_EQ(destroyed, 0);
+                                   throw;
+                               }
+                               value.release();
+                           },
+                           [&](auto& map) {
+                               EXPECT_EQ(map->count, 1u);
+                               EXPECT_LE(destroyed, 1);  // by its caller
+                           });
+    }
+}
+
+TEST(ContainersMemoryTest, AVariantThatCannotBeCopiedLeavesTheMapUsable) {
+    using Map = CTMap<const unsigned long*, CQXVariant>;
+    CQXVariant text("a text that takes a block");
+    for (auto key : {"one", "two"}) {
+        unsigned failures = FailEachAllocation([] { return NewMap<Map>(QXFoldedKey("one"), CQXVariant(1)); },
+                                               [&](auto& map) { map->SetAt(QXFoldedKey(key), text); },
+                                               [&](auto& map) {
+                                                   EXPECT_EQ(map->count, 1u);
+                                                   EXPECT_NE(map->Find(QXFoldedKey("one")), nullptr);
+                                                   EXPECT_EQ(map->SetAt(QXFoldedKey(key), text), 1);
+                                                   EXPECT_STREQ(map->Find(QXFoldedKey(key))->value.string, text.value.string);
+                                               });
+        EXPECT_GE(failures, 2u);
+    }
+}
+
+TEST(ContainersMemoryTest, ALargeMapDoesWithoutItsIndex) {
+    // Around the sizes where an index begins or grows.
+    for (int n : {120, 126, 127, 128, 129, 253, 254, 255, 256, 257}) {
+        unsigned failures = FailEachAllocation([n] { return NewIntMap(n); }, [n](auto& map) { map->SetAt(n, n); },
+                                               [n](auto& map) {
+                                                   bool added = map->count == static_cast<unsigned>(n) + 1;
+                                                   ExpectKeys(*map, added ? n + 1 : n);
+                                                   for (int key = n; key < n + 300; ++key)
+                                                       EXPECT_EQ(map->SetAt(key, key), 1);
+                                                   ExpectKeys(*map, n + 300);
+                                                   EXPECT_EQ(map->RemoveKey(n + 299), 1);
+                                                   ExpectKeys(*map, n + 299);
+                                               },
+                                               true);
+        EXPECT_GE(failures, 1u) << n;
+    }
+}
+
+TEST(ContainersMemoryTest, AFailedAdditionLeavesTheListAsItWas) {
     unsigned failures = FailEachAllocation(
         [] {
-            auto map = std::make_unique<Map>();
-            map->SetAt("one", 1);
-            return map;
+            auto list = std::make_unique<CTPList<const char*>>();
+            list->AddTail("a");
+            return list;
         },
-        [](auto& map) { map->SetAt("two", 2); },
-        [](auto& map) {
-            int value = 0;
-            EXPECT_EQ(map->count, 1u);
-            EXPECT_EQ(map->Lookup("two", value), 0);
-            EXPECT_EQ(map->Lookup("one", value), 1);
-            EXPECT_EQ(value, 1);
-            EXPECT_EQ(map->SetAt("two", 2), 1);
-            EXPECT_EQ(map->count, 2u);
+        [](auto& list) { list->AddTail("b"); },
+        [](auto& list) {
+            EXPECT_EQ(list->count, 1u);
+            EXPECT_EQ(list->head, list->tail);
+            list->AddTail("b");
+            auto at = list->GetHeadPosition();
+            EXPECT_STREQ(*list->GetNext(at), "a");
+            EXPECT_STREQ(*list->GetNext(at), "b");
         });
-    EXPECT_EQ(failures, 2u);  // the key and the node
+    EXPECT_EQ(failures, 2u);  // the node and the text
+}
+
+TEST(ContainersMemoryTest, AnEnumeratorThatCannotBeMadeHoldsNothing) {
+    using List = CTListEnum<const char*, const char*>;
+    using Map = CTMapEnum<const char*, int, const char*, int>;
+    auto act = [](auto& collection) { collection->CreateEnum()->Release(); };
+    auto check = [](auto& collection) {
+        EXPECT_EQ(collection->AddRef(), 2u);
+        collection->Release();
+    };
+    EXPECT_EQ(FailEachAllocation([] { return Ref<List>(new List); }, act, check), 1u);
+    EXPECT_EQ(FailEachAllocation([] { return Ref<Map>(new Map); }, act, check), 1u);
+}
+
+TEST(ContainersMemoryTest, AnEnumeratorOverTextsThatCannotBeMadeHoldsNothing) {
+    Counted owner;
+    auto make = [] { return 0; };
+    auto check = [&](int) { EXPECT_EQ(owner.refs, 1u); };
+    auto split = [&](int) { (new _CCharSeparatedStringsEnum<char>(";", "a;b", &owner))->Release(); };
+    auto block = [&](int) { (new _CZeroDelimitedStringsEnum<char>("a\0b\0", &owner))->Release(); };
+    EXPECT_EQ(FailEachAllocation(make, split, check), 3u);  // the object, its text and the array
+    EXPECT_EQ(FailEachAllocation(make, block, check), 3u);
+}
+
+TEST(ContainersMemoryTest, AFailedAttachmentKeepsTheOldOne) {
+    Counted old, fresh;
+    unsigned failures = FailEachAllocation(
+        [&] {
+            auto table = std::make_unique<CAttachedInterfaces>();
+            table->Register(&old, qx_typeid<IHeap>(), 1);
+            return table;
+        },
+        [&](auto& table) { table->Register(&fresh, qx_typeid<IHeap>(), 1); },
+        [&](auto& table) {
+            IQXUnknown* found = nullptr;
+            EXPECT_EQ(table->Query(qx_typeid<IHeap>(), &found), 1);
+            EXPECT_EQ(found, &old);
+            found->Release();
+            EXPECT_EQ(fresh.refs, 1u);
+            EXPECT_EQ(old.refs, 2u);
+        });
+    EXPECT_EQ(failures, 2u);  // the entry and its key
+    EXPECT_EQ(old.refs, 1u);
+    EXPECT_EQ(fresh.refs, 1u);
 }
