@@ -1,4 +1,4 @@
-// A reference that ends with its scope.
+// A reference that ends with its scope, on an object of ours or of the platform.
 #ifndef QXCORE_CORE_REFERENCE_H
 #define QXCORE_CORE_REFERENCE_H
 
@@ -10,8 +10,8 @@ public:
     Reference() = default;
     // Takes over the caller's reference; null is allowed.
     explicit Reference(I* object) : m_object(object) {}
-    Reference(const Reference&) = delete;
-    Reference& operator=(const Reference&) = delete;
+    Reference(Reference&& other) noexcept : m_object(other.m_object) { other.m_object = nullptr; }
+    Reference& operator=(Reference&&) = delete;
     ~Reference() {
         if (m_object) m_object->Release();
     }
@@ -20,9 +20,24 @@ public:
     I* operator->() const { return m_object; }
     explicit operator bool() const { return m_object != nullptr; }
 
+    // One more reference, for a caller; null stays null.
+    I* Share() const {
+        if (m_object) m_object->AddRef();
+        return m_object;
+    }
+    // Where a creating call puts its object. REQUIRES: nothing is held yet.
+    I** Out() { return &m_object; }
+
 private:
     I* m_object = nullptr;
 };
+
+// A reference of one's own on a borrowed object; null is allowed.
+template <class I>
+Reference<I> Hold(I* object) {
+    if (object) object->AddRef();
+    return Reference<I>(object);
+}
 
 // The object's interface I with a reference, or nothing. A null object has no interface.
 template <class I>

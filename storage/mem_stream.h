@@ -2,7 +2,7 @@
 #ifndef QXCORE_STORAGE_MEM_STREAM_H
 #define QXCORE_STORAGE_MEM_STREAM_H
 
-#include "storage/counted_ref.h"
+#include "core/reference.h"
 #include "storage/memory_block.h"
 #include "storage/typed_stream.h"
 
@@ -11,7 +11,7 @@
 class CMemStream final : public CTypedStream<CMemStream>, public IMemBlock {
 public:
     // The sink may be null.
-    explicit CMemStream(IProgress* progress) : m_progress(progress) {}
+    explicit CMemStream(IProgress* progress) : m_progress(Hold(progress)) {}
 
     unsigned AddRef() override { return InternalAddRef(); }
     unsigned Release() override { return InternalRelease(); }
@@ -63,7 +63,7 @@ private:
 
     CMemoryBlock m_block;
     int m_position = 0;
-    CountedRef<IProgress> m_progress;
+    Reference<IProgress> m_progress;
 };
 
 #endif

@@ -1,11 +1,10 @@
 #include "storage/ole_storage.h"
 
+#include "core/memory_manager.h"
 #include "storage/ole_failure.h"
 #include "storage/ole_name.h"
 #include "storage/ole_stream.h"
 #include "storage/summary_info.h"
-
-#include "core/memory_manager.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/list.h>
@@ -65,7 +64,7 @@ DWORD OleModeOf(unsigned flags, OleRole role) {
 }
 
 COleStorage::COleStorage(IStorage* ole, unsigned flags, IXStorage* parent, const char* path)
-    : m_path(path), m_flags(flags), m_parent(parent), m_ole(ole) {}
+    : m_path(path), m_flags(flags), m_parent(Hold(parent)), m_ole(Hold(ole)) {}
 
 COleStorage::~COleStorage() {
     Commit();
@@ -85,7 +84,7 @@ IXStorage* COleStorage::NewChild(HRESULT status, IStorage* ole, const char* name
 
 IXStorage* COleStorage::CreateStorage(const char* name, int) {
     static constinit OleName wide;
-    CountedRef<IStorage> child;
+    Reference<IStorage> child;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->CreateStorage(text, OleModeOf(m_flags, OleRole::SubStorage) | STGM_CREATE, 0, 0, child.Out());
     });
@@ -94,7 +93,7 @@ IXStorage* COleStorage::CreateStorage(const char* name, int) {
 
 IXStorage* COleStorage::OpenStorage(const char* name) {
     static constinit OleName wide;
-    CountedRef<IStorage> child;
+    Reference<IStorage> child;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->OpenStorage(text, nullptr, OleModeOf(m_flags, OleRole::SubStorage), nullptr, 0, child.Out());
     });
@@ -108,7 +107,7 @@ HRESULT COleStorage::DeleteStorage(const char* name) {
 
 IXStream* COleStorage::CreateStream(const char* name) {
     static constinit OleName wide;
-    CountedRef<IStream> stream;
+    Reference<IStream> stream;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->CreateStream(text, OleModeOf(m_flags, OleRole::Stream) | STGM_CREATE, 0, 0, stream.Out());
     });
@@ -117,7 +116,7 @@ IXStream* COleStorage::CreateStream(const char* name) {
 
 IXStream* COleStorage::OpenStream(const char* name) {
     static constinit OleName wide;
-    CountedRef<IStream> stream;
+    Reference<IStream> stream;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->OpenStream(text, nullptr, OleModeOf(m_flags, OleRole::Stream), 0, stream.Out());
     });
@@ -139,11 +138,10 @@ void COleStorage::Revert() {
 }
 
 CTEnum<const char*>* COleStorage::EnumNames(DWORD type) {
-    CountedRef<CTListEnum<const char*>> names;
-    *names.Out() = new CTListEnum<const char*>;
-    CountedRef<IEnumSTATSTG> elements;
+    Reference<CTListEnum<const char*>> names(new CTListEnum<const char*>);
+    Reference<IEnumSTATSTG> elements;
     CheckPlain(m_ole->EnumElements(0, nullptr, 0, elements.Out()));
-    CountedRef<IMalloc> allocator;
+    Reference<IMalloc> allocator;
     CheckPlain(CoGetMalloc(1, allocator.Out()));
     for (;;) {
         Element element(allocator.Get());

@@ -2,8 +2,7 @@
 #ifndef QXCORE_STORAGE_OLE_STORAGE_H
 #define QXCORE_STORAGE_OLE_STORAGE_H
 
-#include "storage/counted_ref.h"
-
+#include "core/reference.h"
 #include <qxcore/platform.h>
 #include <qxcore/storage.h>
 #include <qxcore/string.h>
@@ -27,7 +26,7 @@ public:
     IXStorage* CreateStorage(const char* name, int unused) override;
     IXStorage* OpenStorage(const char* name) override;
     HRESULT DeleteStorage(const char* name) override;
-    IXStorage* GetParent() override { return m_parent.NewReference(); }
+    IXStorage* GetParent() override { return m_parent.Share(); }
     CTEnum<const char*>* EnumStorages() override { return EnumNames(STGTY_STORAGE); }
     IXStream* CreateStream(const char* name) override;
     IXStream* OpenStream(const char* name) override;
@@ -37,7 +36,7 @@ public:
     const char* GetPath() override { return m_path; }
     void Revert() override;
 
-    IStorage* NewOleReference() { return m_ole.NewReference(); }
+    IStorage* NewOleReference() { return m_ole.Share(); }
 
 private:
     IXStorage* NewChild(HRESULT status, IStorage* ole, const char* name);
@@ -46,8 +45,8 @@ private:
     // The last release lets go of the storage first, then of the parent, so that the root closes last.
     CXString m_path;
     unsigned m_flags;
-    CountedRef<IXStorage> m_parent;
-    CountedRef<IStorage> m_ole;
+    Reference<IXStorage> m_parent;
+    Reference<IStorage> m_ole;
 };
 
 #endif

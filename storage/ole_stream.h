@@ -2,7 +2,7 @@
 #ifndef QXCORE_STORAGE_OLE_STREAM_H
 #define QXCORE_STORAGE_OLE_STREAM_H
 
-#include "storage/counted_ref.h"
+#include "core/reference.h"
 #include "storage/typed_stream.h"
 
 #include <qxcore/platform.h>
@@ -12,11 +12,11 @@
 // Where both hold the stream, so that Stream_GetOLEStream finds it in either.
 class COleStreamHolder : public CQXUnknownImpl<IXStream> {
 public:
-    explicit COleStreamHolder(IStream* ole) : m_ole(ole) {}
-    IStream* NewOleReference() { return m_ole.NewReference(); }
+    explicit COleStreamHolder(IStream* ole) : m_ole(Hold(ole)) {}
+    IStream* NewOleReference() { return m_ole.Share(); }
 
 protected:
-    CountedRef<IStream> m_ole;
+    Reference<IStream> m_ole;
 };
 
 // An element of a compound file. Nothing is committed here; that is the storage's business.

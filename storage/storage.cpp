@@ -22,7 +22,7 @@ void Check(HRESULT status, const char* path) {
 
 HRESULT CreateInMemory(DWORD mode, IStorage** out) {
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, kMemoryStorageSize);
-    CountedRef<ILockBytes> bytes;
+    Reference<ILockBytes> bytes;
     HRESULT status = CreateILockBytesOnHGlobal(block, TRUE, bytes.Out());
     if (FAILED(status)) {
         GlobalFree(block);
@@ -44,7 +44,7 @@ CXString NewTemporaryFile() {
 IXStorage* new_Storage(const char* path, int flags) {
     static constinit OleName wide;
     DWORD mode = OleModeOf(flags, OleRole::Root) | STGM_CREATE;
-    CountedRef<IStorage> ole;
+    Reference<IStorage> ole;
     CXString file;
     if (!path && !(flags & QXSTG_TEMPORARY)) {
         Check(CreateInMemory(mode, ole.Out()), path);
@@ -64,7 +64,7 @@ IXStorage* open_Storage(const char* path, int readOnly) {
     static constinit OleName wide;
     if (Fio_PathIsURL(path)) throw CXFileException(QXERR_NETWORK, nullptr, QXOP_OPEN);
     unsigned flags = readOnly ? QXSTG_READ_ONLY : QXSTG_TRANSACTED;
-    CountedRef<IStorage> ole;
+    Reference<IStorage> ole;
     Check(StgOpenStorage(wide.Set(path), nullptr, OleModeOf(flags, OleRole::Root), nullptr, 0, ole.Out()), path);
     return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, path);
 }

@@ -1,5 +1,7 @@
 #include "storage/stream_variant.h"
 
+#include "core/reference.h"
+
 #include <qxcore/exception.h>
 #include <qxcore/heap.h>
 #include <qxcore/persist.h>
@@ -117,13 +119,8 @@ void WriteBlob(IXStream* stream, const tagQXBLOB& blob) {
 
 // An object that cannot be written is written as a null one.
 void WriteObject(IXStream* stream, IQXUnknown* object) {
-    IQXUnknown* found = nullptr;
-    if (object) object->QueryInterface(qx_typeid<IPersistXStream>(), &found);
-    struct Releaser {
-        void operator()(IQXUnknown* p) const { p->Release(); }
-    };
-    std::unique_ptr<IQXUnknown, Releaser> owner(found);
-    WriteObjectToXStream(stream, static_cast<IPersistXStream*>(found));
+    Reference<IPersistXStream> persistent = Ask<IPersistXStream>(object);
+    WriteObjectToXStream(stream, persistent.Get());
 }
 
 }  // namespace

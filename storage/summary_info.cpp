@@ -1,6 +1,6 @@
 #include "storage/summary_info.h"
 
-#include "storage/counted_ref.h"
+#include "core/reference.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/map.h>
@@ -44,8 +44,7 @@ class CIQXSummaryInfo final : public CQXUnknownImpl<IQXProperty> {
     using NameMap = CTMapEnum<const char*, int>;
 
 public:
-    explicit CIQXSummaryInfo(IStorage* storage) {
-        *m_names.Out() = new NameMap;
+    explicit CIQXSummaryInfo(IStorage* storage) : m_names(new NameMap) {
         storage->QueryInterface(IID_IPropertySetStorage, reinterpret_cast<void**>(m_sets.Out()));
         if (!m_sets) return;
         for (const NameRow& row : kNames) m_names->SetAt(row.name, row.number);
@@ -60,11 +59,11 @@ public:
     void RemoveAllNames() override { m_names->RemoveAll(); }
 
 private:
-    CountedRef<IPropertyStorage> OpenSet(bool writing, bool document);
+    Reference<IPropertyStorage> OpenSet(bool writing, bool document);
     bool Find(const char* name, int& number) { return m_sets && m_names->Lookup(name, number); }
 
-    CountedRef<NameMap> m_names;
-    CountedRef<IPropertySetStorage> m_sets;
+    Reference<NameMap> m_names;
+    Reference<IPropertySetStorage> m_sets;
 };
 
 // Owns what a property set has handed out.
@@ -76,10 +75,10 @@ struct PropertyValue : PROPVARIANT {
 };
 
 // Writing makes the set when it is missing.
-CountedRef<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document) {
+Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document) {
     const FMTID& format = document ? FMTID_DocSummaryInformation : FMTID_SummaryInformation;
     DWORD mode = STGM_SHARE_EXCLUSIVE | (writing ? STGM_READWRITE : STGM_READ);
-    CountedRef<IPropertyStorage> set;
+    Reference<IPropertyStorage> set;
     HRESULT status = m_sets->Open(format, mode, set.Out());
     if (FAILED(status) && writing) m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Out());
     return set;
@@ -89,8 +88,8 @@ CountedRef<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool documen
 int CIQXSummaryInfo::GetProperty(const char* name, CQXVariant* value) {
     int number;
     if (!Find(name, number)) return 0;
-    CountedRef<IPropertyStorage> summary = OpenSet(false, false);
-    CountedRef<IPropertyStorage> document = OpenSet(false, true);
+    Reference<IPropertyStorage> summary = OpenSet(false, false);
+    Reference<IPropertyStorage> document = OpenSet(false, true);
     IPropertyStorage* set = IsDocument(number) ? document.Get() : summary.Get();
     if (!set) return 0;
     PROPSPEC spec = SpecOf(number);
@@ -107,7 +106,7 @@ int CIQXSummaryInfo::SetProperty(const char* name, CQXVariant& value) {
     if (!Find(name, number)) return 0;
     char* text = value.type == QXVT_STRING ? value.value.string : nullptr;
     if (!text || !*text) return 0;
-    CountedRef<IPropertyStorage> set = OpenSet(true, IsDocument(number));
+    Reference<IPropertyStorage> set = OpenSet(true, IsDocument(number));
     if (!set) return 0;
     PROPSPEC spec = SpecOf(number);
     PROPVARIANT written = {};
