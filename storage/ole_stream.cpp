@@ -43,8 +43,14 @@ int CStream::Write(const void* buffer, int count) {
 
 int CStream::Seek(int offset, int origin) {
     CheckOrigin(this, origin);
-    ULARGE_INTEGER position = {};
+    ULARGE_INTEGER before = {}, position = {};
+    if (offset < 0) Check(m_ole->Seek(OleOffset(0), STREAM_SEEK_CUR, &before), QXOP_SEEK);
     Check(m_ole->Seek(OleOffset(offset), origin, &position), QXOP_SEEK);
+    // Not every platform refuses a position before the start, where a write would do harm.
+    if (static_cast<long long>(position.QuadPart) < 0) {
+        m_ole->Seek(OleOffset(before.QuadPart), STREAM_SEEK_SET, nullptr);
+        Check(STG_E_INVALIDFUNCTION, QXOP_SEEK);
+    }
     return static_cast<int>(position.LowPart);
 }
 
