@@ -65,6 +65,7 @@ int IsRegisterObject(const char* name) {
 
 int RegisterObject(const char* name, HINSTANCE module) {
     if (IsRegisterObject(name)) return 1;
+    if (Classes().destroyed) return 0;
     QXCreator creator = FindCreator(module, name);
     if (!creator) return 0;
     return AddClass(name, std::make_unique<CRegistryEntry>(module, creator));
@@ -72,6 +73,7 @@ int RegisterObject(const char* name, HINSTANCE module) {
 
 int RegisterObject(const char* name, const char* path) {
     if (IsRegisterObject(name)) return 1;
+    if (Classes().destroyed) return 0;
     try {
         return AddClass(name, std::make_unique<CRegistryEntry>(name, path));
     } catch (const CXString&) {

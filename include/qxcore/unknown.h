@@ -51,6 +51,7 @@ public:
     virtual unsigned InternalAddRef() { return ++m_refs; }
     virtual unsigned InternalRelease() {
         if (--m_refs != 0) return m_refs;
+        m_refs = 1;  // whom the destructor calls may query and release the object without ending it twice
         delete this;
         return 0;
     }
@@ -126,6 +127,7 @@ public:
     unsigned AddRef() override { return m_refs++; }
     unsigned Release() override {
         if (--m_refs != 0) return m_refs;
+        m_refs = 1;  // as in CQXUnknownImpl
         delete this;
         return 0;
     }
