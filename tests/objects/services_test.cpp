@@ -1,0 +1,534 @@
+#include "objects/held.h"
+#include "objects/name_collision.h"
+#include "objects/ticket.h"
+
+#include <gtest/gtest.h>
+#include <qxcore/enum.h>
+#include <qxcore/exception.h>
+#include <qxcore/registry.h>
+#include <qxcore/services.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr char kClass[] = "CLSID_OFSERVICECONTAINER";
+IQXUnknown* const kUnset = reinterpret_cast<IQXUnknown*>(8);
+
+// A container with one reference, released at the end of a test.
+class Container {
+public:
+    Container() {
+        IQXUnknown* object;
+        EXPECT_EQ(CreateObject(kClass, nullptr, qx_typeid<IQXServiceContainer>(), &object), 1);
+        container = static_cast<IQXServiceContainer*>(object);
+    }
+    Container(const Container&) = delete;
+    Container& operator=(const Container&) = delete;
+    ~Container() { Destroy(); }
+
+    void Destroy() {
+        if (container) {
+            EXPECT_EQ(container->Release(), 0u);
+        }
+        container = nullptr;
+    }
+    IQXServiceContainer* operator->() const { return container; }
+    operator IQXServiceContainer*() const { return container; }
+
+private:
+    IQXServiceContainer* container;
+};
+
+std::vector<std::string> g_events;
+
+// A service without a sink.
+class CPlain : public CQXUnknownImpl<ITicket> {
+public:
+    explicit CPlain(int number = 0) : number(number) {}
+    ~CPlain() override { g_events.push_back("destroyed " + std::to_string(number)); }
+    int Number() override { return number; }
+    void* Module() override { return nullptr; }
+    unsigned Refs() {
+        AddRef();
+        return Release();
+    }
+
+private:
+    int number;
+};
+
+// A service that tells what it hears. It answers IQXServiceSink and not ITicket.
+class CSink : public CQXUnknownImpl<IQXServiceSink> {
+public:
+    explicit CSink(std::string name) : name(std::move(name)) {}
+    ~CSink() override { g_events.push_back(name + " destroyed"); }
+
+    void OnServiceAdded(IQXUnknown* container) override {
+        g_events.push_back(name + " added");
+        handle = container;
+        if (throwWhenAdded) throw CXException(77);
+    }
+    void OnServiceRemoved(IQXUnknown* container) override {
+        g_events.push_back(name + " removed");
+        EXPECT_EQ(container, handle);
+        // The container can be asked even while it is destroyed.
+        IQXUnknown* asked;
+        EXPECT_EQ(container->QueryInterface(qx_typeid<IQXServiceContainer>(), &asked), 1);
+        presentWhenRemoved = static_cast<IQXServiceContainer*>(asked)->GetService(name.c_str(), nullptr);
+        asked->Release();
+        if (throwWhenRemoved) throw CXException(78);
+    }
+    unsigned Refs() {
+        AddRef();
+        return Release();
+    }
+
+    IQXUnknown* handle = nullptr;
+    int presentWhenRemoved = -1;
+    bool throwWhenAdded = false;
+    bool throwWhenRemoved = false;
+
+private:
+    std::string name;
+};
+
+class ServicesTest : public testing::Test {
+protected:
+    void SetUp() override { g_events.clear(); }
+
+    using Events = std::vector<std::string>;
+    Container container;
+};
+
+std::vector<std::string> Names(IQXServiceContainer* container) {
+    CTEnum<const char*>* names;
+    EXPECT_EQ(container->EnumServiceNames(&names), 1);
+    std::vector<std::string> found;
+    const char* name;
+    while (names->Next(1, &name, nullptr)) found.push_back(name);
+    names->Release();
+    return found;
+}
+
+std::vector<std::string> Sorted(std::vector<std::string> texts) {
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+// The walk goes by hash modulo 127, in each chain the newest first: the order of the names, added one after the other.
+std::vector<std::string> WalkOrder(const std::vector<std::string>& added) {
+    std::vector<std::string> order(added.rbegin(), added.rend());
+    std::stable_sort(order.begin(), order.end(),
+                     [](const std::string& a, const std::string& b) { return TextHash(a) % 127 < TextHash(b) % 127; });
+    return order;
+}
+
+}  // namespace
+
+// ---- the creator
+
+TEST_F(ServicesTest, ACreatorWithoutAnOuterObjectAnswersBothInterfaces) {
+    for (const qx_type_info* id : {&qx_typeid<IQXUnknown>(), &qx_typeid<IQXServiceContainer>()}) {
+        IQXUnknown* object = nullptr;
+        EXPECT_EQ(CLSID_OFSERVICECONTAINER(nullptr, *id, &object), 1);
+        IQXUnknown* other;
+        EXPECT_EQ(object->QueryInterface(qx_typeid<IQXUnknown>(), &other), 1);
+        other->Release();
+        EXPECT_EQ(object->QueryInterface(qx_typeid<IQXServiceContainer>(), &other), 1);
+        other->Release();
+        EXPECT_EQ(object->QueryInterface(qx_typeid<ITicket>(), &other), 0);
+        EXPECT_EQ(other, nullptr);
+        EXPECT_EQ(object->Release(), 0u);
+    }
+}
+
+TEST_F(ServicesTest, ACreatorWithAnOuterObjectGivesOnlyTheRoot) {
+    Held<CPlain> outer;
+    IQXUnknown* object = kUnset;
+    EXPECT_EQ(CLSID_OFSERVICECONTAINER(outer, qx_typeid<IQXServiceContainer>(), &object), 0);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(CreateObject(kClass, outer, qx_typeid<IQXServiceContainer>(), &object), 0);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(CreateObject(kClass, outer, qx_typeid<IQXUnknown>(), &object), 1);
+    EXPECT_EQ(object->Release(), 0u);
+    EXPECT_EQ(outer->Refs(), 1u);
+}
+
+TEST_F(ServicesTest, AnotherInterfaceIsRefused) {
+    IQXUnknown* object = kUnset;
+    EXPECT_EQ(CLSID_OFSERVICECONTAINER(nullptr, qx_typeid<ITicket>(), &object), 0);
+    EXPECT_EQ(object, nullptr);
+}
+
+TEST_F(ServicesTest, WithoutAggregationTheContainerCountsOnItsOwnObject) {
+    IQXUnknown* root;
+    EXPECT_EQ(container->QueryInterface(qx_typeid<IQXUnknown>(), &root), 1);
+    EXPECT_EQ(root->Release(), 1u);
+    EXPECT_EQ(container->AddRef(), 1u);  // the count from before
+    EXPECT_EQ(container->Release(), 1u);
+}
+
+namespace {
+
+// An object that has a service container as a part of itself.
+class COuter : public CQXUnknownImpl<ITicket> {
+public:
+    ~COuter() override {
+        if (inner) inner->Release();
+        g_events.push_back("outer destroyed");
+    }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+        return InternalQueryInterface(id, out) || (inner && inner->QueryInterface(id, out));
+    }
+    int Number() override { return 9; }
+    void* Module() override { return nullptr; }
+    IQXUnknown* inner = nullptr;
+};
+
+}  // namespace
+
+TEST_F(ServicesTest, InAnAggregateReferencesAndQueriesGoToTheOuterObject) {
+    auto outer = new COuter;
+    ASSERT_EQ(CreateObject(kClass, outer, qx_typeid<IQXUnknown>(), &outer->inner), 1);
+    IQXUnknown* part;
+    ASSERT_EQ(outer->QueryInterface(qx_typeid<IQXServiceContainer>(), &part), 1);
+    auto services = static_cast<IQXServiceContainer*>(part);
+    EXPECT_EQ(services->AddRef(), 3u);  // the outer object's count
+    EXPECT_EQ(services->Release(), 2u);
+    IQXUnknown* other;
+    EXPECT_EQ(services->QueryInterface(qx_typeid<ITicket>(), &other), 1);
+    EXPECT_EQ(static_cast<ITicket*>(other)->Number(), 9);
+    other->Release();
+
+    auto sink = new CSink("s");
+    EXPECT_EQ(services->AddService("s", sink), 1);
+    EXPECT_EQ(sink->handle->QueryInterface(qx_typeid<ITicket>(), &other), 1);  // the handle reaches the outer object
+    other->Release();
+    sink->Release();
+    services->Release();
+    EXPECT_EQ(outer->Release(), 0u);
+    EXPECT_EQ(g_events, (Events{"s added", "s removed", "s destroyed", "outer destroyed"}));
+}
+
+// ---- adding and finding
+
+TEST_F(ServicesTest, AServiceIsFoundByItsNameWithAReference) {
+    auto plain = new CPlain;
+    EXPECT_EQ(container->AddService("one", plain), 1);
+    EXPECT_EQ(plain->Refs(), 2u);
+    IQXUnknown* found = nullptr;
+    EXPECT_EQ(container->GetService("one", &found), 1);
+    EXPECT_EQ(found, plain);
+    EXPECT_EQ(plain->Refs(), 3u);
+    found->Release();
+    plain->Release();
+}
+
+TEST_F(ServicesTest, AskingWithoutAnOutPointerTakesNoReference) {
+    auto plain = new CPlain;
+    container->AddService("one", plain);
+    EXPECT_EQ(container->GetService("one", nullptr), 1);
+    EXPECT_EQ(plain->Refs(), 2u);
+    plain->Release();
+}
+
+TEST_F(ServicesTest, AMissingNameIsNotFound) {
+    IQXUnknown* found = nullptr;
+    EXPECT_EQ(container->GetService("nobody", &found), 0);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(container->GetService("nobody", nullptr), 0);
+}
+
+TEST_F(ServicesTest, ANameThatIsTakenIsNotReplaced) {
+    auto first = new CSink("first"), second = new CSink("second");
+    EXPECT_EQ(container->AddService("name", first), 1);
+    EXPECT_EQ(container->AddService("name", second), 0);
+    EXPECT_EQ(second->Refs(), 1u);
+    EXPECT_EQ(g_events, Events{"first added"});
+    IQXUnknown* found;
+    EXPECT_EQ(container->GetService("name", &found), 1);
+    EXPECT_EQ(found, first);
+    found->Release();
+    first->Release();
+    second->Release();
+}
+
+TEST_F(ServicesTest, TwoNamesOfOneHashAreOneService) {
+    std::string other = NameWithTheHashOf("Printing");
+    ASSERT_EQ(other.size(), 9u);
+    Held<CPlain> plain;
+    EXPECT_EQ(container->AddService("Printing", plain), 1);
+    EXPECT_EQ(container->GetService(other.c_str(), nullptr), 1);
+    EXPECT_EQ(container->AddService(other.c_str(), plain), 0);
+    EXPECT_EQ(Names(container), std::vector<std::string>{"Printing"});
+    EXPECT_EQ(container->RemoveService(other.c_str()), 1);
+    EXPECT_EQ(container->GetService("Printing", nullptr), 0);
+}
+
+TEST_F(ServicesTest, ANullServiceIsANameAndNothingMore) {
+    EXPECT_EQ(container->AddService("null", nullptr), 1);
+    IQXUnknown* found = kUnset;
+    EXPECT_EQ(container->GetService("null", &found), 1);
+    EXPECT_EQ(found, nullptr);
+    CTEnum<IQXUnknown*>* services;
+    EXPECT_EQ(container->EnumServices(qx_typeid<IQXUnknown>(), &services), 1);
+    EXPECT_EQ(services->Next(1, &found, nullptr), 0);
+    EXPECT_EQ(services->Skip(1), 0);
+    services->Release();
+    EXPECT_EQ(container->RemoveService("null"), 1);
+}
+
+// ---- sinks
+
+TEST_F(ServicesTest, TheHandleOfASinkCountsNothingAndReachesTheContainer) {
+    auto sink = new CSink("s");
+    container->AddService("s", sink);
+    IQXUnknown* handle = sink->handle;
+    EXPECT_EQ(handle->AddRef(), 0u);
+    EXPECT_EQ(handle->Release(), 0u);
+    IQXUnknown* answer;
+    EXPECT_EQ(handle->QueryInterface(qx_typeid<IQXServiceContainer>(), &answer), 1);
+    EXPECT_EQ(answer, static_cast<IQXUnknown*>(static_cast<IQXServiceContainer*>(container)));
+    answer->Release();
+    sink->Release();
+}
+
+TEST_F(ServicesTest, ARemovedSinkHearsOfItWhileItIsAlive) {
+    auto sink = new CSink("s");
+    container->AddService("s", sink);
+    sink->Release();  // the container holds the only reference now
+    EXPECT_EQ(container->RemoveService("s"), 1);
+    EXPECT_EQ(g_events, (Events{"s added", "s removed", "s destroyed"}));
+    EXPECT_EQ(container->RemoveService("s"), 0);
+}
+
+TEST_F(ServicesTest, ARemovedServiceIsGoneWhenItsSinkHears) {
+    auto sink = new CSink("s");
+    container->AddService("s", sink);
+    container->RemoveService("s");
+    EXPECT_EQ(sink->presentWhenRemoved, 0);
+    EXPECT_EQ(sink->Release(), 0u);
+}
+
+TEST_F(ServicesTest, AThrowingSinkLeavesItsServiceInTheContainer) {
+    auto sink = new CSink("s");
+    sink->throwWhenAdded = true;
+    EXPECT_THROW(container->AddService("s", sink), CXException);
+    EXPECT_EQ(container->GetService("s", nullptr), 1);
+    EXPECT_EQ(sink->Refs(), 2u);  // the query's reference is not lost
+    container->RemoveService("s");
+    EXPECT_EQ(sink->Release(), 0u);
+}
+
+TEST_F(ServicesTest, ASinkThatThrowsAtItsRemovalIsRemoved) {
+    auto sink = new CSink("s");
+    sink->throwWhenRemoved = true;
+    container->AddService("s", sink);
+    EXPECT_THROW(container->RemoveService("s"), CXException);
+    EXPECT_EQ(container->GetService("s", nullptr), 0);
+    EXPECT_EQ(sink->Release(), 0u);
+}
+
+TEST_F(ServicesTest, RemovingAllTellsEverySinkAndTheContainerGoesOn) {
+    auto a = new CSink("a"), b = new CSink("b");
+    Held<CPlain> plain;
+    container->AddService("a", a);
+    container->AddService("plain", plain);
+    container->AddService("b", b);
+    g_events.clear();
+    container->RemoveAllServices();
+    EXPECT_EQ(Sorted(g_events), (Events{"a removed", "b removed"}));
+    EXPECT_EQ(a->presentWhenRemoved, 1);
+    EXPECT_EQ(plain->Refs(), 1u);
+    EXPECT_TRUE(Names(container).empty());
+    EXPECT_EQ(container->AddService("a", a), 1);
+    EXPECT_EQ(Names(container), Events{"a"});
+    container->RemoveAllServices();
+    container->RemoveAllServices();
+    EXPECT_EQ(container->AddService("plain", plain), 1);
+    container->RemoveAllServices();
+    a->Release();
+    b->Release();
+}
+
+TEST_F(ServicesTest, TheEndOfTheContainerTellsEverySink) {
+    auto a = new CSink("a"), b = new CSink("b");
+    container->AddService("a", a);
+    container->AddService("b", b);
+    a->throwWhenRemoved = true;  // nobody is left to hear of it, and the other sink is told all the same
+    b->throwWhenRemoved = true;
+    a->Release();
+    b->Release();
+    g_events.clear();
+    container.Destroy();
+    EXPECT_EQ(Sorted(g_events), (Events{"a destroyed", "a removed", "b destroyed", "b removed"}));
+}
+
+TEST_F(ServicesTest, ServicesAreReleasedWithTheContainer) {
+    auto plain = new CPlain(5);
+    container->AddService("plain", plain);
+    plain->Release();
+    EXPECT_TRUE(g_events.empty());
+    container.Destroy();
+    EXPECT_EQ(g_events, Events{"destroyed 5"});
+}
+
+// ---- enumerators
+
+TEST_F(ServicesTest, NamesComeInTheOrderOfTheTable) {
+    Held<CPlain> plain;
+    std::vector<std::string> added;
+    for (int i = 0; i < 300; ++i) {
+        added.push_back("service" + std::to_string(i));
+        container->AddService(added.back().c_str(), plain);
+    }
+    EXPECT_EQ(Names(container), WalkOrder(added));
+}
+
+TEST_F(ServicesTest, NamesAreDeliveredInPortions) {
+    Held<CPlain> plain;
+    for (const char* name : {"a", "b", "c"}) container->AddService(name, plain);  // 97, 98, 99: in this order
+    CTEnum<const char*>* names;
+    container->EnumServiceNames(&names);
+    const char* out[4] = {};
+    unsigned fetched = 77;
+    EXPECT_EQ(names->Next(0, out, &fetched), 0);
+    EXPECT_EQ(fetched, 0u);
+    EXPECT_EQ(names->Next(2, out, &fetched), 1);
+    EXPECT_EQ(fetched, 2u);
+    EXPECT_STREQ(out[0], "a");
+    EXPECT_STREQ(out[1], "b");
+    EXPECT_EQ(names->Next(4, out, &fetched), 1);
+    EXPECT_EQ(fetched, 1u);
+    EXPECT_STREQ(out[0], "c");
+    // The end of the walk was reached, and the table's walk starts over.
+    EXPECT_EQ(names->Next(1, out, &fetched), 1);
+    EXPECT_STREQ(out[0], "a");
+    names->Reset();
+    EXPECT_EQ(names->Skip(2), 1);
+    EXPECT_EQ(names->Next(1, out, nullptr), 1);
+    EXPECT_STREQ(out[0], "c");
+    EXPECT_EQ(names->Skip(5), 0);  // at the end: no step
+    EXPECT_EQ(names->Skip(5), 1);  // over again: three steps
+    EXPECT_EQ(names->Skip(0), 0);
+    names->Release();
+}
+
+TEST_F(ServicesTest, ANextThatReachesTheEndExactlyAnswersNothingTheNextTime) {
+    Held<CPlain> plain;
+    container->AddService("a", plain);
+    CTEnum<const char*>* names;
+    container->EnumServiceNames(&names);
+    const char* out[1];
+    EXPECT_EQ(names->Next(1, out, nullptr), 1);
+    EXPECT_EQ(names->Next(1, out, nullptr), 0);
+    EXPECT_EQ(names->Next(1, out, nullptr), 1);
+    names->Release();
+}
+
+TEST_F(ServicesTest, AnEmptyContainerDeliversNothing) {
+    CTEnum<const char*>* names;
+    CTEnum<IQXUnknown*>* services;
+    EXPECT_EQ(container->EnumServiceNames(&names), 1);
+    EXPECT_EQ(container->EnumServices(qx_typeid<IQXUnknown>(), &services), 1);
+    const char* name;
+    IQXUnknown* object;
+    unsigned fetched = 77;
+    EXPECT_EQ(names->Next(1, &name, &fetched), 0);
+    EXPECT_EQ(fetched, 0u);
+    EXPECT_EQ(names->Skip(1), 0);
+    fetched = 77;
+    EXPECT_EQ(services->Next(1, &object, &fetched), 0);
+    EXPECT_EQ(fetched, 0u);
+    EXPECT_EQ(services->Skip(1), 0);
+    names->Release();
+    services->Release();
+}
+
+TEST_F(ServicesTest, AnInterfaceThatOneOfThreeHasDeliversOneObject) {
+    auto a = new CSink("a"), c = new CSink("c");
+    Held<CPlain> plain(5);
+    container->AddService("a", a);
+    container->AddService("b", plain);
+    container->AddService("c", c);
+    CTEnum<IQXUnknown*>* services;
+    EXPECT_EQ(container->EnumServices(qx_typeid<ITicket>(), &services), 1);
+    IQXUnknown* out[3] = {};
+    unsigned fetched = 0;
+    EXPECT_EQ(services->Next(3, out, &fetched), 1);
+    EXPECT_EQ(fetched, 1u);
+    EXPECT_EQ(static_cast<ITicket*>(out[0])->Number(), 5);
+    EXPECT_EQ(plain->Refs(), 3u);
+    out[0]->Release();
+    services->Release();
+    container->RemoveAllServices();
+    EXPECT_EQ(plain->Refs(), 1u);
+    a->Release();
+    c->Release();
+}
+
+TEST_F(ServicesTest, NextPassesOverRefusalsAndSkipEndsBehindTheFirst) {
+    Held<CPlain> first(1), second(2), third(3);
+    auto sink = new CSink("c");
+    container->AddService("a", first);
+    container->AddService("b", second);
+    container->AddService("c", sink);  // refuses
+    container->AddService("d", third);
+    CTEnum<IQXUnknown*>* services;
+    container->EnumServices(qx_typeid<ITicket>(), &services);
+    IQXUnknown* out[4];
+    unsigned fetched;
+    EXPECT_EQ(services->Skip(1), 1);
+    EXPECT_EQ(services->Next(2, out, &fetched), 1);
+    EXPECT_EQ(fetched, 2u);
+    EXPECT_EQ(static_cast<ITicket*>(out[0])->Number(), 2);
+    EXPECT_EQ(static_cast<ITicket*>(out[1])->Number(), 3);
+    out[0]->Release();
+    out[1]->Release();
+
+    services->Reset();
+    EXPECT_EQ(services->Skip(10), 1);  // a and b; c ends it
+    EXPECT_EQ(services->Skip(10), 1);  // d
+    services->Reset();
+    EXPECT_EQ(services->Skip(2), 1);
+    EXPECT_EQ(services->Skip(1), 0);  // c refuses
+    EXPECT_EQ(services->Next(4, out, &fetched), 1);
+    EXPECT_EQ(fetched, 1u);
+    EXPECT_EQ(static_cast<ITicket*>(out[0])->Number(), 3);
+    out[0]->Release();
+    services->Release();
+    EXPECT_EQ(first->Refs(), 2u);
+    container->RemoveAllServices();
+    sink->Release();
+}
+
+TEST_F(ServicesTest, TheEnumeratorsAnswerTheirIdentity) {
+    CTEnum<const char*>* names;
+    CTEnum<IQXUnknown*>* services;
+    container->EnumServiceNames(&names);
+    container->EnumServices(qx_typeid<IQXUnknown>(), &services);
+    IQXUnknown* answer;
+    for (const qx_type_info* id : {&qx_typeid<IQXUnknown>(), &qx_typeid<CTEnum<const char*>>()}) {
+        EXPECT_EQ(names->QueryInterface(*id, &answer), 1);
+        EXPECT_EQ(answer->Release(), 1u);
+    }
+    for (const qx_type_info* id : {&qx_typeid<IQXUnknown>(), &qx_typeid<CTEnum<IQXUnknown*>>()}) {
+        EXPECT_EQ(services->QueryInterface(*id, &answer), 1);
+        EXPECT_EQ(answer->Release(), 1u);
+    }
+    EXPECT_EQ(names->QueryInterface(qx_typeid<CTEnum<IQXUnknown*>>(), nullptr), 0);
+    EXPECT_EQ(services->QueryInterface(qx_typeid<CTEnum<const char*>>(), nullptr), 0);
+    EXPECT_EQ(names->Release(), 0u);
+    EXPECT_EQ(services->Release(), 0u);
+}
+
+TEST_F(ServicesTest, AnEnumeratorHoldsNoReferenceOnTheContainer) {
+    CTEnum<const char*>* names;
+    container->EnumServiceNames(&names);
+    EXPECT_EQ(container->AddRef(), 1u);
+    container->Release();
+    names->Release();
+}
