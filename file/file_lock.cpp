@@ -5,6 +5,7 @@
 
 #include <qxcore/file.h>
 #include <qxcore/listitem.h>
+#include <qxcore/string.h>
 
 #include <cstring>
 

@@ -3,9 +3,8 @@
 #define QXCORE_FILE_FILE_LOCK_H
 
 #include <qxcore/fileops.h>
-#include <qxcore/string.h>
 
-// This program's own lock on a file is lifted while the object lives.
+// This program's own lock on a file is lifted while the object lives. The text of the path must live as long.
 class LiftedLock {
 public:
     explicit LiftedLock(const char* path) : m_path(path) { Fio_ChangeNELock(m_path, 1); }
@@ -14,7 +13,7 @@ public:
     ~LiftedLock() { Fio_ChangeNELock(m_path, 0); }
 
 private:
-    CXString m_path;
+    const char* m_path;
 };
 
 #endif

@@ -69,12 +69,7 @@ public:
     void WriteDouble(double value) final { Me().Self::Write(&value, sizeof value); }
     void WriteString(const char* text) final { Me().Self::Write(text, unsigned(strlen(text) + 1)); }
 
-    unsigned long long GetLength() final {
-        uint64_t saved = Tell();
-        uint64_t length = Seek(0, QXSEEK_END);
-        Seek(int64_t(saved), QXSEEK_START);
-        return length;
-    }
+    unsigned long long GetLength() final { return m_size; }
     const char* GetPath() final { return m_path; }
 
 protected:

@@ -26,7 +26,8 @@ CXString PathOrTempFile(const char* path, int flags) {
 
 CXFile::CXFile(const char* path, int flags) : CXFile(PathOrTempFile(path, flags), flags) {}
 
-CXFile::CXFile(const CXString& path, int flags) : CWindowFile(path, ModeOf(flags)), m_ownLock(path), m_chunk(Chunk()) {
+CXFile::CXFile(const CXString& path, int flags)
+    : CWindowFile(path, ModeOf(flags)), m_ownLock(m_path), m_chunk(Chunk()) {
     OpenHandle(flags);
     LARGE_INTEGER size;
     if (!GetFileSizeEx(m_file.Get(), &size)) RaiseFileError(m_path, m_mode);

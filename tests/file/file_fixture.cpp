@@ -65,6 +65,32 @@ std::vector<std::string> FileTest::NamesIn(const std::string& directory) {
     return names;
 }
 
+DeepDirectory::DeepDirectory(const std::string& below, size_t length) {
+    std::wstring path = L"\\\\?\\" + std::wstring(below.begin(), below.end());
+    for (int level = 0; level == 0 || path.size() < length; ++level) {
+        path +=
+            L"\\of" + std::to_wstring(length) + std::wstring(std::clamp<size_t>(length - path.size(), 6, 60) - 5, L'd');
+        EXPECT_TRUE(CreateDirectoryW(path.c_str(), nullptr)) << GetLastError();
+        m_levels.push_back(path);
+    }
+}
+
+DeepDirectory::~DeepDirectory() {
+    for (; !m_levels.empty(); m_levels.pop_back()) {
+        EXPECT_TRUE(RemoveDirectoryW(m_levels.back().c_str())) << GetLastError();
+    }
+}
+
+bool DeepDirectory::IsEmpty() const {
+    WIN32_FIND_DATAW found;
+    HANDLE search = FindFirstFileW((m_levels.back() + L"\\*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return false;
+    int names = 1;
+    while (FindNextFileW(search, &found)) ++names;
+    FindClose(search);
+    return names == 2;  // "." and ".."
+}
+
 bool Exists(const std::string& path) {
     return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }

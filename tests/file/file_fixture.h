@@ -27,6 +27,21 @@ private:
     std::string m_directory;
 };
 
+// A directory whose path is at least so long, which only the platform's wide calls reach. Its path starts with
+// "\\\\?\\".
+class DeepDirectory {
+public:
+    DeepDirectory(const std::string& below, size_t length);
+    ~DeepDirectory();
+    DeepDirectory(const DeepDirectory&) = delete;
+
+    std::string Path() const { return std::string(m_levels.back().begin(), m_levels.back().end()); }
+    bool IsEmpty() const;
+
+private:
+    std::vector<std::wstring> m_levels;
+};
+
 bool Exists(const std::string& path);
 std::string ContentOf(const std::string& path);
 unsigned long long SizeOnDisk(const std::string& path);
