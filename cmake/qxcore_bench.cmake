@@ -4,5 +4,6 @@ function(qxcore_add_bench name)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
-  target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform ${arg_LINK})
+  target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform qxcore_product_code
+    ${arg_LINK})
 endfunction()

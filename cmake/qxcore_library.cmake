@@ -10,11 +10,17 @@ target_include_directories(qxcore
   PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>
   PRIVATE ${PROJECT_SOURCE_DIR})
 target_link_libraries(qxcore PRIVATE $<BUILD_INTERFACE:qxcore_warnings> $<BUILD_INTERFACE:qxcore_platform>
+  $<BUILD_INTERFACE:qxcore_product_code>
   ole32 oleaut32 uuid shlwapi gdi32 user32 kernel32)
 set_target_properties(qxcore PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden DEBUG_POSTFIX "")
 
 if(NOT MSVC)
   target_compile_options(qxcore PRIVATE -fno-math-errno)
+  if(QXCORE_TRAPS)
+    # The vptr check needs type information at addresses where foreign compilers put none.
+    target_compile_options(qxcore PRIVATE
+      -fsanitize=undefined -fno-sanitize=vptr -fsanitize-undefined-trap-on-error)
+  endif()
   # Nothing is exported but what is marked, and a module that links the library takes every global
   # allocation function from it, also where only the runtime library asks for one.
   target_link_options(qxcore PRIVATE -Wl,--exclude-all-symbols)

@@ -8,7 +8,9 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 find_program(QXCORE_CCACHE ccache)
 if(QXCORE_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${QXCORE_CCACHE})
+  # The same source compiled by two presets, or in two checkouts, is one cache entry.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_NOHASHDIR=1 CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+    ${QXCORE_CCACHE})
 endif()
 
 # Warnings are errors in our own code; what others wrote is built without them.
@@ -26,14 +28,17 @@ else()
   target_compile_options(qxcore_warnings INTERFACE -Wall -Wextra -Werror -Wno-unknown-pragmas)
   # The system's own printf engine is the one hosts see, so the compiler's replacement stays off.
   target_compile_definitions(qxcore_platform INTERFACE __USE_MINGW_ANSI_STDIO=0)
-  target_compile_options(qxcore_platform INTERFACE -g)
   target_link_options(qxcore_platform INTERFACE -static)
 endif()
 
-if(QXCORE_TRAPS AND NOT MSVC)
-  # The vptr check needs type information at addresses where foreign compilers put none.
-  target_compile_options(qxcore_platform INTERFACE
-    -fsanitize=undefined -fno-sanitize=vptr -fsanitize-undefined-trap-on-error)
+# What a user runs is optimised as the build type says; tests are compiled fast, and alike in every preset.
+add_library(qxcore_product_code INTERFACE)
+add_library(qxcore_test_code INTERFACE)
+if(NOT MSVC)
+  set(CMAKE_CXX_FLAGS_RELEASE "")
+  set(CMAKE_CXX_FLAGS_DEBUG "")
+  target_compile_options(qxcore_product_code INTERFACE -g $<IF:$<CONFIG:Debug>,-O0,-O2>)
+  target_compile_options(qxcore_test_code INTERFACE -O0)
 endif()
 
 # Programs of this build run through Wine in a prefix of the build tree.

@@ -3,6 +3,7 @@ set(QXCORE_GOOGLETEST_SOURCE /usr/src/googletest/googletest CACHE PATH "Sources 
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 set(gtest_disable_pthreads ON CACHE BOOL "" FORCE)
 add_subdirectory(${QXCORE_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+target_link_libraries(gtest PRIVATE $<BUILD_INTERFACE:qxcore_test_code>)
 
 # qxcore_add_test(NAME SOURCE...): a test program over the library's headers, registered with CTest as one test.
 # Its tests must not need an order. Options behind LINK are further libraries.
@@ -11,7 +12,8 @@ function(qxcore_add_test name)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE qxcore qxcore_test_support gtest qxcore_warnings qxcore_platform ${arg_LINK})
+  target_link_libraries(${name} PRIVATE qxcore qxcore_test_support gtest qxcore_warnings qxcore_platform qxcore_test_code
+    ${arg_LINK})
   add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1
     --gtest_output=xml:${PROJECT_BINARY_DIR}/reports/${name}.xml)
   set_tests_properties(${name} PROPERTIES TIMEOUT 600)
@@ -23,7 +25,8 @@ function(qxcore_add_module name)
   add_library(${name} SHARED ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform ${arg_LINK})
+  target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform qxcore_test_code
+    ${arg_LINK})
   set_target_properties(${name} PROPERTIES PREFIX "")
 endfunction()
 
@@ -33,5 +36,6 @@ function(qxcore_add_program name)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform ${arg_LINK})
+  target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform qxcore_test_code
+    ${arg_LINK})
 endfunction()

@@ -4,14 +4,20 @@
 
 #include <qxcore/unknown.h>
 
+#include <utility>
+
 template <class I>
 class Reference {
 public:
     Reference() = default;
     // Takes over the caller's reference; null is allowed.
     explicit Reference(I* object) : m_object(object) {}
-    Reference(Reference&& other) noexcept : m_object(other.m_object) { other.m_object = nullptr; }
-    Reference& operator=(Reference&&) = delete;
+    Reference(Reference&& other) noexcept : m_object(other.Detach()) {}
+    Reference& operator=(Reference&& other) noexcept {
+        Reference old(std::move(other));
+        Swap(old);
+        return *this;
+    }
     ~Reference() {
         if (m_object) m_object->Release();
     }
@@ -25,8 +31,11 @@ public:
         if (m_object) m_object->AddRef();
         return m_object;
     }
+    // Hands the reference to the caller.
+    I* Detach() { return std::exchange(m_object, nullptr); }
     // Where a creating call puts its object. REQUIRES: nothing is held yet.
     I** Out() { return &m_object; }
+    void Swap(Reference& other) noexcept { std::swap(m_object, other.m_object); }
 
 private:
     I* m_object = nullptr;

@@ -14,6 +14,7 @@
 #include <qxcore/listitem.h>
 #include <qxcore/lock.h>
 #include <qxcore/map.h>
+#include <qxcore/param.h>
 #include <qxcore/persist.h>
 #include <qxcore/platform.h>
 #include <qxcore/progress.h>

@@ -1,0 +1,154 @@
+#include "param/ini_reader.h"
+
+#include "core/reference.h"
+#include "param/ini_value.h"
+#include "param/input_buffer.h"
+
+#include <qxcore/exception.h>
+#include <qxcore/list.h>
+
+#include <cstring>
+#include <mbstring.h>
+#include <memory>
+
+namespace {
+
+constinit char g_logicalLine[kIniLineSize + 1] = {};  // one for all reads: the reader serves one thread at a time
+
+// One read: a stack of files, each included by the one below it, and the node that keys go to.
+class IniReader {
+public:
+    IniReader(IXFile* file, IParam* root) : m_root(root), m_base(DirectoryOf(file->GetPath())) {
+        Push(Hold(file));
+    }
+
+    void Read() {
+        while (CInputBuffer* top = Top()) {
+            IniLine line;
+            if (top->NextLine(g_logicalLine, line)) {
+                ReadLine(line.begin, line.end);
+            } else {
+                m_stack.RemoveAt(static_cast<Stack::position>(m_stack.tail));
+            }
+        }
+    }
+
+private:
+    using Stack = CTPList<CInputBuffer*>;
+
+    const IniCharacters m_characters;
+    IParam* m_root;
+    CXString m_base;  // directory of the outermost file, with its delimiter
+    Stack m_stack;
+    Reference<IParam> m_current;  // null before the first section header
+
+    CInputBuffer* Top() {
+        auto tail = static_cast<Stack::position>(m_stack.tail);
+        return tail ? *m_stack.GetNext(tail) : nullptr;
+    }
+
+    void Push(Reference<IXFile> file) {
+        auto buffer = std::make_unique<CInputBuffer>(std::move(file), m_characters);
+        m_stack.AddTail(buffer.get());
+        buffer.release();
+    }
+
+    // A file without a directory part has an empty base.
+    static CXString DirectoryOf(const char* path) {
+        CXString directory = CXString(path).FilePath();
+        if (*directory) directory.AddDirDelim();
+        return directory;
+    }
+
+    void ReadLine(char* begin, char* end) {
+        begin = const_cast<char*>(m_characters.SkipSpace(begin, end));
+        end = const_cast<char*>(m_characters.TrimSpace(begin, end));
+        *end = 0;
+        if (begin == end || m_characters.Next(begin, end) == end) return;  // too short
+        const char* last = m_characters.Previous(begin, end);
+        if (*begin == 0 && *last == 0) throw CXException(QXERR_INI_LINE);
+        if (ReadDirective(begin, last, end)) return;
+        if (*begin == '[') {
+            ReadSection(begin, end);
+        } else if (m_current) {
+            ReadKey(begin, begin + strlen(begin));
+        }
+    }
+
+    // True if the line is a directive, also one without a meaning.
+    bool ReadDirective(char* begin, const char* last, char* end) {
+        if (*begin != '#') return false;
+        const char* word = m_characters.SkipSpace(begin + 1, end);
+        if (word >= last) return false;
+        const char* wordEnd = m_characters.SkipText(word, end);
+        const char* argument = m_characters.SkipSpace(wordEnd, end);
+        const char* argumentEnd = m_characters.SkipText(argument, end);
+        begin[wordEnd - begin] = 0;
+        begin[argumentEnd - begin] = 0;
+        if (argument < argumentEnd && _mbsicmp(Bytes(word), Bytes("include")) == 0) Include(CXString(argument));
+        return true;
+    }
+
+    // The argument has no blank in it. One that starts with "." stands beside the including file, with the directory
+    // of the outermost file before it all the same.
+    void Include(CXString argument) {
+        constexpr char kQuote = '"';
+        if (argument.GetAt(0) == kQuote) argument.Delete(0, 1);
+        int last = argument.GetLength() - 1;
+        if (last >= 0 && argument.GetAt(last) == kQuote) argument.Delete(last, 1);
+        if (argument.GetAt(0) == '.') argument = BesideTopFile(argument);
+        CXString path = m_base + argument;
+        Push(Reference<IXFile>(Fio_Open(path, 0)));
+    }
+
+    CXString BesideTopFile(const CXString& name) {
+        CXString directory(Top()->File()->GetPath());
+        int delimiter = directory.FindRev('\\');
+        if (delimiter < 0) delimiter = directory.FindRev('/');
+        directory.Delete(delimiter + 1, directory.GetLength());
+        return directory + name;
+    }
+
+    // "[\a\b" with or without "]". The first two characters go unread, so "[a]" and "[]" name the root like "[\]".
+    void ReadSection(char* begin, char* end) {
+        m_current = Hold(m_root);
+        if (*m_characters.Previous(begin, end) == ']') --end;
+        const char* p = begin;
+        for (int i = 0; i < 2 && p < end; ++i) p = m_characters.Next(p, end);
+        while (p < end && m_current) {
+            const char* delimiter = m_characters.Find('\\', p, end);
+            begin[delimiter - begin] = 0;
+            m_current = Reference<IParam>(m_current->OpenSubParam(p, 1));
+            p = delimiter + 1;
+        }
+    }
+
+    // "key = value", or a key alone, which is the int 0. A value that cannot be read has no effect.
+    void ReadKey(char* begin, char* end) {
+        const char* equals = m_characters.Find('=', begin, end);
+        CQXVariant value;
+        if (equals == end) {
+            value = 0;
+            m_current->SetValue(begin, &value);
+            return;
+        }
+        const char* text = m_characters.SkipSpace(equals + 1, end);
+        begin[m_characters.TrimSpace(begin, equals) - begin] = 0;
+        if (ReadIniValue(text, value)) m_current->SetValue(begin, &value);
+    }
+
+    static const unsigned char* Bytes(const char* text) { return reinterpret_cast<const unsigned char*>(text); }
+};
+
+}  // namespace
+
+int ReadIniText(IXFile* file, IParam* root) {
+    if (!file || !root) return 0;
+    IniReader(file, root).Read();
+    return 1;
+}
+
+int Param_IniFile2Param(const char* path, IParam* param) {
+    Reference<IXFile> file(Fio_Open(path, 0));
+    return ReadIniText(file.Get(), param);
+}

@@ -1,0 +1,197 @@
+#include "param/ini_value.h"
+
+#include "param/c_locale.h"
+
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+// Reads the numbers of one value, one after the other, each behind the comma that follows the one before it.
+class NumberReader {
+public:
+    explicit NumberReader(const char* text) : m_text(text) {}
+
+    void Read(long& number) {
+        ReadWith([](const char* p, char** end) { return strtol(p, end, Base(p)); }, number);
+    }
+    void Read(unsigned long& number) {
+        ReadWith([](const char* p, char** end) { return strtoul(p, end, Base(p)); }, number);
+    }
+    void Read(double& number) {
+        ReadWith([](const char* p, char** end) { return strtod(p, end); }, number);
+    }
+
+    bool Good() const { return m_good; }
+
+private:
+    const char* m_text;
+    bool m_first = true;
+    bool m_good = true;
+
+    // An "x" anywhere behind makes this number hexadecimal, also where it belongs to a later one.
+    static int Base(const char* text) { return strpbrk(text, "xX") ? 16 : 10; }
+
+    template <class Convert, class Number>
+    void ReadWith(Convert convert, Number& number) {
+        if (!m_first) StepBehindComma();
+        m_first = false;
+        if (!m_good) return;
+        char* end;
+        number = convert(m_text, &end);
+        m_good = end != m_text;
+        m_text = end;
+    }
+
+    void StepBehindComma() {
+        const char* comma = m_good ? strchr(m_text, ',') : nullptr;
+        m_good = comma != nullptr;
+        if (comma) m_text = comma + 1;
+    }
+};
+
+template <class... Numbers>
+bool ReadNumbers(const char* text, Numbers&... numbers) {
+    NumberReader reader(text);
+    (reader.Read(numbers), ...);
+    return reader.Good();
+}
+
+template <class... Numbers>
+bool ReadDecimals(const char* text, Numbers&... numbers) {
+    CLocale locale;
+    return ReadNumbers(text, numbers...);
+}
+
+CXString Decimal(double number) {
+    constexpr int kDigits = 14;
+    char text[64];
+    CLocale locale;
+    return CXString(_gcvt(number, kDigits, text));
+}
+
+CXString Decimals(double a, double b) {
+    return Decimal(a) + "," + Decimal(b);
+}
+
+template <class... Args>
+CXString Formatted(const char* format, Args... args) {
+    CXString text;
+    text.Format(format, args...);
+    return text;
+}
+
+// A nibble above 10 gives a letter that is no hexadecimal digit, and 10 gives ":": such a byte is not read back.
+char NibbleText(unsigned nibble) {
+    return static_cast<char>(nibble <= 10 ? '0' + nibble : 'A' + nibble);
+}
+
+bool ReadFlag(const char* text, tagQXVALUE& value) {
+    if (isdigit(static_cast<unsigned char>(*text))) {
+        value.boolVal = atoi(text);
+        return value.boolVal == 0 || value.boolVal == 1;
+    }
+    value.boolVal = *text == 'Y' || *text == 'y';
+    return value.boolVal || *text == 'N' || *text == 'n';
+}
+
+bool ReadWord(const char* text, tagQXVALUE& value) {
+    constexpr unsigned long kMax = 65535;
+    unsigned long number = 0;
+    if (!ReadNumbers(text, number) || number > kMax) return false;
+    value.ui2Val = static_cast<unsigned short>(number);
+    return true;
+}
+
+bool ReadFloat(const char* text, tagQXVALUE& value) {
+    double number = 0;
+    if (!ReadDecimals(text, number)) return false;
+    value.floatVal = static_cast<float>(number);
+    return true;
+}
+
+// The digits are tested and not stored: the value stays 0.
+bool ReadByteDigits(const char* text, tagQXVALUE&) {
+    auto isDigit = [](char c) { return isxdigit(static_cast<unsigned char>(c)) != 0; };
+    return isDigit(text[0]) && isDigit(text[1]);
+}
+
+// Taken as it is, leading blanks included.
+bool ReadText(const char* text, tagQXVALUE& value) {
+    tagQXVARIANT copy;
+    QXVariantInit(&copy);
+    QXVariantBindFromValue(QXVT_STRING, &text, &copy);
+    value.string = copy.value.string;
+    return true;
+}
+
+struct IniType {
+    char letter;
+    unsigned short type;
+    bool (*read)(const char* text, tagQXVALUE& value);
+    CXString (*write)(const tagQXVALUE& value);
+};
+
+// Searched from the first row, by letter when reading and by type when writing.
+constexpr IniType kIniTypes[] = {
+    {'e', QXVT_EMPTY, [](const char*, tagQXVALUE&) { return true; }, [](const tagQXVALUE&) { return CXString(); }},
+    {'f', QXVT_BOOL, ReadFlag, [](const tagQXVALUE& v) { return CXString(v.boolVal == 1 ? "1" : "0"); }},
+    {'b', QXVT_UI1, ReadByteDigits,
+     [](const tagQXVALUE& v) { return Formatted("%c%c", NibbleText(v.ui1Val >> 4), NibbleText(v.ui1Val & 15)); }},
+    {'w', QXVT_UI2, ReadWord, [](const tagQXVALUE& v) { return Formatted("%u", v.ui2Val); }},
+    {'W', QXVT_ULONG, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
+     [](const tagQXVALUE& v) { return Formatted("%u", v.ulongVal); }},
+    {'i', QXVT_INT, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.longVal); },
+     [](const tagQXVALUE& v) { return Formatted("%d", v.intVal); }},
+    {'u', QXVT_UINT, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
+     [](const tagQXVALUE& v) { return Formatted("%u", v.uintVal); }},
+    {'l', QXVT_LONG, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.longVal); },
+     [](const tagQXVALUE& v) { return Formatted("%d", v.longVal); }},
+    {'R', QXVT_DOUBLE, [](const char* text, tagQXVALUE& v) { return ReadDecimals(text, v.doubleVal); },
+     [](const tagQXVALUE& v) { return Decimal(v.doubleVal); }},
+    {'r', QXVT_FLOAT, ReadFloat, [](const tagQXVALUE& v) { return Decimal(v.floatVal); }},
+    {'s', QXVT_STRING, ReadText, [](const tagQXVALUE& v) { return CXString(v.string); }},
+    {'z', QXVT_SIZE, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.size.cx, v.size.cy); },
+     [](const tagQXVALUE& v) { return Formatted("%d,%d", v.size.cx, v.size.cy); }},
+    {'Z', QXVT_RSIZE, [](const char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rsize.cx, v.rsize.cy); },
+     [](const tagQXVALUE& v) { return Decimals(v.rsize.cx, v.rsize.cy); }},
+    {'p', QXVT_POINT, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.point.x, v.point.y); },
+     [](const tagQXVALUE& v) { return Formatted("%d,%d", v.point.x, v.point.y); }},
+    {'P', QXVT_RPOINT, [](const char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rpoint.x, v.rpoint.y); },
+     [](const tagQXVALUE& v) { return Decimals(v.rpoint.x, v.rpoint.y); }},
+    {'t', QXVT_RECT,
+     [](const char* text, tagQXVALUE& v) {
+         return ReadNumbers(text, v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
+     },
+     [](const tagQXVALUE& v) {
+         return Formatted("%d,%d,%d,%d", v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
+     }},
+    {'T', QXVT_RRECT,
+     [](const char* text, tagQXVALUE& v) {
+         return ReadDecimals(text, v.rrect.left, v.rrect.top, v.rrect.right, v.rrect.bottom);
+     },
+     [](const tagQXVALUE& v) {
+         return Decimals(v.rrect.left, v.rrect.top) + "," + Decimals(v.rrect.right, v.rrect.bottom);
+     }},
+};
+
+}  // namespace
+
+bool ReadIniValue(const char* text, tagQXVARIANT& value) {
+    for (const IniType& row : kIniTypes) {
+        if (row.letter != *text) continue;
+        value.type = row.type;
+        return row.read(text + 1, value.value);
+    }
+    return false;
+}
+
+bool WriteIniValue(const tagQXVARIANT& value, CXString& text) {
+    for (const IniType& row : kIniTypes) {
+        if (row.type != value.type) continue;
+        text = CXString(wchar_t(row.letter) + row.write(value.value));
+        return true;
+    }
+    return false;
+}

@@ -1,0 +1,15 @@
+// The typed values of ini text: one letter, then the text of that type.
+#ifndef QXCORE_PARAM_INI_VALUE_H
+#define QXCORE_PARAM_INI_VALUE_H
+
+#include <qxcore/string.h>
+#include <qxcore/variant.h>
+
+// Reads "w65535", "p3,4" and their like into an empty variant. False when the letter is unknown or the text does not
+// fit its type; the variant then has no meaning.
+bool ReadIniValue(const char* text, tagQXVARIANT& value);
+
+// Writes the letter and the text. False for the types that have no text form: blobs and objects.
+bool WriteIniValue(const tagQXVARIANT& value, CXString& text);
+
+#endif

@@ -1,0 +1,366 @@
+#include "param/tree_text.h"
+
+#include <gtest/gtest.h>
+#include <mbctype.h>
+
+namespace {
+
+class MemParamTest : public testing::Test {
+protected:
+    ParamPtr root{new_MemParam()};
+
+    ParamPtr Create(const char* name) { return ParamPtr(root->CreateSubParam(name)); }
+    ParamPtr Open(const char* name, int create = 0) { return ParamPtr(root->OpenSubParam(name, create)); }
+};
+
+unsigned CountOf(IQXUnknown* object) {
+    object->AddRef();
+    return object->Release();
+}
+
+}  // namespace
+
+TEST_F(MemParamTest, ANewRootIsEmptyAndHasOneReference) {
+    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(CountOf(root.get()), 1u);
+}
+
+TEST_F(MemParamTest, AnEmptyOrNullValueNameIsTheDefaultName) {
+    SetInt(root.get(), "", 1);
+    EXPECT_EQ(NamesText(root->EnumValues()), "@");
+    SetInt(root.get(), nullptr, 2);
+    EXPECT_EQ(TreeText(root.get()), "@=5:2");
+    EXPECT_EQ(GetInt(root.get(), "@"), 2);
+    EXPECT_EQ(GetInt(root.get(), ""), 2);
+    EXPECT_EQ(GetInt(root.get(), nullptr), 2);
+    EXPECT_EQ(root->DeleteValue(nullptr), 1);
+    EXPECT_EQ(TreeText(root.get()), "");
+}
+
+TEST_F(MemParamTest, NamesDifferingInCaseAreOneValueWithItsFirstSpelling) {
+    SetInt(root.get(), "X", 1);
+    SetInt(root.get(), "x", 2);
+    EXPECT_EQ(TreeText(root.get()), "X=5:2");
+}
+
+TEST_F(MemParamTest, ValuesAndChildrenAreTwoNameSpaces) {
+    SetInt(root.get(), "same", 1);
+    SetInt(Create("same").get(), "inner", 2);
+    EXPECT_EQ(TreeText(root.get()), "same=5:1 same{inner=5:2}");
+}
+
+TEST_F(MemParamTest, NamesComeInTheOrderOfFirstCreationWhichReplacingKeeps) {
+    for (const char* name : {"zeta", "alpha", "mid"}) SetInt(root.get(), name, 1);
+    SetInt(root.get(), "ALPHA", 7);
+    for (const char* name : {"two", "one", "three"}) Create(name);
+    Create("ONE");
+    EXPECT_EQ(TreeText(root.get()), "zeta=5:1 alpha=5:7 mid=5:1 two{} one{} three{}");
+}
+
+TEST_F(MemParamTest, AValueKeepsItsTypeAndIsACopy) {
+    CQXVariant text("hello"), out;
+    root->SetValue("text", &text);
+    text.value.string[0] = 'J';
+    ASSERT_EQ(root->GetValue("text", &out), 1);
+    EXPECT_EQ(ValueText(out), "10:hello");
+    out.value.string[0] = 'C';
+    CQXVariant again;
+    root->GetValue("TEXT", &again);
+    EXPECT_EQ(ValueText(again), "10:hello");
+}
+
+TEST_F(MemParamTest, GetValueClearsWhatTheOutVariantHeld) {
+    IParam* held = new_MemParam();
+    CQXVariant out(static_cast<IQXUnknown*>(held));
+    EXPECT_EQ(CountOf(held), 2u);
+    SetInt(root.get(), "a", 5);
+    EXPECT_EQ(root->GetValue("a", &out), 1);
+    EXPECT_EQ(CountOf(held), 1u);
+    EXPECT_EQ(ValueText(out), "5:5");
+    held->Release();
+}
+
+TEST_F(MemParamTest, AMissAnswersZeroAndLeavesOut) {
+    CQXVariant out("kept");
+    EXPECT_EQ(root->GetValue("missing", &out), 0);
+    EXPECT_EQ(root->GetValue("no\\such", &out), 0);
+    EXPECT_EQ(ValueText(out), "10:kept");
+}
+
+TEST_F(MemParamTest, AllVariantTypesAreHeld) {
+    char bytes[] = {1, 2, 3};
+    CQXVariant blob(tagQXBLOB{3, bytes}), object(static_cast<IQXUnknown*>(root.get())), out;
+    ParamPtr other(new_MemParam());
+    EXPECT_EQ(other->SetValue("blob", &blob), 1);
+    EXPECT_EQ(other->SetValue("object", &object), 1);
+    EXPECT_EQ(CountOf(root.get()), 3u);
+    ASSERT_EQ(other->GetValue("blob", &out), 1);
+    EXPECT_TRUE(out == blob);
+    other.reset();
+    EXPECT_EQ(CountOf(root.get()), 2u);
+}
+
+TEST_F(MemParamTest, SetValueWithAPathStoresInTheChildAndUnderTheWholeNameHere) {
+    SetInt(root.get(), "a\\b", 7);
+    EXPECT_EQ(NamesText(root->EnumValues()), "a\\b");
+    EXPECT_EQ(GetInt(Open("a").get(), "b"), 7);
+    EXPECT_EQ(GetInt(root.get(), "a\\b"), 7);
+    SetInt(Open("a").get(), "b", 8);
+    EXPECT_EQ(GetInt(root.get(), "a\\b"), 8);  // the copy under the whole name is never read
+}
+
+TEST_F(MemParamTest, DeleteValueOfAPathDeletesOnlyTheLiteralKey) {
+    SetInt(root.get(), "a\\b", 7);
+    EXPECT_EQ(root->DeleteValue("a\\b"), 1);
+    EXPECT_EQ(NamesText(root->EnumValues()), "");
+    EXPECT_EQ(GetInt(Open("a").get(), "b"), 7);
+}
+
+TEST_F(MemParamTest, GetValueSplitsAtTheLastDelimiter) {
+    SetInt(Create("a\\b").get(), "c", 3);
+    EXPECT_EQ(GetInt(root.get(), "a\\b\\c"), 3);
+    EXPECT_EQ(GetInt(root.get(), "A\\B\\C"), 3);
+}
+
+TEST_F(MemParamTest, AValuePathThatEndsWithADelimiterMeansTheDefaultValue) {
+    SetInt(root.get(), "a\\", 9);
+    EXPECT_EQ(GetInt(Open("a").get(), "@"), 9);
+    EXPECT_EQ(GetInt(root.get(), "a\\"), 9);
+}
+
+TEST_F(MemParamTest, DeletingAMissingValueIsNoError) {
+    EXPECT_EQ(root->DeleteValue("missing"), 1);
+    EXPECT_EQ(root->DeleteValue(""), 1);
+}
+
+TEST_F(MemParamTest, DeleteValueTakesANameThatAnEnumeratorDelivered) {
+    SetInt(root.get(), "a", 1);
+    SetInt(root.get(), "b", 2);
+    NamesPtr names(root->EnumValues());
+    const char* name;
+    while (names->Next(1, &name, nullptr)) root->DeleteValue(name);
+    EXPECT_EQ(TreeText(root.get()), "");
+}
+
+TEST_F(MemParamTest, CreateSubParamOnAnExistingChildGivesTheSameObjectEmptied) {
+    ParamPtr first = Create("a");
+    SetInt(first.get(), "x", 1);
+    first->CreateSubParam("deep")->Release();
+    ParamPtr second = Create("A");
+    EXPECT_EQ(second.get(), first.get());
+    EXPECT_EQ(TreeText(root.get()), "a{}");
+}
+
+TEST_F(MemParamTest, CreateSubParamMakesTheWholeChain) {
+    ParamPtr leaf = Create("a\\b\\c");
+    SetInt(leaf.get(), "v", 1);
+    EXPECT_EQ(TreeText(root.get()), "a{b{c{v=5:1}}}");
+}
+
+TEST_F(MemParamTest, CreateSubParamOfAPathClearsOnlyTheLeaf) {
+    SetInt(Create("a").get(), "kept", 1);
+    SetInt(Create("a\\b").get(), "gone", 1);
+    Create("a\\b");
+    EXPECT_EQ(TreeText(root.get()), "a{kept=5:1 b{}}");
+}
+
+TEST_F(MemParamTest, OpenSubParamThatCreatesDropsAMissingFirstLevel) {
+    ParamPtr child = Open("a\\b", 1);
+    ASSERT_TRUE(child);
+    EXPECT_EQ(TreeText(root.get()), "b{}");
+    EXPECT_EQ(Open("b").get(), child.get());
+}
+
+TEST_F(MemParamTest, OpenSubParamThatCreatesKeepsAnExistingFirstLevel) {
+    Create("a");
+    ParamPtr child = Open("a\\b", 1);
+    EXPECT_EQ(TreeText(root.get()), "a{b{}}");
+}
+
+TEST_F(MemParamTest, OpenSubParamDropsEachMissingLevelButTheLast) {
+    ParamPtr child = Open("a\\b\\c", 1);
+    EXPECT_EQ(TreeText(root.get()), "b{c{}}");  // "a" is dropped, and CreateSubParam makes the rest
+}
+
+TEST_F(MemParamTest, OpenSubParamOfAMissingChildIsNullUnlessItCreates) {
+    EXPECT_FALSE(Open("a"));
+    EXPECT_FALSE(Open("a\\b"));
+    EXPECT_TRUE(Open("a", 1));
+    EXPECT_FALSE(Open("a\\b"));
+    EXPECT_EQ(TreeText(root.get()), "a{}");
+}
+
+TEST_F(MemParamTest, OpenSubParamGivesAReferenceAndDoesNotClear) {
+    ParamPtr child = Create("a");
+    SetInt(child.get(), "x", 1);
+    EXPECT_EQ(CountOf(child.get()), 2u);
+    ParamPtr again = Open("a", 1);
+    EXPECT_EQ(CountOf(child.get()), 3u);
+    EXPECT_EQ(TreeText(root.get()), "a{x=5:1}");
+}
+
+TEST_F(MemParamTest, DeleteSubParamEmptiesAndRemovesTheChild) {
+    ParamPtr held = Create("a");
+    SetInt(held.get(), "x", 1);
+    root->DeleteSubParam("A");
+    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(held.get()), "");
+    EXPECT_EQ(CountOf(held.get()), 1u);
+    root->DeleteSubParam("missing");
+}
+
+TEST_F(MemParamTest, DeleteSubParamOfAPathEmptiesTheLeafAndLeavesItInPlace) {
+    SetInt(Create("a\\b").get(), "x", 1);
+    root->DeleteSubParam("a\\b");
+    EXPECT_EQ(TreeText(root.get()), "a{b{}}");
+}
+
+TEST_F(MemParamTest, DeleteAllSubParamsLeavesTheValuesAndTheNodeUsable) {
+    for (const char* name : {"a", "b", "c"}) Create(name);
+    SetInt(root.get(), "x", 1);
+    root->DeleteAllSubParams();
+    EXPECT_EQ(TreeText(root.get()), "x=5:1");
+    Create("again");
+    EXPECT_EQ(TreeText(root.get()), "x=5:1 again{}");
+}
+
+TEST_F(MemParamTest, DeleteAllValuesLeavesTheChildren) {
+    for (const char* name : {"a", "b", "c"}) SetInt(root.get(), name, 1);
+    Create("child");
+    root->DeleteAllValues();
+    EXPECT_EQ(TreeText(root.get()), "child{}");
+    SetInt(root.get(), "again", 2);
+    EXPECT_EQ(TreeText(root.get()), "again=5:2 child{}");
+}
+
+TEST_F(MemParamTest, ClearEmptiesAndTheNodeStaysUsable) {
+    SetInt(root.get(), "x", 1);
+    Create("a\\b");
+    root->Clear();
+    EXPECT_EQ(TreeText(root.get()), "");
+    SetInt(root.get(), "y", 2);
+    Create("c");
+    EXPECT_EQ(TreeText(root.get()), "y=5:2 c{}");
+}
+
+TEST_F(MemParamTest, AChildThatACallerHoldsSurvivesTheParentsClearDetached) {
+    ParamPtr child = Create("a");
+    SetInt(child.get(), "x", 1);
+    root->Clear();
+    EXPECT_EQ(TreeText(child.get()), "x=5:1");
+    SetInt(child.get(), "y", 2);
+    EXPECT_EQ(TreeText(child.get()), "x=5:1 y=5:2");
+    EXPECT_EQ(TreeText(root.get()), "");
+}
+
+TEST_F(MemParamTest, AChildSurvivesItsParent) {
+    ParamPtr child = Create("a");
+    root.reset();
+    SetInt(child.get(), "x", 1);
+    EXPECT_EQ(TreeText(child.get()), "x=5:1");
+}
+
+TEST_F(MemParamTest, AnEnumeratorWalksTheLiveList) {
+    SetInt(root.get(), "a", 1);
+    NamesPtr names(root->EnumValues());
+    SetInt(root.get(), "b", 2);
+    const char* delivered[4];
+    unsigned fetched = 0;
+    EXPECT_EQ(names->Next(4, delivered, &fetched), 1);
+    ASSERT_EQ(fetched, 2u);
+    EXPECT_STREQ(delivered[1], "b");
+    EXPECT_EQ(names->Next(1, delivered, &fetched), 0);
+    names->Reset();
+    EXPECT_EQ(names->Next(1, delivered, &fetched), 1);
+    EXPECT_STREQ(delivered[0], "a");
+}
+
+TEST_F(MemParamTest, AnEnumeratorThatOutlivesItsNodeIsAtItsEnd) {
+    SetInt(root.get(), "a", 1);
+    SetInt(root.get(), "b", 1);
+    NamesPtr names(root->EnumValues());
+    const char* name;
+    EXPECT_EQ(names->Next(1, &name, nullptr), 1);
+    root.reset();
+    EXPECT_EQ(names->Next(1, &name, nullptr), 0);
+    names->Reset();
+    EXPECT_EQ(names->Next(1, &name, nullptr), 0);
+}
+
+TEST_F(MemParamTest, AnEnumeratorHeldOverClearIsAtItsEnd) {
+    SetInt(root.get(), "a", 1);
+    SetInt(root.get(), "b", 1);
+    NamesPtr names(root->EnumValues());
+    const char* name;
+    EXPECT_EQ(names->Next(1, &name, nullptr), 1);
+    root->Clear();
+    SetInt(root.get(), "c", 1);
+    EXPECT_EQ(names->Next(1, &name, nullptr), 0);
+    EXPECT_EQ(NamesText(root->EnumValues()), "c");
+}
+
+TEST_F(MemParamTest, TwoNamesWithOneHashAreOneItem) {
+    SetInt(root.get(), "Boskui", 1);
+    SetInt(root.get(), "cKYGVI", 2);
+    EXPECT_EQ(GetInt(root.get(), "Boskui"), 2);
+    EXPECT_EQ(NamesText(root->EnumValues()), "Boskui");
+}
+
+TEST_F(MemParamTest, QueryInterfaceAnswersWhatIsAttachedAndNothingElse) {
+    IQXUnknown* out = root.get();
+    EXPECT_EQ(root->QueryInterface(qx_typeid<IParam>(), &out), 0);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(root->QueryInterface(qx_typeid<IQXUnknown>(), &out), 0);
+    EXPECT_EQ(root->QueryInterface(qx_typeid<IParam>(), nullptr), 0);
+    ASSERT_EQ(root->QueryInterface(qx_typeid<IRegisterIface>(), &out), 1);
+    auto table = static_cast<IRegisterIface*>(out);
+    EXPECT_EQ(CountOf(root.get()), 2u);
+    EXPECT_EQ(table->RegisterInterface(root.get(), qx_typeid<IParam>(), 0), 1);
+    EXPECT_EQ(root->QueryInterface(qx_typeid<IParam>(), &out), 1);
+    EXPECT_EQ(out, root.get());
+    out->Release();
+    table->Release();
+    EXPECT_EQ(CountOf(root.get()), 1u);
+}
+
+TEST_F(MemParamTest, ADoubleByteNameWhoseSecondByteIsABackslashIsNoPath) {
+    int before = _getmbcp();
+    _setmbcp(932);
+    SetInt(root.get(), "\x83\x5C", 5);
+    EXPECT_EQ(NamesText(root->EnumValues()), "\x83\x5C");
+    EXPECT_EQ(GetInt(root.get(), "\x83\x5C"), 5);
+    Create("\x83\x5C\\x");
+    EXPECT_EQ(NamesText(root->EnumSubParams()), "\x83\x5C");
+    _setmbcp(before);
+}
+
+TEST_F(MemParamTest, TheSlotsOfANodeStandInTheirOrder) {
+    auto slots = *reinterpret_cast<void***>(root.get());
+    using Make = IParam* (*)(IParam*, const char*);
+    using Open = IParam* (*)(IParam*, const char*, int);
+    using ByName = void (*)(IParam*, const char*);
+    using Plain = void (*)(IParam*);
+    using Names = CTEnum<const char*>* (*)(IParam*);
+    using Get = int (*)(IParam*, const char*, tagQXVARIANT*);
+    using Set = int (*)(IParam*, const char*, const tagQXVARIANT*);
+    IParam* node = root.get();
+    ParamPtr(reinterpret_cast<Make>(slots[3])(node, "a"));
+    ParamPtr(reinterpret_cast<Open>(slots[4])(node, "b", 1));
+    EXPECT_EQ(NamesText(reinterpret_cast<Names>(slots[7])(node)), "a,b");
+    reinterpret_cast<ByName>(slots[5])(node, "a");
+    EXPECT_EQ(NamesText(node->EnumSubParams()), "b");
+    reinterpret_cast<Plain>(slots[6])(node);
+    EXPECT_EQ(NamesText(node->EnumSubParams()), "");
+    CQXVariant value(5), out;
+    EXPECT_EQ(reinterpret_cast<Set>(slots[9])(node, "v", &value), 1);
+    EXPECT_EQ(reinterpret_cast<Get>(slots[8])(node, "v", &out), 1);
+    EXPECT_EQ(NamesText(reinterpret_cast<Names>(slots[12])(node)), "v");
+    reinterpret_cast<ByName>(slots[10])(node, "v");
+    EXPECT_EQ(GetInt(node, "v"), -1);
+    SetInt(node, "w", 1);
+    reinterpret_cast<Plain>(slots[11])(node);
+    EXPECT_EQ(GetInt(node, "w"), -1);
+    SetInt(node, "w", 1);
+    reinterpret_cast<Plain>(slots[13])(node);
+    EXPECT_EQ(TreeText(node), "");
+}
