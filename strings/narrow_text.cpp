@@ -48,7 +48,7 @@ bool IsPlain(const char* s, size_t size) {
 }
 
 bool IsPlain(const char* s) {
-    return IsPlain(s, ScanLength(s));
+    return ScanText(s).isAscii || !HasLeadBytes();
 }
 
 // The units of the character at p: 0 at the end, and at a lead byte right before it.
@@ -56,6 +56,12 @@ size_t UnitsAt(const char* p) {
     if (!*p) return 0;
     if (!IsLead(*p)) return 1;
     return p[1] ? 2 : 0;
+}
+
+// The first character that starts at `place` or behind it; the end if the text has none.
+const char* CharacterFrom(const char* s, const char* place) {
+    for (size_t n; s < place && (n = UnitsAt(s)) != 0;) s += n;
+    return s;
 }
 
 bool SetHas(const char* set, const char* p, size_t units) {
@@ -107,6 +113,11 @@ void ChangeWhole(char* s, Change change) {
 
 }  // namespace
 
+size_t NarrowText::Characters(const char* s) {
+    ScannedText text = ScanText(s);
+    return text.isAscii ? text.length : Count(s, text.length);
+}
+
 size_t NarrowText::Count(const char* s, size_t size) {
     if (IsPlain(s, size)) return size;
     size_t count = 0;
@@ -148,14 +159,13 @@ void NarrowText::SpellInMemoryOrder(wchar_t ch, char (&text)[kCharUnits + 1]) {
 
 const char* NarrowText::Find(const char* s, const char* what) {
     if (!*what) return s;
-    bool plain = IsPlain(s);
     for (;;) {
         const char* found = ScanForText(s, what);
-        if (!found || plain) return found;
-        size_t n;
-        while ((n = UnitsAt(s)) != 0 && s < found) s += n;
-        if (n == 0) return nullptr;
+        if (!found) return nullptr;
+        s = IsPlain(s, found - s) ? found : CharacterFrom(s, found);
+        if (s >= found && IsLead(*s) && !s[1]) return nullptr;
         if (s == found) return found;
+        if (s < found) return nullptr;
     }
 }
 
@@ -197,7 +207,10 @@ size_t NarrowText::TrimmedSize(const char* s) {
     return *p ? size : kept - s;
 }
 
+// Texts are compared here as far as both are ASCII or the same; the rest is the runtime's.
 int NarrowText::Compare(const char* a, const char* b) {
+    while (*a == *b && *a > 0) ++a, ++b;
+    if (*a >= 0 && *b >= 0) return (*a > *b) - (*a < *b);
     return _mbscmp(WholeText(a), WholeText(b));
 }
 

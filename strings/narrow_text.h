@@ -17,6 +17,7 @@ struct NarrowText {
     static constexpr int kCharUnits = 2;
 
     static size_t Length(const char* s) { return ScanLength(s); }
+    static size_t Characters(const char* s);
     // The characters in the first `size` units.
     static size_t Count(const char* s, size_t size);
     // n characters on, or the end. A lead byte without its trail byte is no character: the walk ends there.

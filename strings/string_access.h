@@ -8,7 +8,7 @@
 
 template <class S, class Ch>
 int CTString<S, Ch>::GetLength() const {
-    return static_cast<int>(TextOf<Ch>::Count(data, TextOf<Ch>::Length(data)));
+    return static_cast<int>(TextOf<Ch>::Characters(data));
 }
 
 template <class S, class Ch>
@@ -85,29 +85,40 @@ int CTString<S, Ch>::IndexOf(const Ch* found) const {
     return found ? static_cast<int>(TextOf<Ch>::Count(data, found - data)) : -1;
 }
 
+// Where a search begins; null in an empty string and beyond the end.
+template <class S, class Ch>
+const Ch* CTString<S, Ch>::SearchFrom(int start) const {
+    if (!*data) return nullptr;
+    if (start <= 0) return data;
+    const Ch* from = GetData(start);
+    return *from || IndexOf(from) == start ? from : nullptr;
+}
+
 template <class S, class Ch>
 int CTString<S, Ch>::Find(const Ch* s, int start) const {
-    if (!*data || !s || start > GetLength()) return -1;
-    return IndexOf(TextOf<Ch>::Find(GetData(start < 0 ? 0 : start), s));
+    const Ch* from = SearchFrom(start);
+    return from && s ? IndexOf(TextOf<Ch>::Find(from, s)) : -1;
 }
 
 // The character 0 is the terminator, which is found at the end.
 template <class S, class Ch>
 int CTString<S, Ch>::Find(wchar_t ch, int start) const {
-    if (!*data || start > GetLength()) return -1;
-    return ch ? Find(Spelled<Ch>(ch).text, start) : GetLength();
+    CharText<Ch> spelled = Spelled<Ch>(ch);
+    if (*spelled.text) return Find(spelled.text, start);
+    return SearchFrom(start) ? GetLength() : -1;
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindOnOf(const Ch* set, int start) const {
-    if (!*data || !set || start > GetLength()) return -1;
-    return IndexOf(TextOf<Ch>::FindAny(GetData(start < 0 ? 0 : start), set));
+    const Ch* from = SearchFrom(start);
+    return from && set ? IndexOf(TextOf<Ch>::FindAny(from, set)) : -1;
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindRev(wchar_t ch) const {
     if (!*data) return -1;
-    return ch ? FindRevOnOf(Spelled<Ch>(ch).text) : GetLength();
+    CharText<Ch> spelled = Spelled<Ch>(ch);
+    return *spelled.text ? FindRevOnOf(spelled.text) : GetLength();
 }
 
 template <class S, class Ch>

@@ -15,46 +15,80 @@ public:
 
     explicit UnitBlock(const Ch* aligned) : units(_mm_load_si128(reinterpret_cast<const __m128i*>(aligned))) {}
 
-    // One bit for each byte of the units that equal c.
+    // One bit for each byte of the block: of the units that equal c; of the bytes above 0x7F.
     unsigned Equal(Ch c) const {
         __m128i all = sizeof(Ch) == 1 ? _mm_set1_epi8(static_cast<char>(c)) : _mm_set1_epi16(static_cast<short>(c));
         __m128i equal = sizeof(Ch) == 1 ? _mm_cmpeq_epi8(units, all) : _mm_cmpeq_epi16(units, all);
         return static_cast<unsigned>(_mm_movemask_epi8(equal));
     }
 
+    unsigned HighBytes() const { return static_cast<unsigned>(_mm_movemask_epi8(units)); }
+
 private:
     __m128i units;
 };
 
-// The first unit that is c or the terminator. REQUIRES: s is aligned for its unit.
+// Steps through the blocks that a text lies in. REQUIRES: s is aligned for its unit.
 template <class Ch>
-const Ch* ScanFor(const Ch* s, Ch c) {
-    constexpr uintptr_t kMask = 15;
-    auto address = reinterpret_cast<uintptr_t>(s);
-    auto block = reinterpret_cast<const Ch*>(address & ~kMask);
-    unsigned before = ~0u << (address & kMask);
-    for (;; block += UnitBlock<Ch>::kUnits, before = ~0u) {
-        UnitBlock<Ch> units(block);
-        if (unsigned hits = (units.Equal(0) | units.Equal(c)) & before) {
-            return block + std::countr_zero(hits) / sizeof(Ch);
-        }
+class BlockWalk {
+public:
+    explicit BlockWalk(const Ch* s)
+        : block(reinterpret_cast<const Ch*>(reinterpret_cast<uintptr_t>(s) & ~kMask)),
+          mask(~0u << (reinterpret_cast<uintptr_t>(s) & kMask)) {}
+
+    UnitBlock<Ch> Block() const { return UnitBlock<Ch>(block); }
+    // Leaves out what lies before the text.
+    unsigned Within(unsigned bits) const { return bits & mask; }
+    // The unit of the lowest bit.
+    const Ch* At(unsigned bits) const { return block + std::countr_zero(bits) / sizeof(Ch); }
+    void Next() {
+        block += UnitBlock<Ch>::kUnits;
+        mask = ~0u;
     }
-}
+
+private:
+    static constexpr uintptr_t kMask = 15;
+    const Ch* block;
+    unsigned mask;
+};
 
 template <class Ch>
 size_t ScanLength(const Ch* s) {
-    return ScanFor(s, Ch(0)) - s;
+    for (BlockWalk<Ch> walk(s);; walk.Next()) {
+        if (unsigned ends = walk.Within(walk.Block().Equal(0))) return walk.At(ends) - s;
+    }
+}
+
+// The length, and whether all bytes are ASCII.
+struct ScannedText {
+    size_t length;
+    bool isAscii;
+};
+inline ScannedText ScanText(const char* s) {
+    unsigned high = 0;
+    for (BlockWalk<char> walk(s);; walk.Next()) {
+        UnitBlock<char> block = walk.Block();
+        unsigned ends = walk.Within(block.Equal(0));
+        unsigned beforeEnd = (ends & (0 - ends)) - 1;  // all bits when the text goes on
+        high |= walk.Within(block.HighBytes()) & beforeEnd;
+        if (ends) return {static_cast<size_t>(walk.At(ends) - s), high == 0};
+    }
 }
 
 // The first place where `what` stands, or null. REQUIRES: `what` is not empty.
 template <class Ch>
 const Ch* ScanForText(const Ch* s, const Ch* what) {
-    for (;; ++s) {
-        s = ScanFor(s, *what);
-        if (!*s) return nullptr;
-        size_t n = 1;
-        while (what[n] && s[n] == what[n]) ++n;
-        if (!what[n]) return s;
+    for (BlockWalk<Ch> walk(s);; walk.Next()) {
+        UnitBlock<Ch> block = walk.Block();
+        unsigned ends = walk.Within(block.Equal(0));
+        unsigned starts = walk.Within(block.Equal(*what)) & ((ends & (0 - ends)) - 1);
+        for (; starts; starts &= starts - 1) {
+            const Ch* start = walk.At(starts);
+            size_t n = 1;
+            while (what[n] && start[n] == what[n]) ++n;
+            if (!what[n]) return start;
+        }
+        if (ends) return nullptr;
     }
 }
 

@@ -15,6 +15,7 @@ struct WideText {
     static constexpr int kCharUnits = 1;
 
     static size_t Length(const wchar_t* s) { return ScanLength(s); }
+    static size_t Characters(const wchar_t* s) { return Length(s); }
     static size_t Count(const wchar_t*, size_t size) { return size; }
     static const wchar_t* Skip(const wchar_t* s, size_t n) { return s + wcsnlen(s, n); }
     static size_t Fit(const wchar_t*, size_t size) { return size; }

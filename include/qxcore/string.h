@@ -204,6 +204,7 @@ private:
     static S Join(const Ch* a, size_t aSize, const Ch* b, size_t bSize);
     static Ch* NewText(size_t n);
     const Ch* Aside(const Ch* s, size_t n, S& store) const;
+    const Ch* SearchFrom(int start) const;
     int IndexOf(const Ch* found) const;
     void ReplaceUnits(size_t from, size_t to, const Ch* s, size_t n);
     void FormatLarge(int size, const Ch* format, char* args);
