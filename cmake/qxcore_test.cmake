@@ -6,9 +6,9 @@ add_subdirectory(${QXCORE_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EX
 target_link_libraries(gtest PRIVATE $<BUILD_INTERFACE:qxcore_test_code>)
 
 # qxcore_add_test(NAME SOURCE...): a test program over the library's headers, registered with CTest as one test.
-# Its tests must not need an order. Options behind LINK are further libraries.
+# Its tests must not need an order. Behind LINK stand further libraries, behind CODEPAGE the narrow code page of the run.
 function(qxcore_add_test name)
-  cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+  cmake_parse_arguments(arg "" "CODEPAGE" "LINK" ${ARGN})
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
@@ -17,6 +17,9 @@ function(qxcore_add_test name)
   add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1
     --gtest_output=xml:${PROJECT_BINARY_DIR}/reports/${name}.xml)
   set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+  if(arg_CODEPAGE)
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT QXCORE_CODEPAGE=${arg_CODEPAGE})
+  endif()
 endfunction()
 
 # qxcore_add_module(NAME SOURCE...): a DLL that tests load beside their program.

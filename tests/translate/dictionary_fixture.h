@@ -2,6 +2,8 @@
 #ifndef QXCORE_TESTS_TRANSLATE_DICTIONARY_FIXTURE_H
 #define QXCORE_TESTS_TRANSLATE_DICTIONARY_FIXTURE_H
 
+#include "translate/scratch_directory.h"
+
 #include <gtest/gtest.h>
 #include <qxcore/dictionary.h>
 
@@ -34,6 +36,21 @@ protected:
 // A text that may be null, for comparisons.
 inline std::string Shown(const char* text) {
     return text ? text : "(null)";
+}
+
+// The translation of a text in a dictionary file of these bytes.
+inline std::string TranslationIn(const std::string& bytes, const char* source) {
+    ScratchDirectory directory;
+    CWld dictionary;
+    EXPECT_EQ(1, dictionary.Init(directory.Write("a.wld", bytes).c_str()));
+    return Shown(dictionary.Translate(source, 1));
+}
+
+inline int ScreenDotsPerInch() {
+    HDC screen = GetDC(nullptr);
+    int dots = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    return dots;
 }
 
 #endif

@@ -2,42 +2,32 @@
 #ifndef QXCORE_TESTS_TRANSLATE_MODULE_COPY_H
 #define QXCORE_TESTS_TRANSLATE_MODULE_COPY_H
 
-#include <qxcore/platform.h>
+#include "translate/scratch_directory.h"
 
-#include <cstdio>
-#include <stdexcept>
-#include <string>
-
-// Copies it into a directory of its own, loads it, and leaves nothing behind.
+// A copy in a directory of its own, loaded as long as the object lives.
 class ModuleCopy {
 public:
     explicit ModuleCopy(const char* name) {
-        char temp[MAX_PATH], path[MAX_PATH];
-        GetTempPathA(MAX_PATH, temp);
-        GetTempFileNameA(temp, "qxm", 0, path);
-        DeleteFileA(path);
-        m_directory = path;
-        CreateDirectoryA(path, nullptr);
-        m_path = m_directory + "\\" + name;
-        GetModuleFileNameA(nullptr, path, MAX_PATH);
-        std::string source = path;
-        source.replace(source.rfind('\\') + 1, std::string::npos, "test_named_module.dll");
-        if (!CopyFileA(source.c_str(), m_path.c_str(), TRUE)) throw std::runtime_error("cannot copy " + source);
-        m_module = LoadLibraryA(m_path.c_str());
-        if (!m_module) throw std::runtime_error("cannot load " + m_path);
+        std::string path = m_directory.PathOf(name);
+        if (!CopyFileA(SourcePath().c_str(), path.c_str(), TRUE)) throw std::runtime_error("cannot copy to " + path);
+        m_module = LoadLibraryA(path.c_str());
+        if (!m_module) throw std::runtime_error("cannot load " + path);
     }
     ModuleCopy(const ModuleCopy&) = delete;
     ModuleCopy& operator=(const ModuleCopy&) = delete;
-    ~ModuleCopy() {
-        FreeLibrary(m_module);
-        DeleteFileA(m_path.c_str());
-        RemoveDirectoryA(m_directory.c_str());
-    }
+    ~ModuleCopy() { FreeLibrary(m_module); }
 
     HMODULE Handle() const { return m_module; }
 
 private:
-    std::string m_directory, m_path;
+    static std::string SourcePath() {
+        char program[MAX_PATH];
+        GetModuleFileNameA(nullptr, program, MAX_PATH);
+        std::string path = program;
+        return path.replace(path.rfind('\\') + 1, std::string::npos, "test_named_module.dll");
+    }
+
+    ScratchDirectory m_directory;
     HMODULE m_module;
 };
 

@@ -1,0 +1,55 @@
+// Between the process's narrow code page and wide text: the border that wide callers cross to the dictionary.
+#ifndef QXCORE_TRANSLATE_CODE_PAGE_H
+#define QXCORE_TRANSLATE_CODE_PAGE_H
+
+#include <qxcore/platform.h>
+
+#include <cstddef>
+#include <cstring>
+
+// How many bytes of a text, up to the limit, are whole characters.
+inline size_t WholeBytes(const char* text, size_t limit) {
+    size_t length = 0;
+    while (length < limit && text[length]) {
+        size_t next = length + (IsDBCSLeadByte(static_cast<BYTE>(text[length])) && text[length + 1] ? 2 : 1);
+        if (next > limit) break;
+        length = next;
+    }
+    return length;
+}
+
+// Copies as much of a text as fits with its terminator, in whole characters. Answers the length.
+inline size_t CopyWhole(char* out, size_t size, const char* text) {
+    size_t length = WholeBytes(text, size - 1);
+    memmove(out, text, length);
+    out[length] = 0;
+    return length;
+}
+
+// The widening of `length` bytes; room for as many characters is enough. Answers the characters.
+inline int Widen(const char* text, int length, wchar_t* out, int room, DWORD flags) {
+    // The code pages up to 127 agree with wide text; only other bytes are worth the system's tables.
+    int ascii = 0;
+    while (ascii < length && static_cast<signed char>(text[ascii]) >= 0) ++ascii;
+    if (ascii == length && length <= room) {
+        for (int i = 0; i < length; ++i) out[i] = static_cast<wchar_t>(text[i]);
+        return length;
+    }
+    return MultiByteToWideChar(CP_ACP, GetACP() == CP_UTF8 ? 0 : flags, text, length, out, room);
+}
+
+// The narrowing of `length` characters into `room` bytes; what does not fit is cut at a whole character. Answers the
+// bytes; there is no terminator.
+inline int Narrow(const wchar_t* text, int length, char* out, int room, DWORD flags) {
+    if (GetACP() == CP_UTF8) flags = 0;
+    int fits = 0;  // characters that surely fit
+    for (int fails = length + 1; fits + 1 < fails;) {
+        int middle = fails == length + 1 ? length : fits + (fails - fits) / 2;
+        int bytes = WideCharToMultiByte(CP_ACP, flags, text, middle, nullptr, 0, nullptr, nullptr);
+        (bytes <= room ? fits : fails) = middle;
+    }
+    if (fits > 0 && fits < length && IS_SURROGATE_PAIR(text[fits - 1], text[fits])) --fits;
+    return fits ? WideCharToMultiByte(CP_ACP, flags, text, fits, out, room, nullptr, nullptr) : 0;
+}
+
+#endif
