@@ -11,6 +11,12 @@
 #include <climits>
 #include <new>
 
+// The capacity for n units behind the first `size` ones and a terminator.
+inline size_t RoomFor(size_t size, size_t n) {
+    if (n > INT_MAX) throw CXMemException();
+    return size + n + 1;
+}
+
 // The global new gives zero-filled memory. Even a text without capacity has a terminator.
 template <class S, class Ch>
 Ch* CTString<S, Ch>::NewText(size_t n) {
@@ -49,7 +55,7 @@ template <class S, class Ch>
 void CTString<S, Ch>::AssignCopy(const Ch* s, size_t n) {
     if (s == data) return;
     if (!s) n = 0;
-    Ch* text = NewText(n + 1);
+    Ch* text = NewText(RoomFor(0, n));
     memcpy(text, TextOrEmpty(s), n * sizeof(Ch));
     Release();  // not before: s may lie in the old text
     data = text;
@@ -66,24 +72,24 @@ const Ch* CTString<S, Ch>::Aside(const Ch* s, size_t n, S& store) const {
 
 template <class S, class Ch>
 void CTString<S, Ch>::ConcatCopy(const Ch* s, size_t n) {
-    S store;
-    s = Aside(s, n, store);
-    size_t size = GetSize();
-    ReallocBuffer(size + n + 1);
-    memcpy(data + size, s, n * sizeof(Ch));
-    data[size + n] = 0;
-    Header()->size = static_cast<int>(size + n + 1);
+    EndWith(GetSize(), s, n);
 }
 
 template <class S, class Ch>
 void CTString<S, Ch>::ConcatCopyTo(size_t at, const Ch* s, size_t n) {
-    if (at >= static_cast<size_t>(GetSize())) return ConcatCopy(s, n);
+    EndWith(std::min<size_t>(at, GetSize()), s, n);
+}
+
+// Puts n units behind the first `at` ones, which the text has, and ends it there.
+template <class S, class Ch>
+void CTString<S, Ch>::EndWith(size_t at, const Ch* s, size_t n) {
+    size_t room = RoomFor(at, n);
     S store;
     s = Aside(s, n, store);
-    ReallocBuffer(at + n + 1);
+    ReallocBuffer(room);
     memcpy(data + at, s, n * sizeof(Ch));
     data[at + n] = 0;
-    Header()->size = static_cast<int>(at + n + 1);
+    Header()->size = static_cast<int>(room);
 }
 
 template <class S, class Ch>

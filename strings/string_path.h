@@ -98,8 +98,6 @@ void CTString<S, Ch>::ChangeFileExt(const Ch* ext) {
     ConcatCopyTo(old ? old - data : GetSize(), ext, n);
 }
 
-namespace path_reduction {
-
 // The first backslash of a rooted path: after the drive, or after the name of a network server. -1 for other paths.
 template <class S>
 int RootEnd(const S& path) {
@@ -108,15 +106,13 @@ int RootEnd(const S& path) {
     return -1;
 }
 
-}  // namespace path_reduction
-
 template <class S, class Ch>
 int CTString<S, Ch>::ReducePathString(int maxLen) {
     constexpr Ch kEllipsis[] = {'.', '.', '.', '\\', 0};
     constexpr int kEllipsisLength = 4;
     int length = GetLength();
     if (maxLen >= length) return 1;
-    int start = path_reduction::RootEnd(Self());
+    int start = RootEnd(Self());
     if (start < 0) return 0;
     int last = FindRev(L'\\');
     if (last <= start) return 1;

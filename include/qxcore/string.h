@@ -203,6 +203,7 @@ private:
     QXCORE_API static S Concat(wchar_t a, const Ch* b);
     static S Join(const Ch* a, size_t aSize, const Ch* b, size_t bSize);
     static Ch* NewText(size_t n);
+    void EndWith(size_t at, const Ch* s, size_t n);
     const Ch* Aside(const Ch* s, size_t n, S& store) const;
     const Ch* SearchFrom(int start) const;
     int IndexOf(const Ch* found) const;

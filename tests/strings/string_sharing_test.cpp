@@ -217,6 +217,9 @@ TYPED_TEST(StringSharingTest, AllocBufferBeyondAnIntThrowsAndLeavesAValidString)
     EXPECT_THROW(a.AllocBuffer(size_t(1) << 31), CXMemException);
     EXPECT_EQ(Ascii(a), "");
     EXPECT_THROW(a.ReallocBuffer(size_t(-1)), CXMemException);
+    EXPECT_THROW(a.AssignCopy(this->T("x"), size_t(-1)), CXMemException);
+    EXPECT_THROW(a.ConcatCopy(this->T("x"), size_t(-1)), CXMemException);
+    EXPECT_THROW(a.ConcatCopyTo(0, this->T("x"), size_t(-1)), CXMemException);
     EXPECT_EQ(Ascii(a), "");
 }
 
@@ -349,6 +352,7 @@ TYPED_TEST(StringSharingTest, ConcatenationBuildsFreshResultsInFiveForms) {
     EXPECT_EQ(Ascii(a + text.c_str()), "abxy");
     EXPECT_EQ(Ascii(text.c_str() + a), "xyab");
     EXPECT_EQ(Ascii(a + L'z'), "abz");
+    EXPECT_EQ(Ascii(a + 'z'), "abz");
     EXPECT_EQ(Ascii(L'z' + a), "zab");
     EXPECT_EQ(Ascii(a), "ab");
 }
