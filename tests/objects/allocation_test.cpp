@@ -1,0 +1,129 @@
+// Every allocation of the registry's, the frames' and the container's operations fails once.
+#include "objects/held.h"
+#include "support/allocation_failure.h"
+
+#include <gtest/gtest.h>
+#include <qxcore/enum.h>
+#include <qxcore/persist.h>
+#include <qxcore/registry.h>
+#include <qxcore/services.h>
+#include <qxcore/stream.h>
+
+#include <memory>
+
+QX_CREATOR(AllocationOwn) {
+    (void)outer, (void)id, (void)out;
+    return 0;
+}
+
+namespace {
+
+constexpr char kClass[] = "CLSID_OFSERVICECONTAINER";
+
+struct Releaser {
+    void operator()(IQXUnknown* object) const { object->Release(); }
+};
+using ContainerPtr = std::unique_ptr<IQXServiceContainer, Releaser>;
+
+ContainerPtr NewContainer() {
+    IQXUnknown* object;
+    CreateObject(kClass, nullptr, qx_typeid<IQXServiceContainer>(), &object);
+    return ContainerPtr(static_cast<IQXServiceContainer*>(object));
+}
+
+// A container whose table exists.
+ContainerPtr UsedContainer() {
+    ContainerPtr container = NewContainer();
+    container->AddService("first", nullptr);
+    return container;
+}
+
+class CPlain : public CQXUnknownImpl<IQXUnknown> {};
+
+}  // namespace
+
+TEST(ObjectAllocationTest, AFailedRegistrationRegistersNothing) {
+    auto none = [] { return 0; };
+    auto check = [](int) { EXPECT_EQ(IsRegisterObject("AllocationOwn"), 0); };
+    HINSTANCE program = GetModuleHandleA(nullptr);
+    auto byHandle = [&](int) {
+        RegisterObject("AllocationOwn", program);
+        UnregisterObject("AllocationOwn");
+    };
+    auto byPath = [](int) {
+        RegisterObject("AllocationOwn", "objects_ticket_module.dll");
+        UnregisterObject("AllocationOwn");
+    };
+    EXPECT_GE(FailEachAllocation(none, byHandle, check), 3u);  // the entry, the node, the key
+    EXPECT_GE(FailEachAllocation(none, byPath, check), 5u);    // and the path and the entry's name
+}
+
+TEST(ObjectAllocationTest, AFailedTextOfASystemErrorIsAnAllocationFailure) {
+    auto none = [] { return 0; };
+    auto check = [](int) { EXPECT_EQ(IsRegisterObject("AllocationOwn"), 0); };
+    EXPECT_GE(FailEachAllocation(
+                  none, [](int) { RegisterObject("AllocationOwn", "no such file.dll"); }, check),
+              1u);
+}
+
+TEST(ObjectAllocationTest, AFailedContainerIsNotMade) {
+    IQXUnknown* object = nullptr;
+    auto act = [&](int) {
+        CreateObject(kClass, nullptr, qx_typeid<IQXServiceContainer>(), &object);
+        object->Release();
+        object = nullptr;
+    };
+    EXPECT_GE(FailEachAllocation([] { return 0; }, act, [&](int) { EXPECT_EQ(object, nullptr); }), 1u);
+}
+
+TEST(ObjectAllocationTest, AServiceThatCouldNotBeAddedIsNotThere) {
+    Held<CPlain> plain;
+    auto add = [&](ContainerPtr& container) { container->AddService("name", plain); };
+    auto check = [&](ContainerPtr& container) {
+        EXPECT_EQ(container->GetService("name", nullptr), 0);
+        EXPECT_EQ(container->AddService("name", plain), 1);
+        EXPECT_EQ(container->GetService("name", nullptr), 1);
+    };
+    EXPECT_GE(FailEachAllocation(NewContainer, add, check), 3u);  // the table, the node, the key
+    EXPECT_GE(FailEachAllocation(UsedContainer, add, check), 2u);
+    plain->AddRef();
+    EXPECT_EQ(plain->Release(), 1u);
+}
+
+TEST(ObjectAllocationTest, AnEnumeratorThatCouldNotBeMadeLeavesTheContainerUsable) {
+    auto act = [](ContainerPtr& container) {
+        CTEnum<const char*>* names;
+        container->EnumServiceNames(&names);
+        std::unique_ptr<CTEnum<const char*>, Releaser> held(names);
+        CTEnum<IQXUnknown*>* services;
+        container->EnumServices(qx_typeid<IQXUnknown>(), &services);
+        services->Release();
+    };
+    auto check = [](ContainerPtr& container) { EXPECT_EQ(container->GetService("first", nullptr), 1); };
+    EXPECT_EQ(FailEachAllocation(UsedContainer, act, check), 2u);
+}
+
+TEST(ObjectAllocationTest, AFrameThatCouldNotBeReadLeavesNoObject) {
+    using StreamPtr = std::unique_ptr<IXStream, Releaser>;
+    static const char kFrame[] = "AllocationNobody\0\x03\0\0\0abc";
+    auto make = [] {
+        StreamPtr stream(new_StreamOnMemory());
+        stream->Write(kFrame, sizeof kFrame - 1);
+        stream->Seek(0, 0);
+        return stream;
+    };
+    IQXUnknown* object = nullptr;
+    auto read = [&](StreamPtr& stream) {
+        ReadObjectFromXStream(stream.get(), &object);
+        object->Release();
+        object = nullptr;
+    };
+    auto check = [&](StreamPtr& stream) {
+        EXPECT_EQ(object, nullptr);
+        stream->Seek(0, 0);
+        EXPECT_EQ(ReadObjectFromXStream(stream.get(), &object), 1);
+        object->Release();
+        object = nullptr;
+    };
+    EXPECT_GE(FailEachAllocation(make, read, check), 3u);  // the proxy, its name, its bytes
+}
