@@ -51,7 +51,7 @@ TEST(ObjectAllocationTest, AFailedRegistrationRegistersNothing) {
         UnregisterObject("AllocationOwn");
     };
     auto byPath = [](int) {
-        RegisterObject("AllocationOwn", "objects_ticket_module.dll");
+        RegisterObject("AllocationOwn", "test_ticket_module.dll");
         UnregisterObject("AllocationOwn");
     };
     EXPECT_GE(FailEachAllocation(none, byHandle, check), 3u);  // the entry, the node, the key

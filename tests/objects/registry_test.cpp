@@ -27,7 +27,7 @@ QX_CREATOR(TestOwnOther) {
 
 namespace {
 
-constexpr char kModule[] = "objects_ticket_module.dll";
+constexpr char kModule[] = "test_ticket_module.dll";
 
 HINSTANCE OwnProgram() {
     return GetModuleHandleA(nullptr);
@@ -352,7 +352,7 @@ TEST(RegistryTest, ManyClassesLiveSideBySide) {
 TEST(RegistryTest, ObjectsOfOneModuleAreQueriedInAnother) {
     Registered first("TestTicket"), second("TestInspector");
     ASSERT_EQ(RegisterObject("TestTicket", kModule), 1);
-    ASSERT_EQ(RegisterObject("TestInspector", "objects_inspector_module.dll"), 1);
+    ASSERT_EQ(RegisterObject("TestInspector", "test_inspector_module.dll"), 1);
     IQXUnknown *ticket, *object;
     ASSERT_EQ(CreateObject("TestTicket", nullptr, qx_typeid<IQXUnknown>(), &ticket), 1);
     ASSERT_EQ(CreateObject("TestInspector", nullptr, qx_typeid<IInspector>(), &object), 1);
