@@ -47,8 +47,8 @@ CXOutFile::~CXOutFile() {
     if (m_committed) return;
     try {
         ReleaseInner();
-        if (Fio_IsFileExist(m_path)) Fio_UnlockFile(m_path);
-        Fio_DeleteFile(m_temp);
     } catch (CXException&) {
     }
+    if (Fio_IsFileExist(m_path)) Fio_UnlockFile(m_path);
+    DeleteFileA(m_temp);
 }

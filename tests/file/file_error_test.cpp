@@ -210,6 +210,17 @@ TEST_F(FileErrorTest, AnOutputFileThatCannotBeClosedWholeIsAbandonedByCommit) {
     EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
 }
 
+TEST_F(FileErrorTest, AnAbandonedFileThatCannotBeClosedWholeGoesAllTheSame) {
+    std::string path = MakeFile("f", "old");
+    OutFile file = OpenOut(path);
+    file->WriteByte(1);
+    ReplacedImport failing("SetEndOfFile", Address(&FailingCall));
+    g_error = ERROR_DISK_FULL;
+    EXPECT_EQ(FailureOf([&] { file.reset(); }), Failure{});
+    EXPECT_EQ(Names(), std::vector<std::string>{"f"});
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
+}
+
 TEST_F(FileErrorTest, FlushTellsAFailure) {
     File file = Open(Path("f"), QXFIO_OUTPUT);
     ReplacedImport failing("FlushViewOfFile", Address(&FailingCall));
