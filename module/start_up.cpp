@@ -5,6 +5,7 @@
 #include "objects/class_registry.h"
 #include "objects/service_container.h"
 #include "translate/dictionary.h"
+#include "translate/interception.h"
 #include "translate/module_name.h"
 
 #include <objbase.h>
@@ -29,12 +30,14 @@ void StartUp(HINSTANCE module) {
     CoInitialize(nullptr);
     StartDictionary();
     StartKeepingModuleNames();
+    StartInterception();
     DisableThreadLibraryCalls(module);
     CallEntryHook(module, DLL_PROCESS_ATTACH);
 }
 
 void ShutDown(HINSTANCE module) {
     CallEntryHook(module, DLL_PROCESS_DETACH);
+    StopInterception();
     StopKeepingModuleNames();
     StopDictionary();
     CoUninitialize();

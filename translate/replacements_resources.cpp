@@ -1,0 +1,52 @@
+#include "translate/interception.h"
+#include "translate/module_lists.h"
+#include "translate/replacements.h"
+#include "translate/resource_records.h"
+
+HRSRC WINAPI NewFindResourceA(HMODULE module, const char* name, const char* type) {
+    HRSRC handle = QX_REAL(FindResourceA)(module, name, type);
+    return IsTranslationActive(module) ? WrapResource(handle, module, name, type) : handle;
+}
+
+HRSRC WINAPI NewFindResourceW(HMODULE module, const wchar_t* name, const wchar_t* type) {
+    HRSRC handle = QX_REAL(FindResourceW)(module, name, type);
+    return IsTranslationActive(module) ? WrapResource(handle, module, name, type) : handle;
+}
+
+// The two Ex functions hand type and name on in exchanged places when nothing is translated, so a caller in an
+// excluded module finds a resource only by naming it the wrong way round.
+HRSRC WINAPI NewFindResourceExA(HMODULE module, const char* type, const char* name, WORD language) {
+    auto real = QX_REAL(FindResourceExA);
+    if (!IsTranslationActive(module)) return real(module, name, type, language);
+    return WrapResource(real(module, type, name, language), module, name, type);
+}
+
+HRSRC WINAPI NewFindResourceExW(HMODULE module, const wchar_t* type, const wchar_t* name, WORD language) {
+    auto real = QX_REAL(FindResourceExW);
+    if (!IsTranslationActive(module)) return real(module, name, type, language);
+    return WrapResource(real(module, type, name, language), module, name, type);
+}
+
+HGLOBAL WINAPI NewLoadResource(HMODULE module, HRSRC resource) {
+    QX_RESITEM* record = IsTranslationActive(module) ? RecordOf(resource) : nullptr;
+    return record ? LoadRecord(record) : QX_REAL(LoadResource)(module, resource);
+}
+
+// What LoadResource gave is the block already.
+void* WINAPI NewLockResource(HGLOBAL loaded) {
+    return IsTranslationActive(loaded) ? loaded : QX_REAL(LockResource)(loaded);
+}
+
+// Neither a record nor a block is freed: the system frees no resource either. A null handle faults.
+BOOL WINAPI NewFreeResource(HGLOBAL loaded) {
+    if (IsTranslationActive(loaded)) {
+        if (!loaded) return static_cast<volatile QX_RESITEM*>(loaded)->marker;
+        if (RecordOf(loaded)) return FALSE;
+    }
+    return QX_REAL(FreeResource)(loaded);
+}
+
+DWORD WINAPI NewSizeofResource(HMODULE module, HRSRC resource) {
+    QX_RESITEM* record = IsTranslationActive(module) ? RecordOf(resource) : nullptr;
+    return record ? record->size : QX_REAL(SizeofResource)(module, resource);
+}

@@ -1,0 +1,54 @@
+#include "translate/code_page.h"
+#include "translate/context_key.h"
+#include "translate/interception.h"
+#include "translate/module_lists.h"
+#include "translate/replacements.h"
+
+#include <qxcore/dictionary.h>
+#include <qxcore/translation.h>
+
+namespace {
+
+constexpr UINT kFirstIdWithoutKey = 0x10000;
+constexpr unsigned kTextSize = 1024;
+
+// Puts a translation, cut to the room there is, in place of a wide text. Answers the characters with the terminator.
+int WidenInto(const char* text, int length, wchar_t* buffer, int size) {
+    int characters = Widen(text, length, buffer, size - 1, MB_PRECOMPOSED);
+    while (!characters && length > 0) {
+        length = static_cast<int>(WholeBytes(text, static_cast<size_t>(length) - 1));
+        characters = length < size ? Widen(text, length, buffer, size - 1, MB_PRECOMPOSED) : 0;
+    }
+    buffer[characters] = 0;
+    return characters + 1;
+}
+
+}  // namespace
+
+int WINAPI NewLoadStringA(HINSTANCE module, UINT id, char* buffer, int size) {
+    auto real = QX_REAL(LoadStringA);
+    if (!IsTranslationActive(module)) return real(module, id, buffer, size);
+    int length = real(module, id, buffer, size);
+    if (length <= 0 || size <= 0) return length;
+    PlaceHash place;
+    // The sixteen strings of a block share its key.
+    if (id < kFirstIdWithoutKey) place = PlaceOfStrings(module, (id >> 4) + 1);
+    return static_cast<int>(TranslateBufferAt(buffer, static_cast<unsigned>(size), place, 0));
+}
+
+// The text crosses the code page both ways, so characters that it lacks are lost even where nothing is translated.
+// The answer counts the terminator, other than the real function's.
+int WINAPI NewLoadStringW(HINSTANCE module, UINT id, wchar_t* buffer, int size) {
+    auto real = QX_REAL(LoadStringW);
+    int characters = real(module, id, buffer, size);
+    if (!IsTranslationActive(module) || characters <= 0 || size <= 0) return characters;
+    char text[kTextSize];
+    int length = Narrow(buffer, characters, text, kTextSize - 1, WC_COMPOSITECHECK);
+    text[length] = 0;
+    length = static_cast<int>(g_Wld.Translate(text, kTextSize));
+    return WidenInto(text, length, buffer, size);
+}
+
+int _LoadStringNotTrans(HINSTANCE module, unsigned int id, char* buffer, int size) {
+    return QX_REAL(LoadStringA)(module, id, buffer, size);
+}

@@ -1,0 +1,115 @@
+#include "translate/resource_records.h"
+
+#include "translate/dialog_template.h"
+#include "translate/interception.h"
+#include "translate/resource_key.h"
+#include "translate/string_table.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint32_t kMarker = 0xFFFFFFFF;
+constexpr size_t kKeyOffset = sizeof(QX_RESITEM) - sizeof(QX_RESITEM::key);
+static_assert(sizeof(QX_RESITEM) == 200);
+
+constinit COList g_resItems;
+// No record lies outside these bounds, so most handles of others are told by two comparisons.
+constinit uintptr_t g_lowestRecord = UINTPTR_MAX;
+constinit uintptr_t g_highestRecord = 0;
+
+// Calls visit(record) from the head until it answers true; answers that record or null.
+template <class Visit>
+QX_RESITEM* FindRecord(Visit visit) {
+    QX_LISTITEM* item = g_resItems.head;
+    for (unsigned left = g_resItems.count; left > 0; --left, item = item->next) {
+        auto record = static_cast<QX_RESITEM*>(item);
+        if (visit(record)) return record;
+    }
+    return nullptr;
+}
+
+int KeyKind(uint64_t type) {
+    switch (type) {
+        case kDialogType:
+            return QXKEY_DIALOG;
+        case kMenuType:
+            return QXKEY_MENU;
+        default:
+            return QXKEY_STRINGS;
+    }
+}
+
+QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t type) {
+    size_t keySize = strlen(key) + 1;
+    auto memory = static_cast<char*>(LocalAlloc(LMEM_FIXED, std::max(sizeof(QX_RESITEM), kKeyOffset + keySize)));
+    if (!memory) return nullptr;
+    auto record = reinterpret_cast<QX_RESITEM*>(memory);
+    record->marker = kMarker;
+    record->type = type;
+    record->module = module;
+    record->handle = handle;
+    record->loaded = nullptr;
+    record->block = nullptr;
+    record->size = 0;
+    record->hash = *key ? HashResourceKey(key) : 0;
+    memcpy(memory + kKeyOffset, key, keySize);
+    g_resItems.Append(record);
+    g_lowestRecord = std::min(g_lowestRecord, reinterpret_cast<uintptr_t>(record));
+    g_highestRecord = std::max(g_highestRecord, reinterpret_cast<uintptr_t>(record));
+    return record;
+}
+
+void* LoadDialog(QX_RESITEM* record) {
+    const void* resource = QX_REAL(LockResource)(record->loaded);
+    if (!resource) return nullptr;
+    TemplateBytes dialog = {static_cast<const uint8_t*>(resource), record->size};
+    int size = 0;
+    void* block = TranslateTemplatePosition(g_Wld, dialog, record->hash, &size, record->key);
+    if (size) record->size = size;
+    return block;
+}
+
+void* LoadStringTable(QX_RESITEM* record) {
+    const void* resource = QX_REAL(LockResource)(record->loaded);
+    return resource ? TranslateStringTable(resource, record->size, record->key, &record->size) : nullptr;
+}
+
+}  // namespace
+
+HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* type) {
+    auto typeId = reinterpret_cast<uintptr_t>(type);
+    if (!handle || (typeId != kDialogType && typeId != kMenuType && typeId != kStringTableType)) return handle;
+    QX_RESITEM* record = FindRecord([&](QX_RESITEM* r) { return r->handle == handle && r->module == module; });
+    if (!record && name) {
+        record = AddRecord(handle, module, ResourceKey(module, name, KeyKind(typeId)), typeId);
+    } else if (!record) {
+        record = AddRecord(handle, module, "", typeId);
+    }
+    return record ? reinterpret_cast<HRSRC>(record) : handle;
+}
+
+QX_RESITEM* RecordOf(const void* handle) {
+    auto address = reinterpret_cast<uintptr_t>(handle);
+    if (address < g_lowestRecord || address > g_highestRecord) return nullptr;
+    return FindRecord([&](QX_RESITEM* r) { return r == handle; });
+}
+
+HGLOBAL LoadRecord(QX_RESITEM* record) {
+    if (record->block) return record->block;
+    record->loaded = QX_REAL(LoadResource)(record->module, record->handle);
+    record->size = QX_REAL(SizeofResource)(record->module, record->handle);
+    if (!record->loaded) return nullptr;
+    if (record->type == kMenuType) return nullptr;
+    record->block = record->type == kDialogType ? LoadDialog(record) : LoadStringTable(record);
+    return record->block ? record->block : record->loaded;
+}
+
+void FreeResourceRecords() {
+    while (QX_LISTITEM* last = g_resItems.tail) {
+        g_resItems.Unlink(last);
+        LocalFree(last);
+    }
+    g_lowestRecord = UINTPTR_MAX;
+    g_highestRecord = 0;
+}

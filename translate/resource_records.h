@@ -1,0 +1,39 @@
+// The records that stand for resources of patched modules: what a find call answers in place of the real handle.
+#ifndef QXCORE_TRANSLATE_RESOURCE_RECORDS_H
+#define QXCORE_TRANSLATE_RESOURCE_RECORDS_H
+
+#include <qxcore/listitem.h>
+#include <qxcore/platform.h>
+
+#include <cstdint>
+
+// The resource types that get a record.
+enum : uint64_t { kMenuType = 4, kDialogType = 5, kStringTableType = 6 };
+
+struct QX_RESITEM : QX_LISTITEM {
+    uint32_t marker;  // 0xFFFFFFFF
+    uint64_t type;
+    HMODULE module;
+    HRSRC handle;    // the real one
+    HGLOBAL loaded;  // the real one, after the first load
+    void* block;     // the translated resource; null until built
+    uint32_t size;   // of the block, in bytes
+    int32_t hash;    // HashResourceKey of the key; 0 without a name
+    char key[128];   // empty without a name; a longer key makes a longer record
+};
+
+// The record of a found resource, one for each real handle and module. A null handle, and the handle of any other
+// type, comes back as it is. A wide name is taken as the bytes it consists of.
+HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* type);
+
+// The record behind a handle, or null for any other handle.
+QX_RESITEM* RecordOf(const void* handle);
+
+// The translated block of a record, built at the first call; the real block where there is nothing to translate;
+// null for a menu, whose texts are translated when the system has made it.
+HGLOBAL LoadRecord(QX_RESITEM* record);
+
+// Frees all records. Their blocks stay, since a host may hold them.
+void FreeResourceRecords();
+
+#endif
