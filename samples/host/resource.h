@@ -1,0 +1,65 @@
+// Numbers of the resources, for the program and for host.rc.
+#ifndef HOST_RESOURCE_H
+#define HOST_RESOURCE_H
+
+#ifndef IDC_STATIC
+#define IDC_STATIC (-1)
+#endif
+
+#define IDR_MAIN 100
+
+#define ID_FILE_NEW 1001
+#define ID_FILE_OPEN 1002
+#define ID_FILE_SAVE 1003
+#define ID_FILE_RECENT_1 1004
+#define ID_FILE_RECENT_2 1005
+#define ID_FILE_RECENT_CLEAR 1006
+#define ID_FILE_EXIT 1007
+#define ID_TASK_NEW 1011
+#define ID_TASK_PROPERTIES 1012
+#define ID_TASK_CLOSE 1013
+#define ID_TASK_DELETE 1014
+#define ID_VIEW_TOOLBAR 1021
+#define ID_VIEW_STATUS 1022
+#define ID_VIEW_SORT_TITLE 1023
+#define ID_VIEW_SORT_DUE 1024
+#define ID_VIEW_SORT_PRIORITY 1025
+#define ID_VIEW_SORT_DESCENDING 1026
+#define ID_VIEW_SHOW_OPEN 1027
+#define ID_VIEW_SHOW_CLOSED 1028
+#define ID_HELP_MANUAL 1031
+#define ID_HELP_ABOUT 1032
+
+// The dialog "About" has a name, the other one a number.
+#define IDD_TASK 130
+#define IDC_TASK_TITLE 1101
+#define IDC_TASK_PRIORITY 1102
+#define IDC_TASK_OPEN 1103
+#define IDC_TASK_CLOSED 1104
+#define IDC_TASK_REMIND 1105
+#define IDC_ABOUT_MANUAL 1111
+
+#define IDS_TITLE 300
+#define IDS_READY 301
+#define IDS_COUNT 302
+#define IDS_FILTER 303
+#define IDS_TASK_1 304
+#define IDS_TASK_2 305
+#define IDS_TASK_3 306
+#define IDS_DUE_1 307
+#define IDS_DUE_2 308
+#define IDS_DUE_3 309
+#define IDS_PRIORITY_LOW 310
+#define IDS_PRIORITY_NORMAL 311
+#define IDS_PRIORITY_HIGH 312
+#define IDS_STATE_OPEN 320
+#define IDS_STATE_CLOSED 321
+#define IDS_COLUMN_TASK 322
+#define IDS_COLUMN_DUE 323
+#define IDS_COLUMN_STATE 324
+#define IDS_DELETE_TASK 325
+#define IDS_DELETE_QUESTION 326
+#define IDS_FIRST IDS_TITLE
+#define IDS_LAST IDS_DELETE_QUESTION
+
+#endif

@@ -1,0 +1,144 @@
+#include "window.h"
+
+#include <cstdio>
+
+#include "dialogs.h"
+#include "resource.h"
+
+namespace {
+
+constexpr const char* g_className = "TaskListWindow";
+
+// The modeless dialog that stands beside the window, or null.
+HWND g_taskDialog = nullptr;
+
+HINSTANCE InstanceOf(HWND window) {
+    return reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(window, GWLP_HINSTANCE));
+}
+
+void DrawRow(HDC dc, int y, std::string const& task, std::string const& due, std::string const& state) {
+    TextOutA(dc, 12, y, task.c_str(), static_cast<int>(task.size()));
+    TextOutA(dc, 232, y, due.c_str(), static_cast<int>(due.size()));
+    TextOutA(dc, 342, y, state.c_str(), static_cast<int>(state.size()));
+}
+
+void DrawStatus(HDC dc, RECT client, HINSTANCE instance) {
+    RECT bar = {client.left, client.bottom - 24, client.right, client.bottom};
+    FillRect(dc, &bar, GetSysColorBrush(COLOR_BTNFACE));
+    DrawEdge(dc, &bar, BDR_SUNKENOUTER, BF_RECT);
+    char count[256];
+    std::snprintf(count, sizeof count, LoadText(instance, IDS_COUNT).c_str(), 3, 2);
+    std::string text = LoadText(instance, IDS_READY) + "   " + count;
+    TextOutA(dc, bar.left + 8, bar.top + 5, text.c_str(), static_cast<int>(text.size()));
+}
+
+void Draw(HWND window) {
+    PAINTSTRUCT paint;
+    HDC dc = BeginPaint(window, &paint);
+    RECT client;
+    GetClientRect(window, &client);
+    HGDIOBJ oldFont = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
+    SetBkMode(dc, TRANSPARENT);
+
+    HINSTANCE instance = InstanceOf(window);
+    auto text = [instance](unsigned id) { return LoadText(instance, id); };
+    DrawRow(dc, 10, text(IDS_COLUMN_TASK), text(IDS_COLUMN_DUE), text(IDS_COLUMN_STATE));
+    RECT line = {12, 30, client.right - 12, 32};
+    DrawEdge(dc, &line, EDGE_ETCHED, BF_TOP);
+    DrawRow(dc, 40, text(IDS_TASK_1), text(IDS_DUE_1), text(IDS_STATE_OPEN));
+    DrawRow(dc, 62, text(IDS_TASK_2), text(IDS_DUE_2), text(IDS_STATE_OPEN));
+    DrawRow(dc, 84, text(IDS_TASK_3), text(IDS_DUE_3), text(IDS_STATE_CLOSED));
+    DrawStatus(dc, client, instance);
+
+    SelectObject(dc, oldFont);
+    EndPaint(window, &paint);
+}
+
+void OpenTaskDialog(HWND window) {
+    if (!g_taskDialog) g_taskDialog = CreateTaskDialog(InstanceOf(window), window);
+    ShowWindow(g_taskDialog, SW_SHOW);
+}
+
+void OnCommand(HWND window, int command) {
+    switch (command) {
+        case ID_FILE_OPEN:
+        case ID_FILE_RECENT_1:
+        case ID_FILE_RECENT_2:
+            AskListToOpen(InstanceOf(window), window);
+            break;
+        case ID_FILE_RECENT_CLEAR:
+            TellListIsEmpty(window);
+            break;
+        case ID_FILE_EXIT:
+            DestroyWindow(window);
+            break;
+        case ID_TASK_NEW:
+        case ID_TASK_PROPERTIES:
+            OpenTaskDialog(window);
+            break;
+        case ID_TASK_DELETE:
+            AskToDelete(InstanceOf(window), window);
+            break;
+        case ID_HELP_MANUAL:
+            TellManualIsMissing(window);
+            break;
+        case ID_HELP_ABOUT:
+            ShowAbout(InstanceOf(window), window);
+            break;
+        default:
+            break;
+    }
+}
+
+LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+        case WM_COMMAND:
+            OnCommand(window, LOWORD(wparam));
+            return 0;
+        case WM_PAINT:
+            Draw(window);
+            return 0;
+        case WM_DESTROY:
+            PostQuitMessage(0);
+            return 0;
+        default:
+            return DefWindowProcA(window, message, wparam, lparam);
+    }
+}
+
+}  // namespace
+
+std::string LoadText(HINSTANCE instance, unsigned id) {
+    // The length that LoadStringA answers is not used: a translation may be longer than the buffer.
+    char buffer[512] = "";
+    LoadStringA(instance, id, buffer, sizeof buffer - 1);
+    return buffer;
+}
+
+HWND CreateMainWindow(HINSTANCE instance) {
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = WindowProc;
+    windowClass.hInstance = instance;
+    windowClass.hIcon = LoadIconA(nullptr, IDI_APPLICATION);
+    windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
+    windowClass.lpszClassName = g_className;
+    RegisterClassA(&windowClass);
+    return CreateWindowExA(0, g_className, LoadText(instance, IDS_TITLE).c_str(), WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
+                           CW_USEDEFAULT, 480, 260, nullptr, LoadMenuA(instance, MAKEINTRESOURCEA(IDR_MAIN)), instance,
+                           nullptr);
+}
+
+int RunWindow(HINSTANCE instance) {
+    HWND window = CreateMainWindow(instance);
+    if (!window) return 1;
+    ShowWindow(window, SW_SHOWNORMAL);
+
+    MSG message;
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+        if (IsDialogMessageA(g_taskDialog, &message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+    return 0;
+}
