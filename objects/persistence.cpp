@@ -16,7 +16,7 @@ class FrameName {
 public:
     explicit FrameName(IXStream* stream) : present(stream->ReadString(text, kNameBytes) && text[0]) {}
 
-    char text[kNameBytes + 2];  // a stream may terminate a full text behind its end
+    char text[kNameBytes + 2] = {};  // a stream may terminate a full text behind its end, or not at all
     bool present;
 };
 
