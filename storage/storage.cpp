@@ -1,5 +1,6 @@
 #include <qxcore/storage.h>
 
+#include "storage/compound_check.h"
 #include "storage/ole_failure.h"
 #include "storage/ole_name.h"
 #include "storage/ole_storage.h"
@@ -63,6 +64,7 @@ IXStorage* new_Storage(const char* path, int flags) {
 IXStorage* open_Storage(const char* path, int readOnly) {
     static constinit OleName wide;
     if (Fio_PathIsURL(path)) throw CXFileException(QXERR_NETWORK, nullptr, QXOP_OPEN);
+    if (path && !IsSoundCompoundFile(path)) Check(STG_E_DOCFILECORRUPT, path);
     unsigned flags = readOnly ? QXSTG_READ_ONLY : QXSTG_TRANSACTED;
     Reference<IStorage> ole;
     Check(StgOpenStorage(wide.Set(path), nullptr, OleModeOf(flags, OleRole::Root), nullptr, 0, ole.Out()), path);
