@@ -19,8 +19,8 @@ extern "C" {
 // "app.wld". 0 when the file fails: nothing is patched then. A later call reads nothing, but reaches class libraries
 // loaded since.
 QXCORE_API int Supp_Init(const char* name);
-// Adds a further dictionary, whose texts never replace earlier ones; the first call acts as Supp_Init. After the
-// first the name must not be null.
+// Adds a further dictionary, whose texts never replace earlier ones; the first call acts as Supp_Init. A later null
+// adds nothing.
 QXCORE_API int Supp_AddWld(const char* name);
 // Intercepts the calls made from this module. Before unloading the module or the library the host undoes it with
 // _DeInitResTranslation: neither is tracked. 0 for null, else 1.
