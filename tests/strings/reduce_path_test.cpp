@@ -135,10 +135,17 @@ Text GeneratedPath(std::mt19937& random) {
     return s;
 }
 
+// In code page 932 for the narrow class.
 template <class S>
 S Spelled(const Text& s) {
     S text;
-    for (int ch : s) text.Insert(-1, static_cast<wchar_t>(ch));
+    __CXBuff<S, UnitOf<S>*> locked(text, static_cast<int>(s.size()) * 2);
+    auto p = locked.buffer;
+    for (int ch : s) {
+        if (sizeof *p == 1 && ch > 0xFF) *p++ = static_cast<UnitOf<S>>(ch >> 8);
+        *p++ = static_cast<UnitOf<S>>(ch);
+    }
+    *p = 0;
     return text;
 }
 
@@ -148,7 +155,7 @@ TYPED_TEST(ReducePathTest, GeneratedPathsGoTheWayOfTheSteps) {
     CodePage page(932);
     std::mt19937 random(20260714);
     int handled = 0, changed = 0;
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 10000; ++i) {
         Text path = GeneratedPath(random);
         int maxLen = static_cast<int>(random() % 45) - 2;
         TypeParam s = Spelled<TypeParam>(path);
@@ -160,9 +167,9 @@ TYPED_TEST(ReducePathTest, GeneratedPathsGoTheWayOfTheSteps) {
         changed += path != expected;
     }
     // The generator reaches both answers and real changes.
-    EXPECT_GT(handled, 2000);
-    EXPECT_LT(handled, 18000);
-    EXPECT_GT(changed, 2000);
+    EXPECT_GT(handled, 1000);
+    EXPECT_LT(handled, 9000);
+    EXPECT_GT(changed, 1000);
 }
 
 TEST(ReducePathJapaneseTest, TheLimitCountsCharactersAndTrailBytesAreNoBackslashes) {
