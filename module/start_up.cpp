@@ -6,7 +6,6 @@
 #include "objects/service_container.h"
 #include "translate/dictionary.h"
 #include "translate/interception.h"
-#include "translate/module_name.h"
 
 #include <objbase.h>
 
@@ -29,7 +28,6 @@ void StartUp(HINSTANCE module) {
     RegisterServiceContainer(module);
     CoInitialize(nullptr);
     StartDictionary();
-    StartKeepingModuleNames();
     StartInterception();
     DisableThreadLibraryCalls(module);
     CallEntryHook(module, DLL_PROCESS_ATTACH);
@@ -38,7 +36,6 @@ void StartUp(HINSTANCE module) {
 void ShutDown(HINSTANCE module) {
     CallEntryHook(module, DLL_PROCESS_DETACH);
     StopInterception();
-    StopKeepingModuleNames();
     StopDictionary();
     CoUninitialize();
     UnregisterServiceContainer();

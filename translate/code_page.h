@@ -4,28 +4,6 @@
 
 #include <qxcore/platform.h>
 
-#include <cstddef>
-#include <cstring>
-
-// How many bytes of a text, up to the limit, are whole characters.
-inline size_t WholeBytes(const char* text, size_t limit) {
-    size_t length = 0;
-    while (length < limit && text[length]) {
-        size_t next = length + (IsDBCSLeadByte(static_cast<BYTE>(text[length])) && text[length + 1] ? 2 : 1);
-        if (next > limit) break;
-        length = next;
-    }
-    return length;
-}
-
-// Copies as much of a text as fits with its terminator, in whole characters. Answers the length.
-inline size_t CopyWhole(char* out, size_t size, const char* text) {
-    size_t length = WholeBytes(text, size - 1);
-    memmove(out, text, length);
-    out[length] = 0;
-    return length;
-}
-
 // The widening of `length` bytes; room for as many characters is enough. Answers the characters.
 inline int Widen(const char* text, int length, wchar_t* out, int room, DWORD flags) {
     // The code pages up to 127 agree with wide text; only other bytes are worth the system's tables.

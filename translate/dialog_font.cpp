@@ -1,4 +1,4 @@
-#include "translate/code_page.h"
+#include "translate/text_buffer.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>

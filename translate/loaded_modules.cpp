@@ -1,6 +1,6 @@
 #include "translate/loaded_modules.h"
 
-#include <qxcore/platform.h>
+#include "translate/module_name.h"
 
 constinit std::atomic<unsigned> g_moduleGeneration = 0;
 
@@ -18,17 +18,23 @@ Function LoaderFunction(const char* name) {
     return loader ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(loader, name))) : nullptr;
 }
 
-// Runs under the loader's lock.
-void CALLBACK CountModules(ULONG, const void*, void*) {
+void NextGeneration() {
     unsigned next = g_moduleGeneration.load(std::memory_order_relaxed) + 1;
     g_moduleGeneration.store(next ? next : 1, std::memory_order_release);
+}
+
+// Runs under the loader's lock.
+void CALLBACK OnModule(ULONG reason, const void*, void*) {
+    constexpr ULONG kUnloaded = 2;
+    if (reason == kUnloaded) ForgetModuleNames();
+    NextGeneration();
 }
 
 }  // namespace
 
 void StartModuleWatch() {
     auto watch = LoaderFunction<RegisterNotification>("LdrRegisterDllNotification");
-    if (watch && watch(0, CountModules, nullptr, &g_cookie) == 0) CountModules(0, nullptr, nullptr);
+    if (watch && watch(0, OnModule, nullptr, &g_cookie) == 0) NextGeneration();
 }
 
 void StopModuleWatch() {
@@ -36,4 +42,5 @@ void StopModuleWatch() {
     if (g_cookie && unwatch) unwatch(g_cookie);
     g_cookie = nullptr;
     g_moduleGeneration = 0;
+    ForgetModuleNames();
 }

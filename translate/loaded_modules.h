@@ -4,10 +4,11 @@
 
 #include <atomic>
 
+// Without the loader's help the watch stays off.
 void StartModuleWatch();
 void StopModuleWatch();
 
-// A number that changes with every module loaded or unloaded; 0 while nobody tells, and then nothing may be kept.
+// A number that changes with every module loaded or unloaded; 0 without a watch, and then nothing may be kept.
 extern std::atomic<unsigned> g_moduleGeneration;
 
 inline unsigned ModuleGeneration() {

@@ -1,5 +1,7 @@
 #include "translate/module_name.h"
 
+#include "translate/loaded_modules.h"
+
 #include <qxcore/hash.h>
 
 #include <mbctype.h>
@@ -25,8 +27,6 @@ const char* BehindLastSeparator(const char* path) {
 // One word a module, so that it is read and written whole: the upper half says which module, the lower its hash.
 constexpr unsigned kSlots = 64;
 constinit std::atomic<uint64_t> g_hashes[kSlots] = {};
-constinit std::atomic<bool> g_keeping = false;
-constinit void* g_watch = nullptr;
 
 constexpr unsigned kModuleAlignment = 16;  // bits; handles of modules mapped as data have low bits set
 
@@ -37,28 +37,8 @@ uint64_t ModuleMark(HMODULE module) {
 
 bool CanBeKept(HMODULE module) {
     auto address = reinterpret_cast<uintptr_t>(module);
-    return g_keeping.load(std::memory_order_relaxed) && !(address & ((1u << kModuleAlignment) - 1)) &&
+    return ModuleGeneration() && !(address & ((1u << kModuleAlignment) - 1)) &&
            address >> kModuleAlignment < UINT32_MAX;
-}
-
-void ForgetModuleNames() {
-    for (auto& hash : g_hashes) hash.store(0, std::memory_order_relaxed);
-}
-
-// The loader's own notification. It is the only way to learn that an address may mean another module.
-constexpr ULONG kUnloaded = 2;
-using Notification = void(CALLBACK*)(ULONG reason, const void* data, void* context);
-using RegisterNotification = LONG(NTAPI*)(ULONG flags, Notification, void* context, void** cookie);
-using UnregisterNotification = LONG(NTAPI*)(void* cookie);
-
-void CALLBACK OnModule(ULONG reason, const void*, void*) {
-    if (reason == kUnloaded) ForgetModuleNames();
-}
-
-template <class Function>
-Function LoaderFunction(const char* name) {
-    HMODULE loader = GetModuleHandleA("ntdll.dll");
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(loader ? GetProcAddress(loader, name) : nullptr));
 }
 
 std::optional<unsigned> AskForHash(HMODULE module) {
@@ -85,14 +65,6 @@ std::optional<unsigned> ModuleNameHash(HMODULE module) {
     return hash;
 }
 
-void StartKeepingModuleNames() {
-    auto start = LoaderFunction<RegisterNotification>("LdrRegisterDllNotification");
-    g_keeping = start && start(0, OnModule, nullptr, &g_watch) == 0;
-}
-
-void StopKeepingModuleNames() {
-    if (!g_keeping) return;
-    g_keeping = false;
-    ForgetModuleNames();
-    if (auto stop = LoaderFunction<UnregisterNotification>("LdrUnregisterDllNotification")) stop(g_watch);
+void ForgetModuleNames() {
+    for (auto& hash : g_hashes) hash.store(0, std::memory_order_relaxed);
 }

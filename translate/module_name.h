@@ -21,12 +21,11 @@ private:
     const char* m_name;
 };
 
-// The text hash of a module's name; nothing when it has none. Kept per module until a module is unloaded, since asking
-// for the name costs more than loading a string. Any thread may call it.
+// The text hash of a module's name; nothing when it has none. Kept per module while the modules are watched, since
+// asking for the name costs more than loading a string. Any thread may call it.
 std::optional<unsigned> ModuleNameHash(HMODULE module);
 
-// Before the first call nothing is kept. Called when the library is loaded and unloaded.
-void StartKeepingModuleNames();
-void StopKeepingModuleNames();
+// For the watch: an address may mean another module from now on.
+void ForgetModuleNames();
 
 #endif

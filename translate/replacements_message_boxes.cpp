@@ -1,7 +1,7 @@
-#include "translate/code_page.h"
 #include "translate/interception.h"
 #include "translate/module_lists.h"
 #include "translate/replacements.h"
+#include "translate/text_buffer.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>

@@ -3,6 +3,7 @@
 #include "translate/interception.h"
 #include "translate/module_lists.h"
 #include "translate/replacements.h"
+#include "translate/text_buffer.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>

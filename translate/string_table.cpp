@@ -1,6 +1,7 @@
 #include "translate/string_table.h"
 
 #include "translate/code_page.h"
+#include "translate/text_buffer.h"
 #include "translate/word_at.h"
 
 #include <qxcore/dictionary.h>

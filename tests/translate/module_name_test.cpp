@@ -1,6 +1,7 @@
 // White-box: the program links the source itself, since no export shows what is kept.
 #include "translate/module_name.h"
 
+#include "translate/loaded_modules.h"
 #include "translate/module_copy.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +11,8 @@
 
 class ModuleNameTest : public testing::Test {
 protected:
-    ModuleNameTest() { StartKeepingModuleNames(); }
-    ~ModuleNameTest() override { StopKeepingModuleNames(); }
+    ModuleNameTest() { StartModuleWatch(); }
+    ~ModuleNameTest() override { StopModuleWatch(); }
 };
 
 TEST_F(ModuleNameTest, HashIsThatOfTheFileName) {
