@@ -20,7 +20,7 @@ LARGE_INTEGER OleOffset(long long offset) {
 }  // namespace
 
 CStream::CStream(const char* name, IStream* ole) : CTypedStream(ole) {
-    strncpy(m_name, name, sizeof m_name);
+    strncpy(m_name, name, sizeof m_name - 1);
     m_name[sizeof m_name - 1] = 0;
 }
 
