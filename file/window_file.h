@@ -58,7 +58,7 @@ public:
             if (!CWindowFile::Read(cell, 1) || *cell == kLineFeed) break;
         }
         // Behind the line feed, and at the end of the file behind a cell that nothing was read into.
-        if (i < count - 1) ++cell;
+        if (count > 0 && i < count - 1) ++cell;
         *cell = 0;
         return i;
     }
