@@ -43,6 +43,20 @@ int qx_guarded_copy_block(void* to, const void* from, size_t count) {
     }
 }
 
+ptrdiff_t qx_guarded_copy_line(char* to, const char* from, size_t count) {
+    volatile ptrdiff_t copied = 0;
+    __try {
+        while (size_t(copied) < count) {
+            char byte = to[copied] = from[copied];
+            ++copied;
+            if (byte == 10) break;
+        }
+        return copied;
+    } __except (EXCEPTION_EXECUTE_HANDLER) {
+        return ~copied;
+    }
+}
+
 #else
 
 // The compiler has no guarded blocks, but its functions and the platform share one unwind table, so the copies are
@@ -102,6 +116,20 @@ asm(QX_GUARDED_ASSIGN("1", "movzbl (%rdx), %eax", "al")
     "ret\n"
     "0: xorl %eax, %eax\n"
     "jmp 1b\n"
+    QX_GUARDED_END("0b")
+    QX_GUARDED_BEGIN("qx_guarded_copy_line")
+    ".seh_endprologue\n"
+    "xorl %eax, %eax\n"
+    "1: cmpq %r8, %rax\n"
+    "je 2f\n"
+    "movzbl (%rdx,%rax), %r9d\n"
+    "movb %r9b, (%rcx,%rax)\n"
+    "incq %rax\n"
+    "cmpb $10, %r9b\n"
+    "jne 1b\n"
+    "2: ret\n"
+    "0: notq %rax\n"
+    "ret\n"
     QX_GUARDED_END("0b"));
 // clang-format on
 

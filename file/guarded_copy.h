@@ -13,6 +13,7 @@ int qx_guarded_copy_2(void* to, const void* from);
 int qx_guarded_copy_4(void* to, const void* from);
 int qx_guarded_copy_8(void* to, const void* from);
 int qx_guarded_copy_block(void* to, const void* from, size_t count);
+ptrdiff_t qx_guarded_copy_line(char* to, const char* from, size_t count);
 }
 
 // The sizes of the typed reads and writes are one load and one store each.
@@ -29,6 +30,12 @@ inline bool GuardedCopy(void* to, const void* from, size_t count) {
         default:
             return qx_guarded_copy_block(to, from, count);
     }
+}
+
+// Copies up to and with the next line feed, at most `count` bytes. Answers how many, or, where one cannot be copied,
+// the complement of the number before it.
+inline ptrdiff_t GuardedCopyLine(char* to, const void* from, size_t count) {
+    return qx_guarded_copy_line(to, static_cast<const char*>(from), count);
 }
 
 #endif

@@ -27,10 +27,7 @@ public:
     }
 
     unsigned Read(void* buffer, unsigned count) final {
-        if (m_position >= m_size) return 0;
-        uint64_t left = m_size - m_position;
-        if (count > left) count = unsigned(left);
-        if (!InWindow(count)) return ReadAcross(static_cast<char*>(buffer), count);
+        if (count > Readable()) return ReadAcross(static_cast<char*>(buffer), count);
         CopyOut(buffer, count);
         return count;
     }
@@ -52,15 +49,19 @@ public:
 
     int ReadLine(char* buffer, int count) final {
         constexpr char kLineFeed = 10;
-        char* cell = buffer;
-        int i = 0;
-        for (; i < count; ++i, ++cell) {
-            if (!CWindowFile::Read(cell, 1) || *cell == kLineFeed) break;
+        int read = 0;
+        bool ended = false;
+        while (read < count && !ended && m_position < m_size) {
+            if (!Readable()) Me().MoveWindow();
+            read += CopyLineOut(buffer + read, std::min<uint64_t>(Readable(), unsigned(count - read)));
+            ended = buffer[read - 1] == kLineFeed;
         }
+        if (ended) --read;
+        char* cell = buffer + read;
         // Behind the line feed, and at the end of the file behind a cell that nothing was read into.
-        if (count > 0 && i < count - 1) ++cell;
+        if (count > 0 && read < count - 1) ++cell;
         *cell = 0;
-        return i;
+        return read;
     }
 
     void WriteByte(unsigned char value) final { Me().Self::Write(&value, sizeof value); }
@@ -75,40 +76,57 @@ public:
 protected:
     CWindowFile(const char* path, int mode) : m_path(path), m_mode(mode) {}
 
-    // The bytes at the position that the window shows.
-    uint64_t Shown() const {
-        uint64_t at = m_position - m_windowOffset;
-        return at < m_windowLength ? m_windowLength - at : 0;
+    // The bytes at the position that the window shows, and those of them that belong to the file.
+    uint64_t Shown() const { return Behind(m_windowLength); }
+    uint64_t Readable() const { return Behind(m_readableLength); }
+
+    void SetWindow(uintptr_t window, uint64_t offset, uint64_t length) {
+        m_window = window;
+        m_windowOffset = offset;
+        m_windowLength = length;
+        SetSize(m_size);
     }
-    bool InWindow(unsigned count) const {
-        uint64_t at = m_position - m_windowOffset;
-        return at < m_windowLength && count <= m_windowLength - at;
+    void SetSize(uint64_t size) {
+        m_size = size;
+        m_readableLength = size > m_windowOffset ? std::min(m_windowLength, size - m_windowOffset) : 0;
     }
     // Where the byte at the position is shown. A number until it is used: a memory file's window may lie anywhere.
     void* Cell() const { return reinterpret_cast<void*>(m_window + (m_position - m_windowOffset)); }
 
     [[noreturn]] QXCORE_NOINLINE void Raise(int code, int operation) { throw CXFileException(code, m_path, operation); }
 
+    uint64_t Size() const { return m_size; }
+
     CXString m_path;
     uint64_t m_position = 0;
-    uint64_t m_size = 0;
-    uintptr_t m_window = 0;
-    uint64_t m_windowOffset = 0;
-    uint64_t m_windowLength = 0;
     int m_mode;  // QXOP_READ or QXOP_WRITE
 
 private:
     Self& Me() { return static_cast<Self&>(*this); }
+
+    uint64_t Behind(uint64_t length) const {
+        uint64_t at = m_position - m_windowOffset;
+        return at < length ? length - at : 0;
+    }
 
     void CopyOut(void* buffer, unsigned count) {
         if (!GuardedCopy(buffer, Cell(), count)) Raise(QXERR_DEVICE, m_mode);
         m_position += count;
     }
 
+    int CopyLineOut(char* buffer, uint64_t count) {
+        ptrdiff_t copied = GuardedCopyLine(buffer, Cell(), size_t(count));
+        m_position += uint64_t(copied < 0 ? ~copied : copied);
+        if (copied < 0) Raise(QXERR_DEVICE, m_mode);
+        return int(copied);
+    }
+
     QXCORE_NOINLINE unsigned ReadAcross(char* buffer, unsigned count) {
+        if (m_position >= m_size) return 0;
+        count = unsigned(std::min<uint64_t>(count, m_size - m_position));
         for (unsigned done = 0; done < count;) {
-            if (!Shown()) Me().MoveWindow();
-            auto part = unsigned(std::min<uint64_t>(Shown(), count - done));
+            if (!Readable()) Me().MoveWindow();
+            auto part = unsigned(std::min<uint64_t>(Readable(), count - done));
             CopyOut(buffer + done, part);
             done += part;
         }
@@ -118,10 +136,19 @@ private:
     template <class T>
     T ReadValue() {
         T value;
-        if (CWindowFile::Read(&value, sizeof value) != sizeof value) Raise(QXERR_EOF, QXOP_READ);
+        if (Readable() >= sizeof value) {
+            CopyOut(&value, sizeof value);
+        } else if (ReadAcross(reinterpret_cast<char*>(&value), sizeof value) != sizeof value) {
+            Raise(QXERR_EOF, QXOP_READ);
+        }
         return value;
     }
 
+    uint64_t m_size = 0;
+    uintptr_t m_window = 0;
+    uint64_t m_windowOffset = 0;
+    uint64_t m_windowLength = 0;
+    uint64_t m_readableLength = 0;
     unsigned m_references = 1;
 };
 

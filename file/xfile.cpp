@@ -31,7 +31,7 @@ CXFile::CXFile(const CXString& path, int flags)
     OpenHandle(flags);
     LARGE_INTEGER size;
     if (!GetFileSizeEx(m_file.Get(), &size)) RaiseFileError(m_path, m_mode);
-    m_size = uint64_t(size.QuadPart);
+    SetSize(uint64_t(size.QuadPart));
     try {
         MapFirst(flags);
     } catch (...) {
@@ -58,10 +58,10 @@ void CXFile::OpenHandle(int flags) {
 
 void CXFile::MapFirst(int flags) {
     if (m_mode == QXOP_READ) {
-        if (m_size == 0) return;  // nothing can be mapped
+        if (Size() == 0) return;  // nothing can be mapped
         if (!CreateMapping(0)) RaiseFileError(m_path, m_mode);
     } else if (!(flags & QXFIO_KEEP)) {
-        m_size = 0;
+        SetSize(0);
     }
     MapWindow(0);
 }
@@ -79,7 +79,7 @@ void CXFile::MapWindow(uint64_t offset) {
     uint64_t length = m_chunk;
     DWORD access = FILE_MAP_READ;
     if (m_mode == QXOP_READ) {
-        length = std::min(length, m_size - offset);
+        length = std::min(length, Size() - offset);
     } else {
         // Only a new mapping makes the file grow.
         access = FILE_MAP_WRITE;
@@ -87,9 +87,7 @@ void CXFile::MapWindow(uint64_t offset) {
         if (!CreateMapping(offset + length)) RaiseFileError(m_path, m_mode);
     }
     if (!m_view.Map(m_mapping, access, offset, size_t(length))) RaiseFileError(m_path, m_mode);
-    m_window = reinterpret_cast<uintptr_t>(m_view.Base());
-    m_windowOffset = offset;
-    m_windowLength = length;
+    SetWindow(reinterpret_cast<uintptr_t>(m_view.Base()), offset, length);
 }
 
 void CXFile::MoveWindow() {
@@ -108,7 +106,7 @@ void CXFile::Write(const void* bytes, unsigned count) {
         auto part = unsigned(std::min<uint64_t>(Shown(), count));
         if (!GuardedCopy(Cell(), from, part)) Raise(QXERR_DEVICE, m_mode);
         m_position += part;
-        m_size = std::max(m_size, m_position);
+        if (m_position > Size()) SetSize(m_position);
         from += part;
         count -= part;
     }
@@ -119,8 +117,7 @@ int CXFile::Flush() {
 }
 
 bool CXFile::Unmap() {
-    m_window = 0;
-    m_windowLength = 0;
+    SetWindow(0, 0, 0);
     return m_view.Unmap();
 }
 
@@ -131,7 +128,7 @@ bool CXFile::Close() {
     bool cut = true;
     if (m_mode == QXOP_WRITE) {
         LARGE_INTEGER end;
-        end.QuadPart = int64_t(m_size);
+        end.QuadPart = int64_t(Size());
         cut = SetFilePointerEx(m_file.Get(), end, nullptr, FILE_BEGIN) && SetEndOfFile(m_file.Get());
     }
     m_file.Close();

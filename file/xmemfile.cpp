@@ -52,8 +52,9 @@ int Fio_IsMemFile(const char* path) {
 
 CXMemFile::CXMemFile(const char* path) : CWindowFile(path, QXOP_READ) {
     MemoryRange range(path);
-    m_window = uintptr_t(intptr_t(range.address));
-    m_windowLength = m_size = uint64_t(int64_t(range.size));
+    auto size = uint64_t(int64_t(range.size));
+    SetWindow(uintptr_t(intptr_t(range.address)), 0, size);
+    SetSize(size);
 }
 
 // The window is the whole file, so nothing ever lies outside of it.
