@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
 #include <string>
 
@@ -67,6 +68,37 @@ TEST(HashTest, EveryLengthGivesTheValuesOfTheByteByByteRule) {
         EXPECT_EQ(QXHashText(text.c_str()).hash, HashByByte(text, false)) << length;
         EXPECT_EQ(QXHashFolded(text.c_str()).hash, HashByByte(text, true)) << length;
     }
+}
+
+TEST(HashTest, WhatLiesAroundATextDoesNotCount) {
+    std::mt19937 random(4);
+    alignas(16) char bytes[128];
+    for (char around : {'\0', 'A', '\xFF'}) {
+        for (size_t before = 0; before < 16; ++before) {
+            for (size_t length = 0; length < 50; ++length) {
+                std::string text = RandomText(random, length);
+                memset(bytes, around, sizeof bytes);
+                strcpy(bytes + 16 + before, text.c_str());
+                ASSERT_EQ(QXHashText(bytes + 16 + before).hash, HashByByte(text, false));
+                ASSERT_EQ(QXHashFolded(bytes + 16 + before).hash, HashByByte(text, true));
+                ASSERT_EQ(QXHashText(bytes + 16 + before).Behind(1), HashByByte("\x01" + text, false));
+            }
+        }
+    }
+}
+
+TEST(HashTest, ATextThatEndsAtAnUnmappedPageIsReadNoFurther) {
+    constexpr size_t kPage = 4096;
+    auto region = static_cast<char*>(VirtualAlloc(nullptr, 3 * kPage, MEM_RESERVE, PAGE_NOACCESS));
+    char* page = static_cast<char*>(VirtualAlloc(region + kPage, kPage, MEM_COMMIT, PAGE_READWRITE));
+    std::mt19937 random(5);
+    for (size_t length = 0; length < 40; ++length) {
+        std::string text = RandomText(random, length);
+        char* atEnd = strcpy(page + kPage - length - 1, text.c_str());
+        EXPECT_EQ(QXHashText(atEnd).hash, HashByByte(text, false));
+        EXPECT_EQ(QXHashText(strcpy(page, text.c_str())).hash, HashByByte(text, false));
+    }
+    VirtualFree(region, 0, MEM_RELEASE);
 }
 
 TEST(HashTest, TheHashBehindAPrefixIsTheHashOfTheWholeText) {
