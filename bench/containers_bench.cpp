@@ -7,9 +7,8 @@
 #include <random>
 #include <string>
 #include <unordered_map>
-#if __has_include(<tsl/robin_map.h>)
+#if defined(QXCORE_BENCH_ROBIN_MAP)
 #include <tsl/robin_map.h>
-#define QXCORE_HAS_ROBIN_MAP
 #endif
 
 namespace {
@@ -109,7 +108,7 @@ void BenchHash() {
 int main() {
     for (int n : {10, 100, 1000, 10000}) {
         BenchAgainst<std::unordered_map<std::string, int>>("std::unordered_map", n);
-#if defined(QXCORE_HAS_ROBIN_MAP)
+#if defined(QXCORE_BENCH_ROBIN_MAP)
         BenchAgainst<tsl::robin_map<std::string, int>>("tsl::robin_map", n);
 #endif
     }

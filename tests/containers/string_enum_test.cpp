@@ -107,6 +107,8 @@ TEST(StringEnumTest, ALeadByteAtTheEndIsACharacterOfItsOwn) {
     CodePage japanese(932);
     EXPECT_EQ(Split(";", "a;\x83"), (Texts{"a", "\x83"}));
     EXPECT_EQ(Split("\x83", "a;\x83"), (Texts{"a;"}));
+    EXPECT_EQ(Split("\x83\x40", "a\x83"), (Texts{"a\x83"}));
+    EXPECT_EQ(Split("\x83", "\x83\x5C;"), (Texts{"\x83\x5C;"}));
 }
 
 TEST(StringEnumTest, ABlockGivesItsTextsUpToTheEmptyOne) {
