@@ -8,6 +8,7 @@
 #include <mbctype.h>
 #include <mbstring.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -22,15 +23,25 @@ constexpr int kLineSize = 8192;
 // earlier line left there.
 constinit Byte g_line[kLineSize + 1] = {};
 
+// No byte below it leads a double-byte character, in any code page.
+constexpr Byte kFirstLead = 0x80;
+
 bool IsDoubleByte(const Byte* at) {
-    return _ismbblead(*at) && at[1];
+    return *at >= kFirstLead && _ismbblead(*at) && at[1];
 }
 
 bool IsSpace(const Byte* at) {
-    if (*at < 0x80) return *at == ' ' || (*at >= '\t' && *at <= '\r');
+    if (*at < kFirstLead) return *at == ' ' || (*at >= '\t' && *at <= '\r');
     return _ismbcspace(IsDoubleByte(at) ? at[0] << 8 | at[1] : at[0]) != 0;
 }
 
+// The character before `at`, which is behind `first`.
+const Byte* StepBack(const Byte* first, const Byte* at) {
+    bool single = at - first < 2 || at[-2] < kFirstLead;
+    return single ? at - 1 : _mbsdec(first, at);
+}
+
+// Some bytes of the line buffer.
 struct Span {
     const Byte* first;
     const Byte* end;
@@ -46,7 +57,7 @@ bool FindQuotedText(int size, Span& text) {
     const Byte* first = g_line;
     while (IsSpace(first)) first += IsDoubleByte(first) ? 2 : 1;
     const Byte* last = behind;
-    while (last > first && IsSpace(last)) last = _mbsdec(first, last);
+    while (last > first && IsSpace(last)) last = StepBack(first, last);
     if (last <= first || first + 1 >= behind || *first != '"') return false;
     // The last byte goes whatever it is; nothing tests for the quote.
     if (last + 1 < behind && IsDoubleByte(last)) ++last;
@@ -54,24 +65,50 @@ bool FindQuotedText(int size, Span& text) {
     return true;
 }
 
-// Keeps the string's memory where it can, so that reading a line allocates nothing.
-void Assign(CXString& text, const Span& span) {
-    size_t size = strnlen(reinterpret_cast<const char*>(span.first), span.end - span.first);
+// The bytes that need a closer look, found eight at a time: nearly no text has one.
+bool HoldsNulOrBackslash(const Span& span) {
+    constexpr uint64_t kOnes = 0x0101010101010101, kHighBits = kOnes << 7;
+    auto holdsZero = [](uint64_t bytes) { return (bytes - kOnes) & ~bytes & kHighBits; };
+    uint64_t found = 0;
+    const Byte* at = span.first;
+    for (; span.end - at >= 8; at += 8) {
+        uint64_t bytes;
+        memcpy(&bytes, at, sizeof bytes);
+        found |= holdsZero(bytes) | holdsZero(bytes ^ kOnes * '\\');
+    }
+    for (; at < span.end; ++at) found |= !*at || *at == '\\';
+    return found != 0;
+}
+
+}  // namespace
+
+// Keeps the string's memory where it can, so that reading a line allocates nothing. A text ends at its first NUL.
+void FileText::Assign(const char* bytes, size_t size) {
     __CXBuff<CXString, char*> buffer(text, static_cast<int>(size));
-    memcpy(buffer.buffer, span.first, size);
+    memcpy(buffer.buffer, bytes, size);
     buffer.buffer[size] = 0;
 }
+
+void FileText::Unescape() {
+    if (escaped) UnescapeText(text);
+    escaped = false;
+}
+
+namespace {
 
 // The dialog font as the settings of one file give it.
 class FontSettings {
 public:
     // False when the key is no setting.
-    bool Take(const CXString& key, const CXString& value) {
-        if (key.Compare("DialogFontName") == 0) {
+    bool Take(const char* key, const CXString& value) {
+        constexpr char kPrefix[] = "DialogFont";
+        if (*key != *kPrefix || strncmp(key, kPrefix, sizeof kPrefix - 1)) return false;
+        const char* setting = key + sizeof kPrefix - 1;
+        if (!strcmp(setting, "Name")) {
             value.CopyFit(m_name, sizeof m_name);
-        } else if (key.Compare("DialogFontScript") == 0) {
+        } else if (!strcmp(setting, "Script")) {
             m_script = atoi(value);
-        } else if (key.Compare("DialogFontSize") == 0) {
+        } else if (!strcmp(setting, "Size")) {
             m_size = atoi(value);
         } else {
             return false;
@@ -93,37 +130,42 @@ private:
     int m_count = 0;
 };
 
-// The first translation of a text stands, also an empty one.
-void AddText(CWld& dictionary, CXString& source, CXString& target) {
-    UnescapeText(source);
-    UnescapeText(target);
-    if (dictionary.m_Contexts.Find(source)) return;
-    auto context = std::make_unique<CContext>(source, target);
-    if (dictionary.m_Contexts.SetAt(source, context.get())) context.release();
+// The first translation of a text stands, also an empty one. The entry shares the texts just read.
+void AddText(CWld& dictionary, FileText& source, FileText& target) {
+    source.Unescape();
+    target.Unescape();
+    if (dictionary.m_Contexts.Find(source.text)) return;
+    auto context = std::make_unique<CContext>(nullptr, nullptr);
+    context->source = source.text;
+    context->target = target.text;
+    if (dictionary.m_Contexts.SetAt(source.text, context.get())) context.release();
 }
 
 }  // namespace
 
-int ReadQuotedLine(IXFile* file, CXString& text) {
+int ReadQuotedLine(IXFile* file, FileText& text) {
     Span span;
     int size;
     do {
         size = file->ReadLine(reinterpret_cast<char*>(g_line), kLineSize);
         if (!size) return 0;
     } while (!FindQuotedText(size, span));
-    Assign(text, span);
+    auto bytes = reinterpret_cast<const char*>(span.first);
+    size_t length = span.end - span.first;
+    text.escaped = HoldsNulOrBackslash(span);
+    text.Assign(bytes, text.escaped ? strnlen(bytes, length) : length);
     return 1;
 }
 
 void ReadWldFile(CWld& dictionary, const char* path) {
     Reference<IXFile> file(Fio_Open(path, 0));
     if (!file) throw CXMemException();
-    CXString key, value;
+    FileText key, value;
     FontSettings font;
     while (ReadQuotedLine(file.Get(), key)) {
         // A key without a value gets the value before it.
         ReadQuotedLine(file.Get(), value);
-        if (!font.Take(key, value)) AddText(dictionary, key, value);
+        if (!font.Take(key.text, value.text)) AddText(dictionary, key, value);
     }
     font.Apply(dictionary);
 }

@@ -11,7 +11,16 @@
 // Throws CXFileException; what was read before stays.
 void ReadWldFile(CWld& dictionary, const char* path);
 
+// A key or a value as it stands in the file.
+struct FileText {
+    void Assign(const char* bytes, size_t size);
+    void Unescape();
+
+    CXString text;
+    bool escaped = false;  // it may hold a backslash
+};
+
 // The next quoted text of the file. 0 at the end, which a line of a lone line feed means too; `text` then stays.
-int ReadQuotedLine(IXFile* file, CXString& text);
+int ReadQuotedLine(IXFile* file, FileText& text);
 
 #endif
