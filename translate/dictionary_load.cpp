@@ -1,6 +1,18 @@
 #include "translate/dictionary_file.h"
+#include "translate/geometry_file.h"
 
 #include <qxcore/exception.h>
+
+namespace {
+
+// The geometry beside a dictionary may be missing or unreadable.
+void ReadGeometryBeside(CWld& dictionary, const char* path) {
+    CXString geometry(path);
+    geometry.ChangeFileExt("dlg");
+    ReadDlgFile(dictionary, geometry);
+}
+
+}  // namespace
 
 int CWld::Init(const char* path) {
     return m_bInit ? 1 : Add(path);
@@ -9,6 +21,7 @@ int CWld::Init(const char* path) {
 int CWld::Add(const char* path) {
     try {
         ReadWldFile(*this, path);
+        ReadGeometryBeside(*this, path);
     } catch (CXFileException&) {
         return 0;
     }

@@ -329,21 +329,21 @@ TEST(DictionaryStorageTest, RestoreSurvivesEveryFailingAllocation) {
     storage.Write(L"ContextHeader", Header(2, "Arial", 0, 9));
     storage.Write(L"C0", Entry("Open\\n", std::string(3000, 't')));
     storage.Write(L"C1", Entry("Close", "Zu"));
-    unsigned failures = FailEachAllocation([] { return std::make_unique<CWld>(); },
-                                           [&](auto& d) {
-                                               // Without memory for a stream a storage answers as for a missing one.
-                                               try {
-                                                   d->Restore(storage.Get());
-                                               } catch (CXFileException&) {
-                                                   throw CXMemException();
-                                               }
-                                           },
-                                           [&](auto& d) {
-                                               d->Restore(storage.Get());
-                                               EXPECT_EQ(2u, d->m_Contexts.count);
-                                               EXPECT_STREQ("Zu", d->Translate("Close", 1));
-                                           });
-    EXPECT_GT(failures, 10u);
+    auto make = [] { return std::make_unique<CWld>(); };
+    auto restore = [&](auto& d) {
+        // Without memory for a stream a storage answers as for a missing one.
+        try {
+            d->Restore(storage.Get());
+        } catch (CXFileException&) {
+            throw CXMemException();
+        }
+    };
+    auto isUsable = [&](auto& d) {
+        d->Restore(storage.Get());
+        EXPECT_EQ(2u, d->m_Contexts.count);
+        EXPECT_STREQ("Zu", d->Translate("Close", 1));
+    };
+    EXPECT_GT(FailEachAllocation(make, restore, isUsable), 10u);
 }
 
 // A fixed seed; a failing round is told by its number.
