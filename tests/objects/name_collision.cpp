@@ -1,7 +1,9 @@
 #include "objects/name_collision.h"
 
+#include <algorithm>
 #include <random>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -24,15 +26,17 @@ unsigned TextHash(const std::string& text) {
 std::string NameWithTheHashOf(const std::string& name) {
     const unsigned shift = 257u * 257u * 257u * 257u;
     std::mt19937 random(1);
-    std::unordered_map<unsigned, std::string> lastHalves;
-    for (int i = 0; i < 100000; ++i) {
-        std::string last = RandomLetters(random, 4);
-        lastHalves[TextHash(last)] = last;
+    std::vector<std::pair<unsigned, std::string>> lastHalves(100000);
+    for (auto& [hash, last] : lastHalves) {
+        last = RandomLetters(random, 4);
+        hash = TextHash(last);
     }
+    std::sort(lastHalves.begin(), lastHalves.end());
     for (int i = 0; i < 10000000; ++i) {
         std::string first = RandomLetters(random, 5);
-        auto last = lastHalves.find(TextHash(name) - TextHash(first) * shift);
-        if (last != lastHalves.end()) return first + last->second;
+        unsigned wanted = TextHash(name) - TextHash(first) * shift;
+        auto last = std::lower_bound(lastHalves.begin(), lastHalves.end(), std::pair(wanted, std::string()));
+        if (last != lastHalves.end() && last->first == wanted) return first + last->second;
     }
     return "";
 }
