@@ -150,7 +150,7 @@ std::vector<uint8_t> WriteTemplate(const DialogModel& d) {
     return w.bytes;
 }
 
-std::optional<DialogModel> ParseTemplate(const uint8_t* data, size_t size) {
+std::optional<DialogModel> ParseTemplate(const uint8_t* data, size_t size, size_t* left) {
     DialogModel d;
     d.extended = size >= 4 && data[2] == 0xFF && data[3] == 0xFF;
     Reader r(data, size);
@@ -168,7 +168,8 @@ std::optional<DialogModel> ParseTemplate(const uint8_t* data, size_t size) {
         }
     } catch (int) {
     }
-    if (size != wholeEnd) return std::nullopt;
+    if (left) *left = size - wholeEnd;
+    if (!left && size != wholeEnd) return std::nullopt;
     return d;
 }
 

@@ -63,8 +63,8 @@ struct DialogModel {
 std::vector<uint8_t> WriteTemplate(const DialogModel& dialog);
 
 // Reads as many controls as fit, at most as many as are counted. Nothing when the head is cut off or bytes are left
-// behind the last control.
-std::optional<DialogModel> ParseTemplate(const uint8_t* data, size_t size);
+// behind the last control, unless `left` takes their number.
+std::optional<DialogModel> ParseTemplate(const uint8_t* data, size_t size, size_t* left = nullptr);
 
 // What a mismatch shows.
 void PrintTo(const DialogModel& dialog, std::ostream* out);
