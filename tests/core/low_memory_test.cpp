@@ -1,4 +1,6 @@
 // A process has one sink, once; so these tests are a program of their own.
+#include "support/allocation_failure.h"
+
 #include <gtest/gtest.h>
 #include <qxcore.h>
 
@@ -64,6 +66,29 @@ TEST_F(LowMemoryTest, ASizeThatWrapsIsRefusedWithoutAskingTheSink) {
     Sink().Reset(5);
     EXPECT_THROW(Mem_DefaultHeap(0)->Alloc(SIZE_MAX), CXMemException);
     EXPECT_TRUE(Sink().attempts.empty());
+}
+
+TEST_F(LowMemoryTest, ARequestThatSucceedsOnItsSecondTryIsServed) {
+    Sink().Reset(1);
+    void* block;
+    {
+        FailingAllocation failing(1);
+        block = Mem_DefaultHeap(0)->Alloc(100);
+    }
+    EXPECT_EQ(Sink().attempts, (std::vector<unsigned>{0}));
+    EXPECT_EQ(static_cast<char*>(block)[99], 0);
+    Mem_DefaultHeap(0)->Free(block);
+}
+
+TEST_F(LowMemoryTest, ReallocThatFailsAsksTheSinkAndKeepsTheBlock) {
+    void* block = Mem_DefaultHeap(0)->Alloc(100);
+    {
+        FailingAllocation failing(1);
+        EXPECT_THROW(Mem_DefaultHeap(0)->Realloc(block, 200), CXMemException);
+    }
+    EXPECT_EQ(Sink().attempts, (std::vector<unsigned>{0}));
+    EXPECT_GE(Mem_DefaultHeap(0)->GetSize(block), 100u);
+    Mem_DefaultHeap(0)->Free(block);
 }
 
 TEST_F(LowMemoryTest, ASecondSinkThrowsEvenIfItIsNull) {
