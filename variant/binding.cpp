@@ -78,12 +78,12 @@ int QXVariantBindToValue(unsigned short type, void* value, const tagQXVARIANT* v
 
 int QXVariantBindFromValue(unsigned short type, void* value, tagQXVARIANT* v) {
     if (!CanBind(type)) {
-        QXVariantClear(v);
+        ClearVariant(v);
         v->type = type;
         return 0;
     }
     tagQXVALUE loaded = LoadValue(type, value);
-    QXVariantClear(v);
+    ClearVariant(v);
     v->type = type;
     v->value = loaded;
     return 1;

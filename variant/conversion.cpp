@@ -17,6 +17,10 @@ bool Zero(const Value&, Value&) {
     return true;
 }
 
+bool Fail(const Value&, Value&) {
+    return false;
+}
+
 // Between forms as the language converts them: bits are kept, cut or widened, integers become reals.
 template <auto From, auto To>
 bool Cast(const Value& from, Value& to) {
@@ -163,7 +167,7 @@ constexpr auto i4 = &Value::intVal;
 constexpr auto d = &Value::doubleVal;
 constexpr auto f = &Value::floatVal;
 
-constexpr Converter fail = nullptr;
+constexpr Converter fail = Fail;
 constexpr Converter zero = Zero;
 constexpr Converter copy = Cast<u4, u4>;
 constexpr Converter low1 = Cast<u1, u1>;
@@ -228,29 +232,34 @@ constexpr Converter kCompounds[][8] = {
 
 // clang-format on
 
-constexpr int kBorrowedRow = QXVT_UNKNOWN + 1 - QXVT_SIZE;
+// The codes of the table: 0 to 18 stand for themselves, the last place for the one code behind them that matters, the
+// borrowed object as a target, and any code above 18 as a source.
+constexpr unsigned kCodes = 20;
+constexpr unsigned kBehind = kCodes - 1;
 
-bool IsTarget(unsigned short type) {
-    return type <= QXVT_UNKNOWN || type == QXVT_UNKNOWN_REF;
-}
-
-// No scalar becomes a compound, nor the other way.
-Converter ConverterOf(unsigned short from, unsigned short to) {
+constexpr Converter ConverterOf(unsigned from, unsigned to) {
+    if (to == QXVT_EMPTY || from == kBehind) return zero;  // nothing to keep, nothing to convert
     bool scalar = from <= QXVT_STRING;
     if (to <= QXVT_STRING) return scalar ? kScalars[to - QXVT_BOOL][from] : fail;
-    if (scalar) return fail;
-    return kCompounds[to == QXVT_UNKNOWN_REF ? kBorrowedRow : to - QXVT_SIZE][from - QXVT_SIZE];
+    return scalar ? fail : kCompounds[to - QXVT_SIZE][from - QXVT_SIZE];
 }
 
-// REQUIRES: dest is empty; a failure leaves it so.
-bool Convert(tagQXVARIANT* dest, const tagQXVARIANT& src, unsigned short type) {
-    if (!IsTarget(type)) return false;
-    if (type == QXVT_EMPTY) return true;
-    // A source of a code above 18 has nothing to convert: any target takes it, as a zero value.
-    if (src.type <= QXVT_UNKNOWN) {
-        Converter converter = ConverterOf(src.type, type);
-        if (!converter || !converter(src.value, dest->value)) return false;
+struct ConverterTable {
+    constexpr ConverterTable() : converters() {
+        for (unsigned to = 0; to < kCodes; ++to) {
+            for (unsigned from = 0; from < kCodes; ++from) converters[to][from] = ConverterOf(from, to);
+        }
     }
+    Converter converters[kCodes][kCodes];
+};
+
+constexpr ConverterTable kTable;
+
+// REQUIRES: dest is empty; a failure leaves it so.
+inline bool Convert(tagQXVARIANT* dest, const tagQXVARIANT& src, unsigned short type) {
+    if (type > QXVT_UNKNOWN && type != QXVT_UNKNOWN_REF) return false;
+    const auto& converters = kTable.converters[type <= QXVT_UNKNOWN ? type : kBehind];
+    if (!converters[src.type <= QXVT_UNKNOWN ? src.type : kBehind](src.value, dest->value)) return false;
     dest->type = type;
     return true;
 }
@@ -258,7 +267,7 @@ bool Convert(tagQXVARIANT* dest, const tagQXVARIANT& src, unsigned short type) {
 int ConvertInPlace(tagQXVARIANT* v, unsigned short type) {
     CQXVariant work;
     if (!Convert(&work, *v, type)) return 0;
-    QXVariantClear(v);
+    ClearVariant(v);
     *v = work.Detach();
     return 1;
 }
@@ -267,6 +276,6 @@ int ConvertInPlace(tagQXVARIANT* v, unsigned short type) {
 
 int QXVariantChangeType(tagQXVARIANT* dest, const tagQXVARIANT* src, unsigned short type) {
     if (dest == src) return ConvertInPlace(dest, type);
-    QXVariantClear(dest);
+    ClearVariant(dest);
     return Convert(dest, *src, type);
 }

@@ -31,6 +31,24 @@ inline IQXUnknown* WithReference(IQXUnknown* object) {
     return object;
 }
 
+inline bool OwnsValue(unsigned short type) {
+    return type == QXVT_STRING || type == QXVT_BLOB || type == QXVT_UNKNOWN;
+}
+
+// REQUIRES: the type owns its value.
+void ReleaseValue(unsigned short type, const tagQXVALUE& value);
+
+// The record is empty before its value goes, so whoever that calls finds no half-dead variant.
+inline void ClearVariant(tagQXVARIANT* v) {
+    if (!OwnsValue(v->type)) {
+        memset(v, 0, sizeof *v);
+    } else {
+        tagQXVARIANT old = *v;
+        memset(v, 0, sizeof *v);
+        ReleaseValue(old.type, old.value);
+    }
+}
+
 // Null data has no bytes, whatever the size says.
 inline bool SameBytes(const tagQXBLOB& a, const tagQXBLOB& b) {
     if (a.size != b.size) return false;

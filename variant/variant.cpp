@@ -7,23 +7,25 @@ void QXVariantInit(tagQXVARIANT* v) {
 }
 
 void QXVariantClear(tagQXVARIANT* v) {
-    tagQXVARIANT old = *v;
-    QXVariantInit(v);
-    switch (old.type) {
+    ClearVariant(v);
+}
+
+void ReleaseValue(unsigned short type, const tagQXVALUE& value) {
+    switch (type) {
         case QXVT_STRING:
-            FreeValue(old.value.string);
+            FreeValue(value.string);
             break;
         case QXVT_BLOB:
-            FreeValue(old.value.blob.data);
+            FreeValue(value.blob.data);
             break;
         case QXVT_UNKNOWN:
-            if (old.value.unknown) old.value.unknown->Release();
+            if (value.unknown) value.unknown->Release();
             break;
     }
 }
 
 void QXVariantCopy(tagQXVARIANT* dest, const tagQXVARIANT* src) {
-    QXVariantClear(dest);
+    ClearVariant(dest);
     tagQXVARIANT copy = *src;
     switch (copy.type) {
         case QXVT_STRING:
