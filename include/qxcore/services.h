@@ -23,6 +23,7 @@ struct IQXServiceContainer : IQXUnknown {
     virtual int AddService(const char* name, IQXUnknown* object) = 0;
     // 0 if the name is absent.
     virtual int RemoveService(const char* name) = 0;
+    // REQUIRES: no sink adds or removes services while it hears of its removal here, or at the container's end.
     virtual void RemoveAllServices() = 0;
 
 protected:
