@@ -15,8 +15,11 @@ private:
     ~CXOutFile() override;
     void OpenOverTarget(int flags);
     void OpenInner(int flags);
+    void LockTarget();
+    void UnlockTarget();
 
     CXString m_temp;
+    bool m_locked = false;  // whether the target's lock counts this object
     bool m_committed = false;
 };
 

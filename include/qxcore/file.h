@@ -34,9 +34,9 @@ public:
     virtual unsigned short ReadShort() = 0;
     virtual unsigned ReadLong() = 0;
     virtual double ReadDouble() = 0;
-    // Reads up to and with the next line feed, at most count bytes, and puts a NUL behind it. The answer leaves out
-    // the line feed, which stays in the buffer. Where the file ends first, the cell behind the last byte keeps what
-    // it held and the NUL stands behind that cell.
+    // Reads up to and with the next line feed, at most count bytes, and puts a NUL behind what was read. The answer
+    // leaves out the line feed, which stays in the buffer unless it was byte number count: the NUL then takes its
+    // place. Where the file ends first, the cell behind the last byte keeps what it held and the NUL stands behind it.
     // REQUIRES: the buffer has room for count + 1 bytes; count is positive.
     virtual int ReadLine(char* buffer, int count) = 0;
     virtual void WriteByte(unsigned char value) = 0;
@@ -58,7 +58,7 @@ class IXOutFile : public IXFile {
 public:
     // Closes the file and puts it in the target's place: the target is deleted, then the new file renamed. A failure
     // between the two leaves the new content in the temporary file beside the target. A second call does nothing.
-    // After it only GetPath, AddRef, Release and QueryInterface may be called.
+    // Data operations after it raise code 10.
     virtual void Commit() = 0;
 
 protected:
@@ -69,7 +69,8 @@ QX_DECLARE_TYPEID(IXOutFile, ".?AVIXOutFile@@");
 // Opens a file; one reference for the caller. Null only when the heap gives no memory. A null path makes a temporary
 // file. The last Release closes; it raises code 2 when the file cannot be closed or cut to its length.
 QXCORE_API IXFile* Fio_Open(const char* path, int flags);
-// Opens a file that replaces the target on Commit, through a temporary file in the target's directory.
+// Opens a file that replaces the target on Commit, through a temporary file in the target's directory. QXFIO_KEEP
+// starts with the old content, at its end. QXFIO_TEMPORARY loses the target: Commit finds nothing to rename.
 // Null only when the heap gives no memory. A target that may not be written is CXException code 9; a directory in
 // which no temporary file can be made is CXException 9, 13, 7 or 2.
 QXCORE_API IXOutFile* Fio_OpenOut(const char* path, int flags);

@@ -61,6 +61,14 @@ BOOL WINAPI FailingCall(void*) {
     return FALSE;
 }
 
+const void* g_keptView;
+
+BOOL WINAPI FailingUnmap(const void* view) {
+    g_keptView = view;
+    SetLastError(g_error);
+    return FALSE;
+}
+
 template <class Function>
 void* Address(Function* function) {
     return reinterpret_cast<void*>(function);
@@ -189,9 +197,12 @@ TEST_F(FileErrorTest, AFileThatCannotBeCutIsCodeTwoAndTheObjectIsGone) {
 
 TEST_F(FileErrorTest, AViewThatCannotBeUnmappedIsCodeTwoOnRelease) {
     IXFile* file = Fio_Open(MakeFile("f", "abc").c_str(), 0);
-    ReplacedImport failing("UnmapViewOfFile", Address(&FailingCall));
-    g_error = ERROR_INVALID_ADDRESS;
-    EXPECT_EQ(FailureOf([&] { file->Release(); }), (Failure{QXERR_MEMORY, 1, Path("f")}));
+    {
+        ReplacedImport failing("UnmapViewOfFile", Address(&FailingUnmap));
+        g_error = ERROR_INVALID_ADDRESS;
+        EXPECT_EQ(FailureOf([&] { file->Release(); }), (Failure{QXERR_MEMORY, 1, Path("f")}));
+    }
+    EXPECT_TRUE(UnmapViewOfFile(g_keptView));
 }
 
 TEST_F(FileErrorTest, AnOutputFileThatCannotBeClosedWholeIsAbandonedByCommit) {

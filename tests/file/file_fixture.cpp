@@ -1,6 +1,5 @@
 #include "file/file_fixture.h"
 
-#include <atomic>
 #include <cstring>
 #include <ostream>
 
@@ -35,15 +34,22 @@ HANDLE OpenOrFail(const std::string& path, DWORD access, DWORD creation) {
 }  // namespace
 
 FileTest::FileTest() {
-    static std::atomic<int> number{0};
     char temp[MAX_PATH];
     GetTempPathA(MAX_PATH, temp);
-    m_directory = std::string(temp) + "qxfile" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++number);
-    CreateDirectoryA(m_directory.c_str(), nullptr);
+    // Process numbers come again, and several runs may share the directory.
+    for (unsigned number = GetTickCount();; ++number) {
+        m_directory = std::string(temp) + "qxfile" + std::to_string(number % 1000000);
+        if (CreateDirectoryA(m_directory.c_str(), nullptr)) break;
+    }
 }
 
 FileTest::~FileTest() {
-    RemoveTree(m_directory);
+    // A process that was killed a moment ago may still hold a file.
+    for (int i = 0; i < 500 && Exists(m_directory); ++i) {
+        if (i) Sleep(10);
+        RemoveTree(m_directory);
+    }
+    EXPECT_FALSE(Exists(m_directory)) << m_directory;
 }
 
 std::string FileTest::MakeFile(const std::string& name, const std::string& content) const {

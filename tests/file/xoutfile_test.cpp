@@ -205,7 +205,7 @@ TEST_F(OutFileTest, ATargetThatAnotherProcessHoldsStaysAndTheNewContentStaysBesi
     EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
 }
 
-TEST_F(OutFileTest, ATargetThatVanishedIsMadeByCommit) {
+TEST_F(OutFileTest, ATargetThatVanishedIsMadeByCommitAndStaysUnlocked) {
     std::string path = MakeFile("f", "old");
     OutFile file = OpenOut(path);
     Put(*file, "new");
@@ -213,6 +213,33 @@ TEST_F(OutFileTest, ATargetThatVanishedIsMadeByCommit) {
     DeleteFileA(path.c_str());
     file->Commit();
     EXPECT_EQ(ContentOf(path), "new");
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
+    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, 0), 0u);
+}
+
+TEST_F(OutFileTest, ATargetThatAppearedIsReplacedAndTheLockOfOthersStays) {
+    std::string path = Path("f");
+    Fio_LockFile(path.c_str());
+    OutFile file = OpenOut(path);
+    Put(*file, "new");
+    MakeFile("f", "of somebody else");
+    file->Commit();
+    EXPECT_EQ(ContentOf(path), "new");
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 1);
+    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, 3), DWORD(ERROR_SHARING_VIOLATION));
+    Fio_UnlockFile(path.c_str());
+}
+
+TEST_F(OutFileTest, ATargetThatIsOpenElsewhereIsReplacedOnceItIsClosed) {
+    std::string path = MakeFile("f", "old");
+    HANDLE reader = CreateFileA(path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr);
+    OutFile file = OpenOut(path);
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
+    Put(*file, "new");
+    CloseHandle(reader);
+    file->Commit();
+    EXPECT_EQ(ContentOf(path), "new");
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
 }
 
 // The inner file takes its temporary with it, so Commit deletes the target and finds nothing to rename.
