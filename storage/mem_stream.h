@@ -21,13 +21,8 @@ public:
     int Read(void* buffer, int count) override {
         int left = GetLength() - m_position;
         if (left <= 0) return 0;
-        if (count > left) count = left;
-        if (count > 0) {
-            memcpy(buffer, m_block.data + m_position, count);
-            m_position += count;
-        }
-        Poll();
-        return count > 0 ? count : 0;
+        if (count < 0) count = 0;
+        return count <= left ? Deliver(buffer, count) : DeliverRest(buffer, left);
     }
     int Write(const void* buffer, int count) override {
         if (count < 0) count = 0;
@@ -56,6 +51,15 @@ public:
     void SetData(const void* bytes, unsigned size) override { m_block.Set(bytes, size); }
 
 private:
+    int Deliver(void* buffer, int count) {
+        memcpy(buffer, m_block.data + m_position, count);
+        m_position += count;
+        Poll();
+        return count;
+    }
+    // Stands apart, so that a typed read stays one load.
+    QXCORE_NOINLINE int DeliverRest(void* buffer, int left) { return Deliver(buffer, left); }
+
     // What the call moved stays moved.
     void Poll() {
         if (m_progress && m_progress->IsCancelled()) throw CXException(QXERR_CANCELLED);

@@ -2,11 +2,10 @@
 #ifndef QXCORE_PROPERTY_H
 #define QXCORE_PROPERTY_H
 
+#include <qxcore/enum.h>
 #include <qxcore/unknown.h>
 
 class CQXVariant;
-template <class T>
-class CTEnum;
 
 // Known names: "Title", "Subject", "Author", "Keywords", "Comments", "Last Author", "App name", "Category", "Company".
 // Nothing throws; every failure answers 0. A value reaches the file when the storage commits.

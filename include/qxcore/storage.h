@@ -6,11 +6,9 @@
 #ifndef QXCORE_STORAGE_H
 #define QXCORE_STORAGE_H
 
+#include <qxcore/enum.h>
 #include <qxcore/platform.h>
 #include <qxcore/stream.h>
-
-template <class T>
-class CTEnum;
 
 struct IXStorage : IQXUnknown {
     // A new sub-storage, in place of an element of that name; `unused` has no effect. Throws CXFileException.
@@ -64,7 +62,8 @@ enum : int {
 // A new storage: in a file at path, whose missing directories are made; in memory when path is null; in a temporary
 // file with bit 2. Throws CXFileException, operation 0, with the path.
 QXCORE_API IXStorage* new_Storage(const char* path, int flags);
-// An existing file, for reading, or transacted for reading and writing. A URL throws CXFileException code 13.
+// An existing file, for reading, or transacted for reading and writing. Throws CXFileException, operation 0: code 15
+// for a damaged file, whose tables are looked over first; code 13 for a URL, without a name.
 QXCORE_API IXStorage* open_Storage(const char* path, int readOnly);
 // Takes a reference on an IStorage. The path stays empty.
 QXCORE_API IXStorage* new_StorageByOleStorage(void* oleStorage);

@@ -29,7 +29,9 @@ struct IXStream : IQXUnknown {
     virtual unsigned ReadLong() = 0;
     virtual double ReadDouble() = 0;
     // Reads up to and with a line feed or a NUL, at most count bytes, terminates, and answers the length with that
-    // last byte. REQUIRES: a buffer of count + 2 bytes, since a full one is terminated behind its end.
+    // last byte. How a full buffer ends differs: an element of a storage puts the NUL at buffer[count] and answers
+    // count; a memory stream puts it at buffer[count + 1] and answers count + 1; a stream over a foreign OLE stream
+    // ends at a NUL only and terminates nothing. REQUIRES: a buffer of count + 2 bytes.
     virtual int ReadString(char* buffer, int count) = 0;
     // Replaces the variant by the next one; 1 when it was read whole. An unknown tag throws CXFileException code 15.
     virtual int ReadVariant(tagQXVARIANT* variant) = 0;
