@@ -3,6 +3,7 @@
 #define QXCORE_VARIANT_VALUE_BLOCK_H
 
 #include "core/memory_manager.h"
+#include "strings/unit_scan.h"
 
 #include <qxcore/variant.h>
 
@@ -23,7 +24,7 @@ inline void* CopyBytes(const void* bytes, size_t size) {
 }
 
 inline char* CopyText(const char* text) {
-    return static_cast<char*>(CopyBytes(text, text ? strlen(text) + 1 : 0));
+    return static_cast<char*>(CopyBytes(text, text ? ScanLength(text) + 1 : 0));
 }
 
 inline IQXUnknown* WithReference(IQXUnknown* object) {
