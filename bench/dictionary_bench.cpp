@@ -93,7 +93,7 @@ void BenchLookup(unsigned entries) {
         auto ours = InTurn(hit ? texts : unknown,
                            [&](const std::string& text) { return dictionary.Translate(text.c_str(), 0); });
         auto peer = InTurn(hit ? texts : unknown, [&](const std::string& text) {
-            auto found = table.find(text.c_str());
+            auto found = table.find(text);
             return found == table.end() ? text.c_str() : found->second.c_str();
         });
         auto figures = bench::Compare(what, "std::unordered_map", ours, peer);

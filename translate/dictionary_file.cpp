@@ -82,8 +82,9 @@ bool HoldsNulOrBackslash(const Span& span) {
 
 }  // namespace
 
-// Keeps the string's memory where it can, so that reading a line allocates nothing. A text ends at its first NUL.
+// The old text goes first: an entry shares it, so its memory cannot be used again.
 void FileText::Assign(const char* bytes, size_t size) {
+    text = CXString();
     __CXBuff<CXString, char*> buffer(text, static_cast<int>(size));
     memcpy(buffer.buffer, bytes, size);
     buffer.buffer[size] = 0;
