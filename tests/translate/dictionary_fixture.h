@@ -12,6 +12,14 @@
 // Texts with these bytes behind the number belong to a place.
 inline constexpr char kKeyEnd[] = "\xFD\xFD";
 
+// So many entries make a large dictionary. With a guard-page heap each of their blocks takes mappings of the system,
+// which has some 65,000.
+#if defined(QXCORE_GUARD_HEAP)
+inline constexpr int kManyEntries = 2000;
+#else
+inline constexpr int kManyEntries = 20000;
+#endif
+
 inline void Enter(CWld& dictionary, const char* source, const char* target) {
     ASSERT_EQ(1, dictionary.m_Contexts.SetAt(source, new CContext(source, target)));
 }

@@ -171,25 +171,63 @@ TEST(DictionaryTest, OfTwoTextsWithOneHashTheLaterInsertionStandsForBoth) {
 
 TEST(DictionaryTest, CollidingTextsShareAnEntryAlsoAmongThousands) {
     CWld d;
-    for (int i = 0; i < 5000; ++i) Enter(d, ("text " + std::to_string(i)).c_str(), "x");
+    for (int i = 0; i < kManyEntries / 2; ++i) Enter(d, ("text " + std::to_string(i)).c_str(), "x");
     Enter(d, kCollidingFirst, "first");
-    for (int i = 5000; i < 10000; ++i) Enter(d, ("text " + std::to_string(i)).c_str(), "x");
+    for (int i = kManyEntries / 2; i < kManyEntries; ++i) Enter(d, ("text " + std::to_string(i)).c_str(), "x");
     Enter(d, kCollidingSecond, "second");
-    EXPECT_EQ(10001u, d.m_Contexts.count);
+    EXPECT_EQ(kManyEntries + 1u, d.m_Contexts.count);
     EXPECT_STREQ("second", d.Translate(kCollidingFirst, 1));
 }
 
 TEST(DictionaryTest, EveryTextOfALargeDictionaryIsFound) {
     CWld d;
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < kManyEntries; ++i) {
         std::string text = "text " + std::to_string(i);
         Enter(d, text.c_str(), ("T" + text).c_str());
     }
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < kManyEntries; ++i) {
         std::string text = "text " + std::to_string(i);
         ASSERT_EQ("T" + text, Shown(d.Translate(text.c_str(), 1)));
     }
-    EXPECT_EQ(nullptr, d.Translate("text 20000", 1));
+    EXPECT_EQ(nullptr, d.Translate("text -1", 1));
+}
+
+TEST(DictionaryTest, SeveralThreadsTranslateWhileNobodyAdds) {
+    CWld d;
+    for (int i = 0; i < kManyEntries; ++i) {
+        std::string text = "text " + std::to_string(i);
+        Enter(d, text.c_str(), ("T" + text).c_str());
+    }
+    struct Work {
+        CWld* dictionary;
+        int wrong;
+    };
+    auto translate = [](void* argument) -> DWORD {
+        auto work = static_cast<Work*>(argument);
+        for (int i = 0; i < kManyEntries; ++i) {
+            char text[32], expected[32], buffer[32];
+            snprintf(text, sizeof text, "text %d", i);
+            snprintf(expected, sizeof expected, "Ttext %d", i);
+            strcpy(buffer, text);
+            const char* source = text;
+            const char* found = work->dictionary->Translate(source, 1);
+            work->dictionary->Translate(buffer, static_cast<unsigned>(sizeof buffer));
+            work->wrong += !found || strcmp(found, expected) != 0 || strcmp(buffer, expected) != 0;
+        }
+        return 0;
+    };
+    Work work[4];
+    HANDLE threads[4];
+    for (int i = 0; i < 4; ++i) {
+        work[i] = {&d, 0};
+        threads[i] = CreateThread(nullptr, 0, translate, &work[i], 0, nullptr);
+        ASSERT_NE(nullptr, threads[i]);
+    }
+    WaitForMultipleObjects(4, threads, TRUE, INFINITE);
+    for (int i = 0; i < 4; ++i) {
+        CloseHandle(threads[i]);
+        EXPECT_EQ(0, work[i].wrong);
+    }
 }
 
 TEST(DictionaryTest, NewestEntryOfABucketComesFirst) {

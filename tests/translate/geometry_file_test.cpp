@@ -193,7 +193,7 @@ TEST(GeometryFileFuzz, MutatedGeometryIsSurvived) {
                     bytes.erase(at, 1 + random() % 8);
                     break;
                 default:
-                    bytes.insert(at, 1 + random() % 3000, "[\\]=,|;\x81\0 t"[random() % 11]);
+                    bytes.insert(at, 1 + random() % (kManyEntries / 8), "[\\]=,|;\x81\0 t"[random() % 11]);
                     break;
             }
             if (bytes.empty()) bytes = "[";
