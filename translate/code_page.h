@@ -19,6 +19,11 @@ inline int Widen(const char* text, int length, wchar_t* out, int room, DWORD fla
 // The narrowing of `length` characters into `room` bytes; what does not fit is cut at a whole character. Answers the
 // bytes; there is no terminator.
 inline int Narrow(const wchar_t* text, int length, char* out, int room, DWORD flags) {
+    int ascii = 0;
+    for (int limit = length < room ? length : room; ascii < limit && text[ascii] < 0x80; ++ascii) {
+        out[ascii] = static_cast<char>(text[ascii]);
+    }
+    if (ascii == length) return length;
     if (GetACP() == CP_UTF8) flags = 0;
     int fits = 0;  // characters that surely fit
     for (int fails = length + 1; fits + 1 < fails;) {

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <climits>
 #include <cstring>
+#include <intrin.h>
 
 namespace {
 
@@ -49,8 +50,15 @@ private:
     unsigned m_written = 0;
 };
 
-unsigned ContinueHash(unsigned hash, const char* text) {
-    return QXHashText(text).Behind(hash);
+// The text hash continued over a few characters, which a call would cost more than.
+constexpr unsigned ContinueHash(unsigned hash, const char* text) {
+    for (; *text; ++text) hash = hash * 257 + static_cast<unsigned>(static_cast<signed char>(*text));
+    return hash;
+}
+
+// Clears what is left of a buffer. Short ends are what there is, and the runtime's function is slow with them.
+void ClearEnd(char* end, size_t size) {
+    __stosb(reinterpret_cast<unsigned char*>(end), 0, size);
 }
 
 }  // namespace
@@ -110,7 +118,7 @@ unsigned int TranslateBufferAt(char* buffer, unsigned int size, PlaceHash place,
     if (measureOnly || translation == buffer) return length;
     unsigned copied = std::min(length, size);
     memcpy(buffer, translation, copied);
-    memset(buffer + copied, 0, size - copied);
+    ClearEnd(buffer + copied, size - copied);
     return length;
 }
 

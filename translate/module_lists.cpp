@@ -1,18 +1,12 @@
 #include "translate/module_lists.h"
 
-#include "translate/loaded_modules.h"
-
 constinit ListedModule g_excludeModules[5] = {
     {"acadres.dll", false}, {"acltres.dll", false}, {"acopm.arx", true}, {"acad.exe", false}, {"aclt.exe", false},
 };
 constinit ListedModule g_extraModules[1] = {{"mfc80u.dll", false}};
 constinit std::atomic<int> g_translationEnable = 1;
 
-void ListedModule::Refresh() {
-    if (module.load(std::memory_order_relaxed)) return;
-    // Asking the loader for an absent module searches the disk, so it is asked once for each change of the modules.
-    unsigned now = ModuleGeneration();
-    if (now && now == generation.load(std::memory_order_relaxed)) return;
+void ListedModule::Look(unsigned now) {
     module.store(GetModuleHandleA(name), std::memory_order_relaxed);
     generation.store(now, std::memory_order_relaxed);
 }

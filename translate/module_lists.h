@@ -2,6 +2,8 @@
 #ifndef QXCORE_TRANSLATE_MODULE_LISTS_H
 #define QXCORE_TRANSLATE_MODULE_LISTS_H
 
+#include "translate/loaded_modules.h"
+
 #include <qxcore/platform.h>
 
 #include <atomic>
@@ -12,8 +14,16 @@ struct ListedModule {
     std::atomic<HMODULE> module = nullptr;
     std::atomic<unsigned> generation = 0;  // of the modules when it was last looked for
 
-    // Looks for the module while it is not known.
-    void Refresh();
+    // Looks for the module while it is not known. Asking the loader for an absent module searches the disk, so it is
+    // asked once for each change of the modules.
+    void Refresh() {
+        if (module.load(std::memory_order_relaxed)) return;
+        unsigned now = ModuleGeneration();
+        if (!now || now != generation.load(std::memory_order_relaxed)) Look(now);
+    }
+
+private:
+    void Look(unsigned now);
 };
 
 // The class libraries that load resources on a host's behalf.
