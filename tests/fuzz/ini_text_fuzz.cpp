@@ -1,0 +1,76 @@
+// Broken ini text: the reader ends, what it made can be walked and cleared, and nothing but its own exceptions comes
+// out. Odd rounds run under a double-byte code page.
+#include "fuzz/fuzz_driver.h"
+
+#include <qxcore.h>
+
+#include <mbctype.h>
+
+namespace {
+
+constexpr char kFile[] = "ini_text_fuzz.ini";
+
+constexpr const char* kPieces[] = {
+    "[\\]\r\n", "[\\a\\b]\r\n", "[",      "]",        "key=i5\r\n", "=",     "|",        ";",        "#include ",
+    "\"",       "\n",           "\r\n",   "t1,2,3,4", "R2.5",       "fY",    "b1F",      "w0x10",    "stext",
+    "\x83\x5C", "\x81\x40",     "\x83",   "\\",       "# x",        "e",     "p3,4\r\n", "z",        "\t ",
+    "W-1\r\n",  "r1e400\r\n",   "T1,2,3", "u",        "P,,\r\n",    "k\r\n", "name=",    "[\\s]|k=", "[]"};
+
+std::string RandomText(Random& random) {
+    std::string text = random.Below(4) ? "[\\]\r\n" : "";
+    for (unsigned n = random.Below(60); n > 0; --n) text += kPieces[random.Below(std::size(kPieces))];
+    if (random.Below(20) == 0) text.insert(random.Below(unsigned(text.size()) + 1), 8150 + random.Below(100), 'x');
+    if (random.Below(2)) Mutate(text, random);
+    return text;
+}
+
+void WriteFile(const std::string& text) {
+    FILE* file = fopen(kFile, "wb");
+    fwrite(text.data(), 1, text.size(), file);
+    fclose(file);
+}
+
+// Every name leads to its value or child, and the counts are told.
+unsigned Walk(IParam* node, unsigned depth) {
+    unsigned found = 0;
+    const char* name;
+    CTEnum<const char*>* values = node->EnumValues();
+    while (values->Next(1, &name, nullptr)) {
+        CQXVariant value;
+        found += node->GetValue(name, &value);
+    }
+    values->Release();
+    CTEnum<const char*>* children = node->EnumSubParams();
+    while (depth < 50 && children->Next(1, &name, nullptr)) {
+        IParam* child = node->OpenSubParam(name, 0);
+        if (!child) continue;
+        found += Walk(child, depth + 1);
+        child->Release();
+    }
+    children->Release();
+    return found;
+}
+
+bool Round(Random& random) {
+    _setmbcp(random.Below(2) ? 932 : _MB_CP_SBCS);
+    // A file that includes itself is the caller's affair, so no include finds a file here.
+    WriteFile(RandomText(random));
+    IParam* root = new_MemParam();
+    try {
+        Param_IniFile2Param(kFile, root);
+    } catch (CXException&) {
+    }
+    Walk(root, 0);
+    root->Clear();
+    bool empty = Walk(root, 0) == 0;
+    root->Release();
+    return empty;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int result = fuzz::Main(argc, argv, 3000, Round);
+    remove(kFile);
+    return result;
+}

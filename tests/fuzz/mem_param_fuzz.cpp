@@ -1,0 +1,185 @@
+// Random operations on a tree in memory against a model that is simple enough to be right: names are folded, each
+// node keeps its entries in order of first creation.
+#include "fuzz/fuzz_driver.h"
+
+#include <qxcore.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+struct Model {
+    struct Value {
+        std::string name;  // as first spelled
+        int value;
+    };
+    struct Child {
+        std::string name;
+        std::shared_ptr<Model> node;
+    };
+    std::vector<Value> values;
+    std::vector<Child> children;
+
+    template <class Entries>
+    static auto Find(Entries& entries, const std::string& name) {
+        auto at = entries.begin();
+        while (at != entries.end() && _stricmp(at->name.c_str(), name.c_str()) != 0) ++at;
+        return at;
+    }
+
+    void Clear() {
+        values.clear();
+        children.clear();
+    }
+
+    std::shared_ptr<Model> Create(const std::string& name) {
+        size_t cut = name.find('\\');
+        if (cut != std::string::npos) {
+            std::string head = name.substr(0, cut);
+            auto at = Find(children, head);
+            if (at == children.end()) {
+                children.push_back({head, std::make_shared<Model>()});
+                at = children.end() - 1;
+            }
+            std::shared_ptr<Model> node = at->node;
+            return node->Create(name.substr(cut + 1));
+        }
+        auto at = Find(children, name);
+        if (at == children.end()) {
+            children.push_back({name, std::make_shared<Model>()});
+            return children.back().node;
+        }
+        at->node->Clear();
+        return at->node;
+    }
+
+    std::shared_ptr<Model> Open(const std::string& name, bool create) {
+        size_t cut = name.find('\\');
+        if (cut != std::string::npos) {
+            auto at = Find(children, name.substr(0, cut));
+            std::string tail = name.substr(cut + 1);
+            if (at != children.end()) return at->node->Open(tail, create);
+            return create ? Create(tail) : nullptr;
+        }
+        auto at = Find(children, name);
+        if (at != children.end()) return at->node;
+        return create ? Create(name) : nullptr;
+    }
+
+    void Set(const std::string& name, int value) {
+        size_t cut = name.rfind('\\');
+        if (cut != std::string::npos) Open(name.substr(0, cut), true)->Set(name.substr(cut + 1), value);
+        std::string own = name.empty() ? "@" : name;
+        auto at = Find(values, own);
+        if (at == values.end()) {
+            values.push_back({own, value});
+        } else {
+            at->value = value;
+        }
+    }
+
+    void DeleteValue(const std::string& name) {
+        auto at = Find(values, name.empty() ? "@" : name);
+        if (at != values.end()) values.erase(at);
+    }
+
+    void DeleteChild(const std::string& name) {
+        if (std::shared_ptr<Model> node = Open(name, false)) node->Clear();
+        auto at = Find(children, name);
+        if (at != children.end()) children.erase(at);
+    }
+
+    std::string Text() const {
+        std::string text;
+        for (const Value& v : values) {
+            // A path under the whole name is not read back.
+            bool path = v.name.find('\\') != std::string::npos;
+            text += v.name + (path ? "" : "=" + std::to_string(v.value)) + ";";
+        }
+        for (const Child& c : children) text += c.name + "{" + c.node->Text() + "}";
+        return text;
+    }
+};
+
+std::string Text(IParam* node) {
+    std::string text;
+    const char* name;
+    CTEnum<const char*>* values = node->EnumValues();
+    while (values->Next(1, &name, nullptr)) {
+        CQXVariant value;
+        text += name;
+        if (!strchr(name, '\\') && node->GetValue(name, &value)) text += "=" + std::to_string(value.value.intVal);
+        text += ";";
+    }
+    values->Release();
+    CTEnum<const char*>* children = node->EnumSubParams();
+    while (children->Next(1, &name, nullptr)) {
+        IParam* child = node->OpenSubParam(name, 0);
+        text += std::string(name) + "{" + Text(child) + "}";
+        child->Release();
+    }
+    children->Release();
+    return text;
+}
+
+std::string RandomName(Random& random, unsigned levels) {
+    static constexpr const char* kNames[] = {"a", "A", "b", "long name", "X1", "x1", "c"};
+    std::string name = kNames[random.Below(7)];
+    while (--levels > 0 && random.Below(3) == 0) name += std::string("\\") + kNames[random.Below(7)];
+    return name;
+}
+
+void Step(IParam* root, Model& model, Random& random) {
+    std::string path = RandomName(random, 4), name = random.Below(8) ? RandomName(random, 3) : "";
+    int number = int(random.Below(1000));
+    CQXVariant value(number);
+    switch (random.Below(9)) {
+        case 0:
+        case 1:
+            root->CreateSubParam(path.c_str())->Release();
+            model.Create(path);
+            break;
+        case 2:
+            if (IParam* child = root->OpenSubParam(path.c_str(), 1)) child->Release();
+            model.Open(path, true);
+            break;
+        case 3:
+        case 4:
+        case 5:
+            root->SetValue(name.c_str(), &value);
+            model.Set(name, number);
+            break;
+        case 6:
+            root->DeleteValue(name.c_str());
+            model.DeleteValue(name);
+            break;
+        case 7:
+            root->DeleteSubParam(path.c_str());
+            model.DeleteChild(path);
+            break;
+        default:
+            if (random.Below(10) != 0) break;
+            root->Clear();
+            model.Clear();
+    }
+}
+
+bool Round(Random& random) {
+    IParam* root = new_MemParam();
+    Model model;
+    bool same = true;
+    for (int i = 0; same && i < 40; ++i) {
+        Step(root, model, random);
+        same = Text(root) == model.Text();
+    }
+    if (!same) fprintf(stderr, "tree:  %s\nmodel: %s\n", Text(root).c_str(), model.Text().c_str());
+    root->Release();
+    return same;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return fuzz::Main(argc, argv, 1500, Round);
+}
