@@ -9,14 +9,14 @@ function(qxcore_add_bench name)
 endfunction()
 
 # qxcore_bench_peer(NAME HEADER DEFINITION...): lets a benchmark see a header-only library of the build machine, and
-# tells it so by the definitions; without the library nothing happens. A link to its folder keeps the other headers
+# tells it so by the definitions; without the library nothing happens. A link to it keeps the other headers
 # beside it out of sight, for they belong to another system.
 function(qxcore_bench_peer name header)
-  get_filename_component(folder ${header} DIRECTORY)
-  find_path(QXCORE_PEER_${folder} ${header} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH)
-  if(QXCORE_PEER_${folder})
+  string(REGEX MATCH "^[^/]+" entry ${header})
+  find_path(QXCORE_PEER_${entry} ${header} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH)
+  if(QXCORE_PEER_${entry})
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/peers)
-    file(CREATE_LINK ${QXCORE_PEER_${folder}}/${folder} ${PROJECT_BINARY_DIR}/peers/${folder} SYMBOLIC)
+    file(CREATE_LINK ${QXCORE_PEER_${entry}}/${entry} ${PROJECT_BINARY_DIR}/peers/${entry} SYMBOLIC)
     target_include_directories(${name} SYSTEM PRIVATE ${PROJECT_BINARY_DIR}/peers)
     target_compile_definitions(${name} PRIVATE ${ARGN})
   endif()

@@ -18,9 +18,7 @@ constinit char g_logicalLine[kIniLineSize + 1] = {};  // one for all reads: the 
 // One read: a stack of files, each included by the one below it, and the node that keys go to.
 class IniReader {
 public:
-    IniReader(IXFile* file, IParam* root) : m_root(root), m_base(DirectoryOf(file->GetPath())) {
-        Push(Hold(file));
-    }
+    IniReader(IXFile* file, IParam* root) : m_root(root), m_base(DirectoryOf(file->GetPath())) { Push(Hold(file)); }
 
     void Read() {
         while (CInputBuffer* top = Top()) {
@@ -126,15 +124,17 @@ private:
     // "key = value", or a key alone, which is the int 0. A value that cannot be read has no effect.
     void ReadKey(char* begin, char* end) {
         const char* equals = m_characters.Find('=', begin, end);
-        CQXVariant value;
+        tagQXVARIANT value;
+        QXVariantInit(&value);
         if (equals == end) {
-            value = 0;
+            value.type = QXVT_INT;
             m_current->SetValue(begin, &value);
             return;
         }
         const char* text = m_characters.SkipSpace(equals + 1, end);
         begin[m_characters.TrimSpace(begin, equals) - begin] = 0;
-        if (ReadIniValue(text, value)) m_current->SetValue(begin, &value);
+        // What is read owns nothing: a string is borrowed from the line.
+        if (ReadIniValue(begin + (text - begin), value)) m_current->SetValue(begin, &value);
     }
 
     static const unsigned char* Bytes(const char* text) { return reinterpret_cast<const unsigned char*>(text); }

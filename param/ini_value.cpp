@@ -8,17 +8,24 @@
 
 namespace {
 
+// A short decimal number that ends its text, which most numbers are: the runtime would say the same, later. Null where
+// the runtime has to be asked.
+const char* ReadShortDecimal(const char* text, unsigned long& number) {
+    constexpr int kMaxDigits = 9;
+    number = 0;
+    const char* p = text;
+    for (; *p >= '0' && *p <= '9'; ++p) number = number * 10 + static_cast<unsigned>(*p - '0');
+    bool whole = *p == 0 && p != text && p - text <= kMaxDigits;
+    return whole ? p : nullptr;
+}
+
 // Reads the numbers of one value, one after the other, each behind the comma that follows the one before it.
 class NumberReader {
 public:
     explicit NumberReader(const char* text) : m_text(text) {}
 
-    void Read(long& number) {
-        ReadWith([](const char* p, char** end) { return strtol(p, end, Base(p)); }, number);
-    }
-    void Read(unsigned long& number) {
-        ReadWith([](const char* p, char** end) { return strtoul(p, end, Base(p)); }, number);
-    }
+    void Read(long& number) { ReadInteger(strtol, number); }
+    void Read(unsigned long& number) { ReadInteger(strtoul, number); }
     void Read(double& number) {
         ReadWith([](const char* p, char** end) { return strtod(p, end); }, number);
     }
@@ -32,6 +39,20 @@ private:
 
     // An "x" anywhere behind makes this number hexadecimal, also where it belongs to a later one.
     static int Base(const char* text) { return strpbrk(text, "xX") ? 16 : 10; }
+
+    template <class Convert, class Number>
+    void ReadInteger(Convert convert, Number& number) {
+        ReadWith(
+            [convert](const char* p, char** end) -> Number {
+                unsigned long value;
+                if (const char* behind = ReadShortDecimal(p, value)) {
+                    *end = const_cast<char*>(behind);
+                    return static_cast<Number>(value);
+                }
+                return convert(p, end, Base(p));
+            },
+            number);
+    }
 
     template <class Convert, class Number>
     void ReadWith(Convert convert, Number& number) {
@@ -87,7 +108,7 @@ char NibbleText(unsigned nibble) {
     return static_cast<char>(nibble <= 10 ? '0' + nibble : 'A' + nibble);
 }
 
-bool ReadFlag(const char* text, tagQXVALUE& value) {
+bool ReadFlag(char* text, tagQXVALUE& value) {
     if (isdigit(static_cast<unsigned char>(*text))) {
         value.boolVal = atoi(text);
         return value.boolVal == 0 || value.boolVal == 1;
@@ -96,7 +117,7 @@ bool ReadFlag(const char* text, tagQXVALUE& value) {
     return value.boolVal || *text == 'N' || *text == 'n';
 }
 
-bool ReadWord(const char* text, tagQXVALUE& value) {
+bool ReadWord(char* text, tagQXVALUE& value) {
     constexpr unsigned long kMax = 65535;
     unsigned long number = 0;
     if (!ReadNumbers(text, number) || number > kMax) return false;
@@ -104,7 +125,7 @@ bool ReadWord(const char* text, tagQXVALUE& value) {
     return true;
 }
 
-bool ReadFloat(const char* text, tagQXVALUE& value) {
+bool ReadFloat(char* text, tagQXVALUE& value) {
     double number = 0;
     if (!ReadDecimals(text, number)) return false;
     value.floatVal = static_cast<float>(number);
@@ -112,63 +133,58 @@ bool ReadFloat(const char* text, tagQXVALUE& value) {
 }
 
 // The digits are tested and not stored: the value stays 0.
-bool ReadByteDigits(const char* text, tagQXVALUE&) {
+bool ReadByteDigits(char* text, tagQXVALUE&) {
     auto isDigit = [](char c) { return isxdigit(static_cast<unsigned char>(c)) != 0; };
     return isDigit(text[0]) && isDigit(text[1]);
 }
 
 // Taken as it is, leading blanks included.
-bool ReadText(const char* text, tagQXVALUE& value) {
-    tagQXVARIANT copy;
-    QXVariantInit(&copy);
-    QXVariantBindFromValue(QXVT_STRING, &text, &copy);
-    value.string = copy.value.string;
+bool ReadText(char* text, tagQXVALUE& value) {
+    value.string = text;
     return true;
 }
 
 struct IniType {
     char letter;
     unsigned short type;
-    bool (*read)(const char* text, tagQXVALUE& value);
+    bool (*read)(char* text, tagQXVALUE& value);
     CXString (*write)(const tagQXVALUE& value);
 };
 
 // Searched from the first row, by letter when reading and by type when writing.
 constexpr IniType kIniTypes[] = {
-    {'e', QXVT_EMPTY, [](const char*, tagQXVALUE&) { return true; }, [](const tagQXVALUE&) { return CXString(); }},
+    {'e', QXVT_EMPTY, [](char*, tagQXVALUE&) { return true; }, [](const tagQXVALUE&) { return CXString(); }},
     {'f', QXVT_BOOL, ReadFlag, [](const tagQXVALUE& v) { return CXString(v.boolVal == 1 ? "1" : "0"); }},
     {'b', QXVT_UI1, ReadByteDigits,
      [](const tagQXVALUE& v) { return Formatted("%c%c", NibbleText(v.ui1Val >> 4), NibbleText(v.ui1Val & 15)); }},
     {'w', QXVT_UI2, ReadWord, [](const tagQXVALUE& v) { return Formatted("%u", v.ui2Val); }},
-    {'W', QXVT_ULONG, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
+    {'W', QXVT_ULONG, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
      [](const tagQXVALUE& v) { return Formatted("%u", v.ulongVal); }},
-    {'i', QXVT_INT, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.longVal); },
+    {'i', QXVT_INT, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.longVal); },
      [](const tagQXVALUE& v) { return Formatted("%d", v.intVal); }},
-    {'u', QXVT_UINT, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
+    {'u', QXVT_UINT, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
      [](const tagQXVALUE& v) { return Formatted("%u", v.uintVal); }},
-    {'l', QXVT_LONG, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.longVal); },
+    {'l', QXVT_LONG, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.longVal); },
      [](const tagQXVALUE& v) { return Formatted("%d", v.longVal); }},
-    {'R', QXVT_DOUBLE, [](const char* text, tagQXVALUE& v) { return ReadDecimals(text, v.doubleVal); },
+    {'R', QXVT_DOUBLE, [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.doubleVal); },
      [](const tagQXVALUE& v) { return Decimal(v.doubleVal); }},
     {'r', QXVT_FLOAT, ReadFloat, [](const tagQXVALUE& v) { return Decimal(v.floatVal); }},
     {'s', QXVT_STRING, ReadText, [](const tagQXVALUE& v) { return CXString(v.string); }},
-    {'z', QXVT_SIZE, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.size.cx, v.size.cy); },
+    {'z', QXVT_SIZE, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.size.cx, v.size.cy); },
      [](const tagQXVALUE& v) { return Formatted("%d,%d", v.size.cx, v.size.cy); }},
-    {'Z', QXVT_RSIZE, [](const char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rsize.cx, v.rsize.cy); },
+    {'Z', QXVT_RSIZE, [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rsize.cx, v.rsize.cy); },
      [](const tagQXVALUE& v) { return Decimals(v.rsize.cx, v.rsize.cy); }},
-    {'p', QXVT_POINT, [](const char* text, tagQXVALUE& v) { return ReadNumbers(text, v.point.x, v.point.y); },
+    {'p', QXVT_POINT, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.point.x, v.point.y); },
      [](const tagQXVALUE& v) { return Formatted("%d,%d", v.point.x, v.point.y); }},
-    {'P', QXVT_RPOINT, [](const char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rpoint.x, v.rpoint.y); },
+    {'P', QXVT_RPOINT, [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rpoint.x, v.rpoint.y); },
      [](const tagQXVALUE& v) { return Decimals(v.rpoint.x, v.rpoint.y); }},
     {'t', QXVT_RECT,
-     [](const char* text, tagQXVALUE& v) {
-         return ReadNumbers(text, v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
-     },
+     [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.rect.left, v.rect.top, v.rect.right, v.rect.bottom); },
      [](const tagQXVALUE& v) {
          return Formatted("%d,%d,%d,%d", v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
      }},
     {'T', QXVT_RRECT,
-     [](const char* text, tagQXVALUE& v) {
+     [](char* text, tagQXVALUE& v) {
          return ReadDecimals(text, v.rrect.left, v.rrect.top, v.rrect.right, v.rrect.bottom);
      },
      [](const tagQXVALUE& v) {
@@ -178,7 +194,7 @@ constexpr IniType kIniTypes[] = {
 
 }  // namespace
 
-bool ReadIniValue(const char* text, tagQXVARIANT& value) {
+bool ReadIniValue(char* text, tagQXVARIANT& value) {
     for (const IniType& row : kIniTypes) {
         if (row.letter != *text) continue;
         value.type = row.type;

@@ -37,6 +37,7 @@ template <class K>
 struct QXKeyRule {
     static_assert(std::is_integral_v<K> && sizeof(K) <= sizeof(unsigned), "a key is a text or a 32-bit integer");
     static unsigned Hash(K key) { return static_cast<unsigned>(key); }
+    static bool Same(K, K) { return true; }  // of two keys with one hash: whether the text of one serves for both
     static K Copy(K key) { return key; }
     static void Free(K) {}
 };
@@ -44,6 +45,7 @@ struct QXKeyRule {
 template <>
 struct QXKeyRule<const char*> {
     static unsigned Hash(const char* key) { return QXHashText(key).hash; }
+    static bool Same(const char* a, const char* b) { return strcmp(a, b) == 0; }
     static const char* Copy(const char* key) { return QXCopyText(key); }
     static void Free(const char* key) { delete[] key; }
 };
@@ -52,6 +54,7 @@ template <>
 struct QXKeyRule<const unsigned long*> {
     static const char* Text(const unsigned long* key) { return reinterpret_cast<const char*>(key); }
     static unsigned Hash(const unsigned long* key) { return QXHashFolded(Text(key)).hash; }
+    static bool Same(const unsigned long* a, const unsigned long* b) { return strcmp(Text(a), Text(b)) == 0; }
     static const unsigned long* Copy(const unsigned long* key) { return QXFoldedKey(QXCopyText(Text(key))); }
     static void Free(const unsigned long* key) { delete[] Text(key); }
 };

@@ -121,13 +121,12 @@ template <class K, class V>
 int CTMap<K, V>::SetAt(K key, Argument value) {
     if (!MakeTable()) return 0;
     unsigned hash = Keys::Hash(key);
-    QXHeldKey<K> copy(key);
     if (Node* node = NodeOf(hash)) {
-        node->key = std::move(copy);
+        if (!Keys::Same(node->key.key, key)) node->key = QXHeldKey<K>(key);
         Values::Replace(node->value.value, value);
         return 1;
     }
-    auto node = new Node(std::move(copy), value, hash);
+    auto node = new Node(QXHeldKey<K>(key), value, hash);
     Node*& chain = buckets[hash % bucketCount];
     node->next = chain;
     chain = node;

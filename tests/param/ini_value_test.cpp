@@ -17,10 +17,12 @@ std::string Written(const CQXVariant& value) {
 
 // Written and read again.
 std::string ReadBack(const CQXVariant& value) {
-    CXString text;
-    CQXVariant back;
-    if (!WriteIniValue(value, text) || !ReadIniValue(text, back)) return "(not read back)";
-    return ValueText(back);
+    CXString written;
+    if (!WriteIniValue(value, written)) return "(not written)";
+    std::string text = written.GetData();
+    tagQXVARIANT back;  // owns nothing, so it is not cleared
+    QXVariantInit(&back);
+    return ReadIniValue(text.data(), back) ? ValueText(back) : "(not read back)";
 }
 
 }  // namespace
