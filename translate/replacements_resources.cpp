@@ -3,6 +3,17 @@
 #include "translate/replacements.h"
 #include "translate/resource_records.h"
 
+namespace {
+
+// Reads what would be a record's marker, so that a host that frees null faults instead of going on. The volatile
+// address keeps compilers from judging it.
+void FaultAtMarker(HGLOBAL null) {
+    volatile uintptr_t address = reinterpret_cast<uintptr_t>(null) + sizeof(QX_LISTITEM);
+    static_cast<void>(*reinterpret_cast<const volatile uint32_t*>(address));
+}
+
+}  // namespace
+
 HRSRC WINAPI NewFindResourceA(HMODULE module, const char* name, const char* type) {
     HRSRC handle = QX_REAL(FindResourceA)(module, name, type);
     return IsTranslationActive(module) ? WrapResource(handle, module, name, type) : handle;
@@ -37,10 +48,10 @@ void* WINAPI NewLockResource(HGLOBAL loaded) {
     return IsTranslationActive(loaded) ? loaded : QX_REAL(LockResource)(loaded);
 }
 
-// Neither a record nor a block is freed: the system frees no resource either. A null handle faults.
+// Neither a record nor a block is freed: the system frees no resource either. Null is read like a record.
 BOOL WINAPI NewFreeResource(HGLOBAL loaded) {
     if (IsTranslationActive(loaded)) {
-        if (!loaded) return static_cast<volatile QX_RESITEM*>(loaded)->marker;
+        if (!loaded) FaultAtMarker(loaded);
         if (RecordOf(loaded)) return FALSE;
     }
     return QX_REAL(FreeResource)(loaded);

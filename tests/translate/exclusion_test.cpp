@@ -10,6 +10,11 @@ protected:
         _InitResTranslation(caller);
         Teach("Open", "Auf");
     }
+    // Once found, the late module is known by its handle for good, so it stays for the whole run.
+    static CallerModule& Late() {
+        static auto& module = *new CallerModule("acopm.arx");
+        return module;
+    }
     std::string LoadFrom(HMODULE module) {
         char buffer[64] = "";
         CALL(caller, LoadStringA)(module, 1, buffer, sizeof buffer);
@@ -23,7 +28,7 @@ protected:
 TEST_F(ExclusionTest, ALateModuleIsExcludedFromItsLoadOn) {
     // The program never called Supp_Init, and the other excluded names are not known before it.
     EXPECT_EQ(LoadFrom(caller), "Auf");
-    CallerModule late("acopm.arx");
+    CallerModule& late = Late();
     EXPECT_EQ(LoadFrom(late), "Open");
     EXPECT_EQ(LoadFrom(caller), "Auf");
     for (const char* name : {"acadres.dll", "acltres.dll", "acad.exe", "aclt.exe"}) {
@@ -33,7 +38,7 @@ TEST_F(ExclusionTest, ALateModuleIsExcludedFromItsLoadOn) {
 }
 
 TEST_F(ExclusionTest, ACallFromAnExcludedModuleForAnotherModuleIsTranslated) {
-    CallerModule late("acopm.arx");
+    CallerModule& late = Late();
     _InitResTranslation(late);
     char buffer[64] = "";
     EXPECT_EQ(CALL(late, LoadStringA)(caller, 1, buffer, sizeof buffer), 3);
@@ -43,7 +48,7 @@ TEST_F(ExclusionTest, ACallFromAnExcludedModuleForAnotherModuleIsTranslated) {
 }
 
 TEST_F(ExclusionTest, EveryFunctionWithAModuleLeavesAnExcludedModuleAlone) {
-    CallerModule late("acopm.arx");
+    CallerModule& late = Late();
     wchar_t wide[64];
     EXPECT_EQ(CALL(caller, LoadStringW)(late, 1, wide, 64), 4);
     char text[64];
@@ -63,7 +68,7 @@ TEST_F(ExclusionTest, EveryFunctionWithAModuleLeavesAnExcludedModuleAlone) {
 }
 
 TEST_F(ExclusionTest, TheHandleOfAnExcludedModuleIsLockedByTheSystem) {
-    CallerModule late("acopm.arx");
+    CallerModule& late = Late();
     LoadFrom(late);  // it is known from here on
     EXPECT_EQ(CALL(caller, LockResource)(late), LockResource(late));
     EXPECT_EQ(CALL(caller, FreeResource)(late), FreeResource(late));
