@@ -3,23 +3,27 @@
 #include "translate/interception.h"
 #include "translate/module_lists.h"
 #include "translate/replacements.h"
-#include "translate/text_buffer.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>
+
+#include <cstring>
 
 namespace {
 
 constexpr UINT kFirstIdWithoutKey = 0x10000;
 constexpr unsigned kTextSize = 1024;
 
-// Puts a translation, cut to the room there is, in place of a wide text. Answers the characters with the terminator.
+// Puts a text of fewer than kTextSize bytes in place of a wide one, cut to the room there is. Answers the characters
+// with the terminator. REQUIRES: size > 0.
 int WidenInto(const char* text, int length, wchar_t* buffer, int size) {
-    int characters = Widen(text, length, buffer, size - 1, MB_PRECOMPOSED);
-    while (!characters && length > 0) {
-        length = static_cast<int>(WholeBytes(text, static_cast<size_t>(length) - 1));
-        characters = length < size ? Widen(text, length, buffer, size - 1, MB_PRECOMPOSED) : 0;
+    wchar_t wide[kTextSize];
+    int characters = Widen(text, length, wide, kTextSize, MB_PRECOMPOSED);
+    if (characters >= size) {
+        characters = size - 1;
+        if (characters > 0 && IS_SURROGATE_PAIR(wide[characters - 1], wide[characters])) --characters;
     }
+    memcpy(buffer, wide, static_cast<size_t>(characters) * sizeof *wide);
     buffer[characters] = 0;
     return characters + 1;
 }
