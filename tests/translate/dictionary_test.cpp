@@ -25,11 +25,10 @@ TEST(DictionaryTest, FieldsComeInTheToldOrder) {
 }
 
 TEST(DictionaryTest, DictionaryAndItsRecordsHaveNoVirtualOperations) {
-    static_assert(!std::is_polymorphic_v<CWld>);
-    static_assert(!std::is_polymorphic_v<CContext>);
-    static_assert(!std::is_polymorphic_v<QXDlgPos>);
-    static_assert(sizeof(CIRect) == 16);
-    SUCCEED();
+    EXPECT_FALSE(std::is_polymorphic_v<CWld>);
+    EXPECT_FALSE(std::is_polymorphic_v<CContext>);
+    EXPECT_FALSE(std::is_polymorphic_v<QXDlgPos>);
+    EXPECT_EQ(sizeof(CIRect), 16u);
 }
 
 TEST(DictionaryTest, NewDictionaryIsEmptyAndNotInitialised) {
