@@ -14,8 +14,10 @@ function(qxcore_add_test name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE qxcore qxcore_test_support gtest qxcore_warnings qxcore_platform qxcore_test_code
     ${arg_LINK})
+  # GoogleTest takes a path without a drive for a relative one; the tree of the build machine is Wine's drive Z.
+  set(drive $<$<BOOL:${CMAKE_CROSSCOMPILING}>:Z:>)
   add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1
-    --gtest_output=xml:${PROJECT_BINARY_DIR}/reports/${name}.xml)
+    --gtest_output=xml:${drive}${PROJECT_BINARY_DIR}/reports/${name}.xml)
   set_tests_properties(${name} PROPERTIES TIMEOUT 600)
   if(arg_CODEPAGE)
     set_tests_properties(${name} PROPERTIES ENVIRONMENT QXCORE_CODEPAGE=${arg_CODEPAGE})

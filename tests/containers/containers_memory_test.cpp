@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -153,7 +154,8 @@ TEST(ContainersMemoryTest, AVariantThatCannotBeCopiedLeavesTheMapUsable) {
                                                    EXPECT_EQ(map->SetAt(QXFoldedKey(key), text), 1);
                                                    EXPECT_STREQ(map->Find(QXFoldedKey(key))->value.string, text.value.string);
                                                });
-        EXPECT_GE(failures, 2u);
+        bool replaces = strcmp(key, "one") == 0;
+        EXPECT_EQ(failures, replaces ? 1u : 3u);  // the text alone, or the node, its key and the text
     }
 }
 
@@ -233,7 +235,7 @@ TEST(ContainersMemoryTest, AFailedAttachmentKeepsTheOldOne) {
             EXPECT_EQ(fresh.refs, 1u);
             EXPECT_EQ(old.refs, 2u);
         });
-    EXPECT_EQ(failures, 2u);  // the entry and its key
+    EXPECT_EQ(failures, 1u);  // the entry; its key stands in the table already
     EXPECT_EQ(old.refs, 1u);
     EXPECT_EQ(fresh.refs, 1u);
 }
