@@ -15,7 +15,8 @@ struct TemplateBytes {
     static constexpr size_t kUnknownSize = SIZE_MAX / 2;
 };
 
-// CWld::TranslateDlg and CWld::TranslateDlgPosition. A template that ends too early comes back as it is if not even
+// CWld::TranslateDlg and CWld::TranslateDlgPosition. Font and geometry are the dictionary's own; the texts are those of
+// g_Wld, also for a dictionary that a host made. A template that ends too early comes back as it is if not even
 // its head is there; else it keeps the controls that are whole, and counts those only.
 unsigned char* TranslateTemplate(CWld& dictionary, TemplateBytes dialog, int* size, const char* key);
 unsigned char* TranslateTemplatePosition(CWld& dictionary, TemplateBytes dialog, int hash, int* size, const char* key);

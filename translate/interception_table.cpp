@@ -10,7 +10,9 @@
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 constinit std::atomic<void*> g_realProcs[kInterceptedCount] = {};
 
@@ -74,9 +76,10 @@ int _InitResTranslation(HMODULE module) {
     if (!module) return 0;
     for (ListedModule& extra : g_extraModules) extra.Refresh();
     TellModule(module);
-    InterceptedImports imports;
     // The library's own imports are its way to the real functions.
-    if (module != OwnModule()) ExchangeImports(module, ImportWay::Patch, imports.rows, kInterceptedCount);
+    if (module == OwnModule()) return 1;
+    InterceptedImports imports;
+    ExchangeImports(module, ImportWay::Patch, imports.rows, kInterceptedCount);
     for (int i = 0; i < kInterceptedCount; ++i) g_realProcs[i] = imports.rows[i].result;
     return 1;
 }

@@ -1,113 +1,8 @@
 // Translation of dialog templates in memory, both forms.
-#include "translate/caller.h"
-#include "translate/template_model.h"
+#include "translate/dialog_template_fixture.h"
 
 namespace {
 
-struct FreeBlock {
-    void operator()(unsigned char* block) const { free(block); }
-};
-
-// What the translator made of a template: nothing when the input came back.
-struct Translated {
-    bool isInput = false;
-    int size = -1;
-    std::unique_ptr<unsigned char, FreeBlock> block;
-    std::optional<DialogModel> model;
-};
-
-Translated Collect(unsigned char* input, unsigned char* output, int size) {
-    Translated result;
-    result.size = size;
-    result.isInput = output == input;
-    if (result.isInput || !output) return result;
-    result.block.reset(output);
-    result.model = ParseTemplate(output, size);
-    return result;
-}
-
-Translated Translate(std::vector<uint8_t> bytes) {
-    int size = -1;
-    unsigned char* output = TranslateDlgInternal(bytes.data(), &size);
-    return Collect(bytes.data(), output, size);
-}
-
-Translated Translate(const DialogModel& dialog) {
-    return Translate(WriteTemplate(dialog));
-}
-
-Translated TranslatePosition(const DialogModel& dialog, int hash) {
-    auto bytes = WriteTemplate(dialog);
-    int size = -1;
-    unsigned char* output = TranslateDlgInternalPosition(bytes.data(), hash, &size);
-    return Collect(bytes.data(), output, size);
-}
-
-constexpr uint16_t kButton = 0x0080, kEdit = 0x0081, kStatic = 0x0082, kListBox = 0x0083;
-
-ControlModel Control(uint16_t atom, const wchar_t* title, uint32_t id = 1) {
-    ControlModel c;
-    c.windowClass = FieldModel::Number(atom);
-    c.title = title;
-    c.id = id;
-    return c;
-}
-
-// A dialog in which every field has a value of its own.
-DialogModel FullDialog(bool extended) {
-    DialogModel d;
-    d.extended = extended;
-    d.helpId = extended ? 0x01020304 : 0;
-    d.exStyle = 0x00000080;
-    d.style = 0x80C80000;
-    d.x = -3;
-    d.y = 20;
-    d.cx = 200;
-    d.cy = 101;
-    d.menu = FieldModel::Number(0x1234);
-    d.windowClass = L"MyDialogClass";
-    d.caption = L"Open";
-    d.font = FontModel{9, 0, 0, L"Tahoma"};
-    if (extended) d.font->weight = 700, d.font->italicAndCharset = 0x0101;
-    d.controls = {Control(kStatic, L"Name:", 10), Control(kEdit, L"Name:", 11), Control(kButton, L"Close", 12)};
-    d.controls[0].creation = {1, 2, 3, 4};
-    d.controls[1].x = -5;
-    d.controls[2].style = 0x50010001;
-    if (extended) d.controls[1].helpId = 77, d.controls[1].id = 0xFFFFFFFF;
-    return d;
-}
-
-// What it becomes with the three texts translated. The edit keeps its title.
-DialogModel GermanDialog(bool extended) {
-    DialogModel d = FullDialog(extended);
-    d.style |= 0x40;
-    d.count = 3;
-    d.caption = L"\u00D6ffnen";
-    d.controls[0].title = L"Ihr Name:";
-    d.controls[2].title = L"Schlie\u00DFen";
-    return d;
-}
-
-class DialogTemplateTest : public DictionaryTest, public testing::WithParamInterface<bool> {
-protected:
-    void SetUp() override {
-        DictionaryTest::SetUp();
-        Teach("Open",
-              "\xD6"
-              "ffnen");
-        Teach("Name:", "Ihr Name:");
-        Teach("Close",
-              "Schlie\xDF"
-              "en");
-    }
-    bool Extended() const { return GetParam(); }
-    DialogModel Small() const {
-        DialogModel d;
-        d.extended = Extended();
-        d.caption = L"Open";
-        return d;
-    }
-};
 INSTANTIATE_TEST_SUITE_P(BothForms, DialogTemplateTest, testing::Bool(),
                          [](const auto& form) { return form.param ? "Extended" : "Classic"; });
 
@@ -396,125 +291,29 @@ TEST_P(DialogTemplateTest, TheKeyOfTheTranslatorComesBeforeThePlainText) {
     EXPECT_EQ(result.model, d);
 }
 
-namespace {
-
-constexpr int kHash = 4711;
-
-class DialogGeometryTest : public DialogTemplateTest {
-protected:
-    void SetUp() override {
-        DialogTemplateTest::SetUp();
-        geometry = new QXDlgPos;
-        g_Wld.m_DlgPos.SetAt(kHash, geometry);
-    }
-    void TearDown() override {
-        g_Wld.m_DlgPos.RemoveKey(kHash);
-        DialogTemplateTest::TearDown();
-    }
-    DialogModel Positioned() const {
-        DialogModel d = FullDialog(Extended());
-        d.controls[0].x = 1, d.controls[0].y = 2, d.controls[0].cx = 30, d.controls[0].cy = 40;
-        return d;
-    }
-    DialogModel PositionedGerman() const {
-        DialogModel d = GermanDialog(Extended());
-        d.controls[0].x = 1, d.controls[0].y = 2, d.controls[0].cx = 30, d.controls[0].cy = 40;
-        return d;
-    }
-    QXDlgPos* geometry = nullptr;
-};
-INSTANTIATE_TEST_SUITE_P(BothForms, DialogGeometryTest, testing::Bool(),
-                         [](const auto& form) { return form.param ? "Extended" : "Classic"; });
-
-}  // namespace
-
-TEST_P(DialogGeometryTest, TheDialogGrowsByItsSizeAndEveryTextIsTranslated) {
-    geometry->m_Size = {15, -7};
-    Translated result = TranslatePosition(Positioned(), kHash);
-    DialogModel d = PositionedGerman();
-    d.cx += 15;
-    d.cy -= 7;
-    EXPECT_EQ(result.model, d);
-}
-
-TEST_P(DialogGeometryTest, EachEdgeOfAControlMovesByItsOwnDelta) {
-    geometry->m_Rects.SetAt(0, CIRect{5, 6, 10, 20});
-    Translated result = TranslatePosition(Positioned(), kHash);
-    DialogModel d = PositionedGerman();
-    // right = 1 + 30 + 10 = 41, bottom = 2 + 40 + 20 = 62; x = 6, y = 8.
-    d.controls[0].x = 6, d.controls[0].y = 8, d.controls[0].cx = 35, d.controls[0].cy = 54;
-    EXPECT_EQ(result.model, d);
-}
-
-TEST_P(DialogGeometryTest, NegativePositionsAndDeltasKeepTheirSign) {
-    geometry->m_Rects.SetAt(1, CIRect{-10, -20, -30, -40});
-    DialogModel source = Positioned();
-    source.controls[1].x = -5, source.controls[1].y = -6, source.controls[1].cx = 100, source.controls[1].cy = 200;
-    Translated result = TranslatePosition(source, kHash);
-    ASSERT_TRUE(result.model);
-    const ControlModel& c = result.model->controls[1];
-    EXPECT_EQ(c.x, -15);
-    EXPECT_EQ(c.y, -26);
-    EXPECT_EQ(c.cx, 80);   // right was 95, is 65
-    EXPECT_EQ(c.cy, 180);  // bottom was 194, is 154
-}
-
-TEST_P(DialogGeometryTest, PositionsWrapAt16Bits) {
-    geometry->m_Size = {40000, 0};
-    geometry->m_Rects.SetAt(0, CIRect{65536, 0, 65536, 1});
-    Translated result = TranslatePosition(Positioned(), kHash);
-    ASSERT_TRUE(result.model);
-    EXPECT_EQ(result.model->cx, static_cast<int16_t>(40200));
-    EXPECT_EQ(result.model->controls[0].x, 1);
-    EXPECT_EQ(result.model->controls[0].cx, 30);
-    EXPECT_EQ(result.model->controls[0].cy, 41);
-}
-
-TEST_P(DialogGeometryTest, TheIndexIsTheControlsPlaceAndNotItsId) {
-    geometry->m_Rects.SetAt(10, CIRect{1, 1, 1, 1});  // control 0 has the id 10
-    Translated result = TranslatePosition(Positioned(), kHash);
-    EXPECT_EQ(result.model, PositionedGerman());
-}
-
-TEST_P(DialogGeometryTest, AnIndexBeyondTheControlsDoesNothing) {
-    geometry->m_Rects.SetAt(3, CIRect{1, 1, 1, 1});
-    geometry->m_Rects.SetAt(0xFFFFFFFF, CIRect{1, 1, 1, 1});
-    Translated result = TranslatePosition(Positioned(), kHash);
-    EXPECT_EQ(result.model, PositionedGerman());
-}
-
-TEST_P(DialogGeometryTest, AHashThatIsNotInTheMapActsAsThePlainTranslator) {
-    geometry->m_Size = {15, 15};
-    Translated result = TranslatePosition(Positioned(), kHash + 1);
-    EXPECT_EQ(result.model, PositionedGerman());
-}
-
-TEST_P(DialogGeometryTest, AnAdjustedDialogIsANewBlockAlsoWhenNothingIsTranslated) {
-    DialogTemplateTest::TearDown();
-    geometry->m_Size = {3, 4};
-    g_Wld.m_bDialogFont = 0;
-    Translated result = TranslatePosition(Positioned(), kHash);
-    DialogModel d = Positioned();
-    d.style |= 0x40;
-    d.count = 3;
-    d.cx += 3;
-    d.cy += 4;
-    EXPECT_FALSE(result.isInput);
-    EXPECT_EQ(result.size, static_cast<int>(WriteTemplate(d).size()));
-    EXPECT_EQ(result.model, d);
-    DialogTemplateTest::SetUp();
-}
-
-TEST_P(DialogGeometryTest, AnExtendedTemplateOf300ControlsIsCutOnceAndNotTwice) {
-    geometry->m_Rects.SetAt(43, CIRect{1, 0, 1, 0});
+TEST_P(DialogTemplateTest, AHostsOwnDictionaryGivesItsFontAndTheProcesssTexts) {
+    CWld own;
+    own.SetDialogFont(0, 11, "Own Font");
+    own.m_Contexts.SetAt("Open", new CContext("Open", "never seen"));
     DialogModel d = Small();
-    for (int i = 0; i < 300; ++i) d.controls.push_back(Control(kButton, L"Unknown", i));
-    Translated result = TranslatePosition(d, kHash);
-    d.count = 300;
-    d.caption = L"\u00D6ffnen";
-    d.controls[43].x += 1;
-    if (Extended()) d.controls.resize(44);
-    EXPECT_EQ(result.model, d);
+    d.font.emplace();
+    auto bytes = WriteTemplate(d);
+    int size = -1;
+    unsigned char* output = own.TranslateDlg(bytes.data(), &size, nullptr);
+    Translated result = Collect(bytes.data(), output, size);
+    ASSERT_TRUE(result.model);
+    EXPECT_EQ(result.model->caption, L"\u00D6ffnen");
+    EXPECT_EQ(result.model->font->face, L"Own Font");
+    EXPECT_EQ(result.model->font->size, 11);
+}
+
+TEST_P(DialogTemplateTest, AHostsOwnDictionaryWithNothingInItGivesTheInputBack) {
+    CWld own;
+    own.SetDialogFont(0, 11, nullptr);
+    auto bytes = WriteTemplate(Small());
+    int size = -1;
+    EXPECT_EQ(own.TranslateDlg(bytes.data(), &size, nullptr), bytes.data());
+    EXPECT_EQ(size, 0);
 }
 
 TEST(DialogTemplateSystemTest, TheSystemRefusesATemplateThatCountsMoreThanItHolds) {

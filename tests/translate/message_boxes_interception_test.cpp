@@ -157,6 +157,9 @@ TEST_F(MessageBoxesInterceptionTest, TheSwitchTurnsTranslationOff) {
     CALL(caller, MessageBoxA)(nullptr, "Open", "Close", MB_OK);
     EXPECT_EQ(g_box.text, L"Open");
     EXPECT_EQ(g_box.caption, L"Close");
+    g_box = {};
+    CALL(caller, MessageBoxExA)(nullptr, "Open", "Close", MB_OK, 0);
+    EXPECT_EQ(g_box.text, L"Open");
     MSGBOXPARAMSA block = Block(caller, "Open", MAKEINTRESOURCEA(2));
     CALL(caller, MessageBoxIndirectA)(&block);
     EXPECT_EQ(g_box.text, L"Open");
