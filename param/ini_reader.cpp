@@ -8,7 +8,6 @@
 #include <qxcore/list.h>
 
 #include <cstring>
-#include <mbstring.h>
 #include <memory>
 
 namespace {
@@ -83,7 +82,7 @@ private:
         const char* argumentEnd = m_characters.SkipText(argument, end);
         begin[wordEnd - begin] = 0;
         begin[argumentEnd - begin] = 0;
-        if (argument < argumentEnd && _mbsicmp(Bytes(word), Bytes("include")) == 0) Include(CXString(argument));
+        if (argument < argumentEnd && _stricmp(word, "include") == 0) Include(CXString(argument));
         return true;
     }
 
@@ -136,8 +135,6 @@ private:
         // What is read owns nothing: a string is borrowed from the line.
         if (ReadIniValue(begin + (text - begin), value)) m_current->SetValue(begin, &value);
     }
-
-    static const unsigned char* Bytes(const char* text) { return reinterpret_cast<const unsigned char*>(text); }
 };
 
 }  // namespace

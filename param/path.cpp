@@ -1,14 +1,31 @@
 #include "param/path.h"
 
-#include <mbstring.h>
+#include <cstring>
+#include <mbctype.h>
 
 namespace {
 
-constexpr unsigned kDelimiter = '\\';
+constexpr char kDelimiter = '\\';
 constexpr char kDefaultName[] = "@";
 
-const unsigned char* Bytes(const char* text) {
-    return reinterpret_cast<const unsigned char*>(text);
+// By whole characters; a lead byte without its trail byte is none, so that the walk stays inside the text.
+const char* FirstDelimiter(const char* p) {
+    if (_getmbcp() == 0) return strchr(p, kDelimiter);
+    for (; *p; ++p) {
+        if (*p == kDelimiter) return p;
+        if (_ismbblead(static_cast<unsigned char>(*p)) && p[1]) ++p;
+    }
+    return nullptr;
+}
+
+const char* LastDelimiter(const char* p) {
+    if (_getmbcp() == 0) return strrchr(p, kDelimiter);
+    const char* last = nullptr;
+    while (const char* next = FirstDelimiter(p)) {
+        last = next;
+        p = next + 1;
+    }
+    return last;
 }
 
 CXString Head(const char* name, size_t size) {
@@ -19,20 +36,19 @@ CXString Head(const char* name, size_t size) {
     return head;
 }
 
-SplitName SplitAt(const char* name, const unsigned char* delimiter) {
+SplitName SplitAt(const char* name, const char* delimiter) {
     if (!delimiter) return {false, CXString(), CXString()};
-    auto at = reinterpret_cast<const char*>(delimiter);
-    return {true, Head(name, at - name), CXString(at + 1)};
+    return {true, Head(name, delimiter - name), CXString(delimiter + 1)};
 }
 
 }  // namespace
 
 SplitName SplitAtFirst(const char* name) {
-    return SplitAt(name, name ? _mbschr(Bytes(name), kDelimiter) : nullptr);
+    return SplitAt(name, name ? FirstDelimiter(name) : nullptr);
 }
 
 SplitName SplitAtLast(const char* name) {
-    return SplitAt(name, name ? _mbsrchr(Bytes(name), kDelimiter) : nullptr);
+    return SplitAt(name, name ? LastDelimiter(name) : nullptr);
 }
 
 const char* ValueName(const char* name) {

@@ -334,6 +334,15 @@ TEST_F(MemParamTest, ADoubleByteNameWhoseSecondByteIsABackslashIsNoPath) {
     _setmbcp(before);
 }
 
+TEST_F(MemParamTest, ALeadByteAtTheEndOfANameDoesNotHideItsEnd) {
+    int before = _getmbcp();
+    _setmbcp(932);
+    SetInt(root.get(), "a\\b\x83", 5);
+    EXPECT_EQ(GetInt(root.get(), "a\\b\x83"), 5);
+    EXPECT_EQ(NamesText(root->EnumSubParams()), "a");
+    _setmbcp(before);
+}
+
 TEST_F(MemParamTest, TheSlotsOfANodeStandInTheirOrder) {
     auto slots = *reinterpret_cast<void***>(root.get());
     using Make = IParam* (*)(IParam*, const char*);
