@@ -19,6 +19,7 @@ inline size_t GdiRoom() {
     return Room([] { return CreatePen(PS_SOLID, 1, 0); }, [](HPEN pen) { DeleteObject(pen); });
 }
 
+// Under Wine the table is that of the whole session: a program that asks runs beside no other.
 inline size_t UserRoom() {
     return Room([] { return CreateMenu(); }, [](HMENU menu) { DestroyMenu(menu); });
 }
