@@ -16,13 +16,16 @@ unsigned CharacterAt(const char* p) {
 
 }  // namespace
 
-IniCharacters::IniCharacters() : m_multibyte(_getmbcp() != 0) {
-    for (unsigned c = 0; c < 256; ++c) m_space[c] = _ismbcspace(c) != 0;
+IniCharacters::IniCharacters() {
+    for (unsigned c = 0; c < 256; ++c) {
+        m_lead[c] = _ismbblead(c) != 0;
+        m_space[c] = _ismbcspace(c) != 0;
+        m_multibyte = m_multibyte || m_lead[c];
+    }
 }
 
 const char* IniCharacters::Next(const char* p, const char* end) const {
-    if (m_multibyte && _ismbblead(static_cast<unsigned char>(*p)) && p + 1 < end) return p + 2;
-    return p + 1;
+    return Leads(p) && p + 1 < end ? p + 2 : p + 1;
 }
 
 const char* IniCharacters::Previous(const char* begin, const char* p) const {
@@ -31,7 +34,7 @@ const char* IniCharacters::Previous(const char* begin, const char* p) const {
 }
 
 bool IniCharacters::IsSpace(const char* p) const {
-    if (m_multibyte && _ismbblead(static_cast<unsigned char>(*p))) return _ismbcspace(CharacterAt(p)) != 0;
+    if (Leads(p)) return _ismbcspace(CharacterAt(p)) != 0;
     return m_space[static_cast<unsigned char>(*p)];
 }
 

@@ -6,8 +6,7 @@
 
 // Texts are ranges [begin, end) that end at a character's end; they may hold NUL characters.
 //
-// Made for one read: it asks the runtime for the code page once, so that text of a single-byte code page takes no
-// call for each character.
+// Made for one read: it asks the runtime about each byte once, so that text takes no call for each character.
 class IniCharacters {
 public:
     IniCharacters();
@@ -31,8 +30,11 @@ public:
     const char* TrimSpaceAnd(char c, const char* begin, const char* end) const;
 
 private:
-    bool m_multibyte;
+    bool m_multibyte = false;  // whether any byte leads another one
+    bool m_lead[256];
     bool m_space[256];  // single bytes
+
+    bool Leads(const char* p) const { return m_lead[static_cast<unsigned char>(*p)]; }
 };
 
 #endif

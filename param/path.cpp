@@ -10,16 +10,15 @@ constexpr char kDefaultName[] = "@";
 
 // By whole characters; a lead byte without its trail byte is none, so that the walk stays inside the text.
 const char* FirstDelimiter(const char* p) {
-    if (_getmbcp() == 0) return strchr(p, kDelimiter);
     for (; *p; ++p) {
         if (*p == kDelimiter) return p;
-        if (_ismbblead(static_cast<unsigned char>(*p)) && p[1]) ++p;
+        bool leads = *p < 0 && _ismbblead(static_cast<unsigned char>(*p));
+        if (leads && p[1]) ++p;
     }
     return nullptr;
 }
 
 const char* LastDelimiter(const char* p) {
-    if (_getmbcp() == 0) return strrchr(p, kDelimiter);
     const char* last = nullptr;
     while (const char* next = FirstDelimiter(p)) {
         last = next;
