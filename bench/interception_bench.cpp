@@ -29,6 +29,20 @@ SLOT_OF(LockResource)
 SLOT_OF(FreeResource)
 SLOT_OF(CreateDialogParamA)
 SLOT_OF(CreateDialogIndirectParamA)
+SLOT_OF(LoadMenuW)
+SLOT_OF(LoadMenuIndirectA)
+SLOT_OF(FindResourceW)
+SLOT_OF(FindResourceExA)
+SLOT_OF(FindResourceExW)
+SLOT_OF(CreateDialogParamW)
+SLOT_OF(CreateDialogIndirectParamW)
+SLOT_OF(DialogBoxParamA)
+SLOT_OF(DialogBoxParamW)
+SLOT_OF(DialogBoxIndirectParamA)
+SLOT_OF(DialogBoxIndirectParamW)
+SLOT_OF(MessageBoxA)
+SLOT_OF(MessageBoxExA)
+SLOT_OF(MessageBoxIndirectA)
 
 template <class Function>
 struct Call {
@@ -166,6 +180,70 @@ void CompareDialogs() {
     DestroyWindow(parent);
 }
 
+// One row for a call with the same arguments on both sides; `finish` gets rid of what it gave.
+template <class C, class Finish, class... Args>
+void CompareCall(const char* what, C call, Finish finish, Args... args) {
+    bench::Compare(
+        what, "the real call", [&] { finish(call.patched(args...)); }, [&] { finish(call.real(args...)); });
+}
+
+void CompareFurtherFinds() {
+    auto keep = [](HRSRC found) { bench::Keep(found); };
+    CompareCall("FindResourceW, dialog", CALL_OF(FindResourceW), keep, g_self, MAKEINTRESOURCEW(200),
+                MAKEINTRESOURCEW(5));
+    CompareCall("FindResourceExA, dialog", CALL_OF(FindResourceExA), keep, g_self, MAKEINTRESOURCEA(5),
+                MAKEINTRESOURCEA(200), WORD(0));
+    CompareCall("FindResourceExW, dialog", CALL_OF(FindResourceExW), keep, g_self, MAKEINTRESOURCEW(5),
+                MAKEINTRESOURCEW(200), WORD(0));
+}
+
+void CompareFurtherMenus() {
+    HRSRC found = RealOf<decltype(FindResourceA)>("FindResourceA")(g_self, MAKEINTRESOURCEA(100), RT_MENU);
+    const void* menu = RealOf<decltype(LoadResource)>("LoadResource")(g_self, found);
+    CompareCall("LoadMenuW, 20 items", CALL_OF(LoadMenuW), DestroyMenu, g_self, MAKEINTRESOURCEW(100));
+    CompareCall("LoadMenuIndirectA, 20 items", CALL_OF(LoadMenuIndirectA), DestroyMenu, menu);
+}
+
+// Refuses every window, so that a modal call ends where its window would be made.
+LRESULT CALLBACK RefuseWindows(int code, WPARAM, LPARAM) {
+    return code == HCBT_CREATEWND;
+}
+
+void CompareModalCalls() {
+    HHOOK hook = SetWindowsHookExA(WH_CBT, RefuseWindows, nullptr, GetCurrentThreadId());
+    auto keep = [](INT_PTR answer) { bench::Keep(answer); };
+    HRSRC found = RealOf<decltype(FindResourceA)>("FindResourceA")(g_self, MAKEINTRESOURCEA(200), RT_DIALOG);
+    auto dialog = static_cast<const DLGTEMPLATE*>(RealOf<decltype(LoadResource)>("LoadResource")(g_self, found));
+    HWND none = nullptr;
+    LPARAM zero = 0;
+    CompareCall("CreateDialogParamW, up to its window", CALL_OF(CreateDialogParamW), DestroyWindow, g_self,
+                MAKEINTRESOURCEW(200), none, Silent, zero);
+    CompareCall("CreateDialogIndirectParamW, up to its window", CALL_OF(CreateDialogIndirectParamW), DestroyWindow,
+                g_self, dialog, none, Silent, zero);
+    CompareCall("DialogBoxParamA, up to its window", CALL_OF(DialogBoxParamA), keep, g_self, MAKEINTRESOURCEA(200),
+                none, Silent, zero);
+    CompareCall("DialogBoxParamW, up to its window", CALL_OF(DialogBoxParamW), keep, g_self, MAKEINTRESOURCEW(200),
+                none, Silent, zero);
+    CompareCall("DialogBoxIndirectParamA, up to its window", CALL_OF(DialogBoxIndirectParamA), keep, g_self, dialog,
+                none, Silent, zero);
+    CompareCall("DialogBoxIndirectParamW, up to its window", CALL_OF(DialogBoxIndirectParamW), keep, g_self, dialog,
+                none, Silent, zero);
+    const char* text = "Text of the item 1";
+    CompareCall("MessageBoxA, up to its window", CALL_OF(MessageBoxA), keep, none, text, text, 0u);
+    CompareCall("MessageBoxExA, up to its window", CALL_OF(MessageBoxExA), keep, none, text, text, 0u, WORD(0));
+    auto indirect = CALL_OF(MessageBoxIndirectA);
+    auto box = [&](decltype(MessageBoxIndirectA)* call) {
+        MSGBOXPARAMSA parameters = {};
+        parameters.cbSize = sizeof parameters;
+        parameters.lpszText = parameters.lpszCaption = text;
+        bench::Keep(call(&parameters));
+    };
+    bench::Compare(
+        "MessageBoxIndirectA, up to its window", "the real call", [&] { box(indirect.patched); },
+        [&] { box(indirect.real); });
+    UnhookWindowsHookEx(hook);
+}
+
 void ComparePatching() {
     HMODULE module = LoadLibraryA("comdlg32.dll");
     HMODULE user = GetModuleHandleA("user32.dll");
@@ -197,6 +275,9 @@ int main() {
     CompareResources();
     CompareMenus();
     CompareDialogs();
+    CompareFurtherFinds();
+    CompareFurtherMenus();
+    CompareModalCalls();
     ComparePatching();
     _DeInitResTranslation(g_self);
     return 0;
