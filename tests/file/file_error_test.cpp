@@ -1,6 +1,6 @@
 // What becomes of the failures of the operating system.
 #include "file/file_fixture.h"
-#include "file/replaced_import.h"
+#include "support/import_slot.h"
 
 namespace {
 

@@ -5,25 +5,6 @@
 
 namespace {
 
-void RemoveTree(const std::string& directory) {
-    WIN32_FIND_DATAA found;
-    HANDLE search = FindFirstFileA((directory + "\\*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return;
-    do {
-        std::string name = found.cFileName;
-        if (name == "." || name == "..") continue;
-        std::string path = directory + "\\" + name;
-        SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-            RemoveTree(path);
-        } else {
-            DeleteFileA(path.c_str());
-        }
-    } while (FindNextFileA(search, &found));
-    FindClose(search);
-    RemoveDirectoryA(directory.c_str());
-}
-
 HANDLE OpenOrFail(const std::string& path, DWORD access, DWORD creation) {
     HANDLE file = CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                               creation, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -32,30 +13,6 @@ HANDLE OpenOrFail(const std::string& path, DWORD access, DWORD creation) {
 }
 
 }  // namespace
-
-FileTest::FileTest() {
-    char temp[MAX_PATH];
-    GetTempPathA(MAX_PATH, temp);
-    // Process numbers come again, and several runs may share the directory.
-    for (unsigned number = GetTickCount();; ++number) {
-        m_directory = std::string(temp) + "qxfile" + std::to_string(number % 1000000);
-        if (CreateDirectoryA(m_directory.c_str(), nullptr)) break;
-    }
-}
-
-FileTest::~FileTest() {
-    // A process that was killed a moment ago may still hold a file.
-    for (int i = 0; i < 500 && Exists(m_directory); ++i) {
-        if (i) Sleep(10);
-        RemoveTree(m_directory);
-    }
-    EXPECT_FALSE(Exists(m_directory)) << m_directory;
-}
-
-std::string FileTest::MakeFile(const std::string& name, const std::string& content) const {
-    Overwrite(Path(name), content);
-    return Path(name);
-}
 
 std::vector<std::string> FileTest::NamesIn(const std::string& directory) {
     std::vector<std::string> names;
@@ -95,10 +52,6 @@ bool DeepDirectory::IsEmpty() const {
     while (FindNextFileW(search, &found)) ++names;
     FindClose(search);
     return names == 2;  // "." and ".."
-}
-
-bool Exists(const std::string& path) {
-    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 std::string ContentOf(const std::string& path) {

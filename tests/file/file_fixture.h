@@ -2,6 +2,8 @@
 #ifndef QXCORE_TESTS_FILE_FIXTURE_H
 #define QXCORE_TESTS_FILE_FIXTURE_H
 
+#include "support/scratch_directory.h"
+
 #include <gtest/gtest.h>
 #include <qxcore.h>
 
@@ -11,20 +13,18 @@
 
 constexpr unsigned kChunk = 2 * 65536;  // two allocation granularities of the platform
 
-// A directory that goes with all it holds.
 class FileTest : public testing::Test {
 protected:
-    FileTest();
-    ~FileTest() override;
-
-    const std::string& Directory() const { return m_directory; }
-    std::string Path(const std::string& name) const { return m_directory + "\\" + name; }
-    std::string MakeFile(const std::string& name, const std::string& content) const;
-    std::vector<std::string> Names() const { return NamesIn(m_directory); }
+    const std::string& Directory() const { return m_directory.Path(); }
+    std::string Path(const std::string& name) const { return m_directory.PathOf(name); }
+    std::string MakeFile(const std::string& name, const std::string& content) const {
+        return m_directory.Write(name, content);
+    }
+    std::vector<std::string> Names() const { return NamesIn(Directory()); }
     static std::vector<std::string> NamesIn(const std::string& directory);
 
 private:
-    std::string m_directory;
+    ScratchDirectory m_directory;
 };
 
 // A directory whose path is at least so long, which only the platform's wide calls reach. Its path starts with
@@ -42,7 +42,6 @@ private:
     std::vector<std::wstring> m_levels;
 };
 
-bool Exists(const std::string& path);
 std::string ContentOf(const std::string& path);
 unsigned long long SizeOnDisk(const std::string& path);
 void Overwrite(const std::string& path, const std::string& content);

@@ -8,7 +8,7 @@
 //                                           system that the library makes; exit code 0 when it made fewer
 #include <qxcore.h>
 
-#include "file/replaced_import.h"
+#include "support/import_slot.h"
 
 #include <cstdio>
 #include <cstdlib>

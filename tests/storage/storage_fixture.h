@@ -3,6 +3,7 @@
 #define QXCORE_TESTS_STORAGE_FIXTURE_H
 
 #include "storage/stream_kinds.h"
+#include "support/scratch_directory.h"
 
 #include <algorithm>
 #include <string>
@@ -10,42 +11,11 @@
 
 class StorageTest : public testing::Test {
 protected:
-    StorageTest() {
-        char temp[MAX_PATH], file[MAX_PATH];
-        GetTempPathA(MAX_PATH, temp);
-        GetTempFileNameA(temp, "stg", 0, file);
-        DeleteFileA(file);
-        CreateDirectoryA(file, nullptr);
-        m_directory = file;
-    }
-    ~StorageTest() override { RemoveTree(m_directory); }
-
-    std::string Path(const std::string& name) const { return m_directory + "\\" + name; }
-    const std::string& Directory() const { return m_directory; }
-
-    static bool Exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+    const std::string& Directory() const { return m_directory.Path(); }
+    std::string Path(const std::string& name) const { return m_directory.PathOf(name); }
 
 private:
-    static void RemoveTree(const std::string& directory) {
-        WIN32_FIND_DATAA found;
-        HANDLE search = FindFirstFileA((directory + "\\*").c_str(), &found);
-        if (search != INVALID_HANDLE_VALUE) {
-            do {
-                std::string name = found.cFileName, path = directory + "\\" + name;
-                if (name == "." || name == "..") continue;
-                if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-                    RemoveTree(path);
-                } else {
-                    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-                    DeleteFileA(path.c_str());
-                }
-            } while (FindNextFileA(search, &found));
-            FindClose(search);
-        }
-        RemoveDirectoryA(directory.c_str());
-    }
-
-    std::string m_directory;
+    ScratchDirectory m_directory;
 };
 
 inline std::wstring Widen(const std::string& text) {

@@ -36,3 +36,12 @@ void* SetImportSlot(void** slot, void* function) {
     VirtualProtect(slot, sizeof *slot, protection, &protection);
     return old;
 }
+
+ReplacedImport::ReplacedImport(const char* function, void* replacement)
+    : m_slot(FindImportSlot(GetModuleHandleA("qxcore.dll"), function)) {
+    if (m_slot) m_real = SetImportSlot(m_slot, replacement);
+}
+
+ReplacedImport::~ReplacedImport() {
+    if (m_slot) SetImportSlot(m_slot, m_real);
+}

@@ -1,6 +1,6 @@
 #include "support/allocation_failure.h"
 #include "translate/dictionary_fixture.h"
-#include "translate/scratch_directory.h"
+#include "support/scratch_directory.h"
 
 #include <cstring>
 #include <map>

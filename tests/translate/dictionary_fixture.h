@@ -2,7 +2,7 @@
 #ifndef QXCORE_TESTS_TRANSLATE_DICTIONARY_FIXTURE_H
 #define QXCORE_TESTS_TRANSLATE_DICTIONARY_FIXTURE_H
 
-#include "translate/scratch_directory.h"
+#include "support/scratch_directory.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/dictionary.h>

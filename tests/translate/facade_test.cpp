@@ -2,7 +2,7 @@
 #include "translate/caller.h"
 #include "translate/own_process.h"
 #include "support/debugged_process.h"
-#include "translate/scratch_directory.h"
+#include "support/scratch_directory.h"
 
 namespace {
 

@@ -5,19 +5,6 @@
 
 namespace {
 
-// Replaces one function that the library imports, for a scope.
-class ReplacedImport {
-public:
-    ReplacedImport(const char* function, void* replacement)
-        : slot(FindImportSlot(GetModuleHandleA("qxcore.dll"), function)), real(SetImportSlot(slot, replacement)) {}
-    ~ReplacedImport() { SetImportSlot(slot, real); }
-    ReplacedImport(const ReplacedImport&) = delete;
-
-private:
-    void** slot;
-    void* real;
-};
-
 void* NoMemory(size_t) {
     return nullptr;
 }

@@ -2,7 +2,7 @@
 #ifndef QXCORE_TESTS_TRANSLATE_MODULE_COPY_H
 #define QXCORE_TESTS_TRANSLATE_MODULE_COPY_H
 
-#include "translate/scratch_directory.h"
+#include "support/scratch_directory.h"
 
 // A copy in a directory of its own, loaded as long as the object lives.
 class ModuleCopy {

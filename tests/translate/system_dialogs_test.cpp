@@ -2,7 +2,7 @@
 #include "translate/caller.h"
 #include "translate/own_process.h"
 #include "translate/pseudo_dictionary.h"
-#include "translate/scratch_directory.h"
+#include "support/scratch_directory.h"
 #include "translate/template_model.h"
 
 #include <commdlg.h>

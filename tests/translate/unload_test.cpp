@@ -1,7 +1,7 @@
 // The library unloaded by hosts that do not link it, before and after the modules that it patched.
 #include "translate/caller.h"
 #include "translate/own_process.h"
-#include "translate/scratch_directory.h"
+#include "support/scratch_directory.h"
 
 namespace {
 
