@@ -14,7 +14,11 @@ target_link_libraries(qxcore PRIVATE $<BUILD_INTERFACE:qxcore_warnings> $<BUILD_
   ole32 oleaut32 uuid shlwapi gdi32 user32 kernel32)
 set_target_properties(qxcore PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden DEBUG_POSTFIX "")
 
-if(NOT MSVC)
+if(MSVC)
+  # The library stands alone, its runtime linked in. A program that links it takes the global allocation functions from
+  # it without more, since a named library goes before the runtime's.
+  set_target_properties(qxcore PROPERTIES MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+else()
   target_compile_options(qxcore PRIVATE -fno-math-errno)
   if(QXCORE_TRAPS)
     # The vptr check needs type information at addresses where foreign compilers put none.

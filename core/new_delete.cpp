@@ -40,33 +40,51 @@ void Deallocate(void* block) noexcept {
 
 }  // namespace
 
-QXCORE_API void* operator new(size_t size) {
+// A compiler of the Microsoft ABI declares these operators itself, before any attribute of ours, so there the linker is
+// told to export them, by their decorated names.
+#if defined(_MSC_VER)
+#define QXCORE_OPERATOR_API
+#pragma comment(linker, "/EXPORT:??2@YAPEAX_K@Z")
+#pragma comment(linker, "/EXPORT:??_U@YAPEAX_K@Z")
+#pragma comment(linker, "/EXPORT:??2@YAPEAX_KAEBUnothrow_t@std@@@Z")
+#pragma comment(linker, "/EXPORT:??_U@YAPEAX_KAEBUnothrow_t@std@@@Z")
+#pragma comment(linker, "/EXPORT:??3@YAXPEAX@Z")
+#pragma comment(linker, "/EXPORT:??_V@YAXPEAX@Z")
+#pragma comment(linker, "/EXPORT:??3@YAXPEAX_K@Z")
+#pragma comment(linker, "/EXPORT:??_V@YAXPEAX_K@Z")
+#pragma comment(linker, "/EXPORT:??3@YAXPEAXAEBUnothrow_t@std@@@Z")
+#pragma comment(linker, "/EXPORT:??_V@YAXPEAXAEBUnothrow_t@std@@@Z")
+#else
+#define QXCORE_OPERATOR_API QXCORE_API
+#endif
+
+QXCORE_OPERATOR_API void* operator new(size_t size) {
     return Allocate(size);
 }
-QXCORE_API void* operator new[](size_t size) {
+QXCORE_OPERATOR_API void* operator new[](size_t size) {
     return Allocate(size);
 }
-QXCORE_API void* operator new(size_t size, const std::nothrow_t&) noexcept {
+QXCORE_OPERATOR_API void* operator new(size_t size, const std::nothrow_t&) noexcept {
     return AllocateOrNull(size);
 }
-QXCORE_API void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+QXCORE_OPERATOR_API void* operator new[](size_t size, const std::nothrow_t&) noexcept {
     return AllocateOrNull(size);
 }
-QXCORE_API void operator delete(void* block) noexcept {
+QXCORE_OPERATOR_API void operator delete(void* block) noexcept {
     Deallocate(block);
 }
-QXCORE_API void operator delete[](void* block) noexcept {
+QXCORE_OPERATOR_API void operator delete[](void* block) noexcept {
     Deallocate(block);
 }
-QXCORE_API void operator delete(void* block, size_t) noexcept {
+QXCORE_OPERATOR_API void operator delete(void* block, size_t) noexcept {
     Deallocate(block);
 }
-QXCORE_API void operator delete[](void* block, size_t) noexcept {
+QXCORE_OPERATOR_API void operator delete[](void* block, size_t) noexcept {
     Deallocate(block);
 }
-QXCORE_API void operator delete(void* block, const std::nothrow_t&) noexcept {
+QXCORE_OPERATOR_API void operator delete(void* block, const std::nothrow_t&) noexcept {
     Deallocate(block);
 }
-QXCORE_API void operator delete[](void* block, const std::nothrow_t&) noexcept {
+QXCORE_OPERATOR_API void operator delete[](void* block, const std::nothrow_t&) noexcept {
     Deallocate(block);
 }
