@@ -102,6 +102,14 @@ void CompareStrings() {
         [&] { bench::Keep(wide.real(g_self, 1, buffer, 256)); });
 }
 
+// The cheapest call that there is, so the difference is what the way to it costs.
+void CompareSize(const char* what, HMODULE module, HRSRC resource) {
+    auto call = CALL_OF(SizeofResource);
+    bench::Compare(
+        what, "the real call", [&] { bench::Keep(call.patched(module, resource)); },
+        [&] { bench::Keep(call.real(module, resource)); });
+}
+
 // An excluded module is one of that name, so a system module is copied to it.
 void CompareExcluded() {
     char folder[MAX_PATH], system[MAX_PATH];
@@ -111,6 +119,7 @@ void CompareExcluded() {
     CopyFileA((std::string(system) + "\\version.dll").c_str(), path.c_str(), FALSE);
     HMODULE excluded = LoadLibraryA(path.c_str());
     CompareLoad("LoadStringA, excluded module, no such string", CALL_OF(LoadStringA), excluded, 1);
+    CompareSize("SizeofResource, excluded module", excluded, FindResourceA(excluded, MAKEINTRESOURCEA(1), RT_VERSION));
     FreeLibrary(excluded);
     DeleteFileA(path.c_str());
 }
@@ -138,6 +147,10 @@ void CompareResources() {
     bench::Compare(
         "SizeofResource, dialog", "the real call", [&] { bench::Keep(size.patched(g_self, record)); },
         [&] { bench::Keep(size.real(g_self, real)); });
+    Supp_SetTranslationEnable(0);
+    CompareSize("SizeofResource, switched off", g_self, real);
+    Supp_SetTranslationEnable(1);
+    CompareSize("SizeofResource, raw data", g_self, find.real(g_self, MAKEINTRESOURCEA(300), RT_RCDATA));
     HGLOBAL block = load.patched(g_self, record);
     bench::Compare(
         "LockResource", "the real call", [&] { bench::Keep(lock.patched(block)); },

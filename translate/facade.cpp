@@ -12,7 +12,7 @@ constexpr const char* kDefaultDictionary = "app.wld";
 int Supp_Init(const char* name) {
     if (!g_Wld.Init(name ? name : kDefaultDictionary)) return 0;
     for (const char* library : kPatchModules) _InitResTranslation(GetModuleHandleA(library));
-    for (ListedModule& excluded : g_excludeModules) excluded.module = GetModuleHandleA(excluded.name);
+    for (ListedModule& excluded : g_excludeModules) excluded.Find();
     for (ListedModule& extra : g_extraModules) _InitResTranslation(extra.module);
     return 1;
 }

@@ -74,7 +74,7 @@ void UnpatchListedModules() {
 
 int _InitResTranslation(HMODULE module) {
     if (!module) return 0;
-    for (ListedModule& extra : g_extraModules) extra.Refresh();
+    RefreshExtraModules();
     TellModule(module);
     // The library's own imports are its way to the real functions.
     if (module == OwnModule()) return 1;

@@ -4,19 +4,25 @@ constinit ListedModule g_excludeModules[5] = {
     {"acadres.dll", false}, {"acltres.dll", false}, {"acopm.arx", true}, {"acad.exe", false}, {"aclt.exe", false},
 };
 constinit ListedModule g_extraModules[1] = {{"mfc80u.dll", false}};
+constinit OncePerModuleChange g_lateSearch;
 constinit std::atomic<int> g_translationEnable = 1;
 
-void ListedModule::Look(unsigned now) {
-    module.store(GetModuleHandleA(name), std::memory_order_relaxed);
-    generation.store(now, std::memory_order_relaxed);
+// Asking the loader for an absent module searches the disk, so it is done once for each change of the modules.
+void RefreshExtraModules() {
+    static constinit OncePerModuleChange search;
+    if (!search.IsDue()) return;
+    search.Run([] {
+        for (ListedModule& row : g_extraModules) {
+            if (!row.IsFound()) row.Find();
+        }
+    });
 }
 
-bool IsTranslationActive(const void* module) {
-    if (!g_translationEnable.load(std::memory_order_relaxed)) return false;
-    if (!module) return true;
-    for (ListedModule& row : g_excludeModules) {
-        if (row.loadsLate) row.Refresh();
-        if (module == row.module.load(std::memory_order_relaxed)) return false;
-    }
-    return true;
+bool IsExclusionAfterSearch(const void* module) {
+    g_lateSearch.Run([] {
+        for (ListedModule& row : g_excludeModules) {
+            if (row.loadsLate && !row.IsFound()) row.Find();
+        }
+    });
+    return IsListedExclusion(module);
 }

@@ -7,23 +7,15 @@
 #include <qxcore/platform.h>
 
 #include <atomic>
+#include <cstdint>
 
 struct ListedModule {
     const char* name;
     bool loadsLate;  // may come after Supp_Init: looked for until it is there
     std::atomic<HMODULE> module = nullptr;
-    std::atomic<unsigned> generation = 0;  // of the modules when it was last looked for
 
-    // Looks for the module while it is not known. Asking the loader for an absent module searches the disk, so it is
-    // asked once for each change of the modules.
-    void Refresh() {
-        if (module.load(std::memory_order_relaxed)) return;
-        unsigned now = ModuleGeneration();
-        if (!now || now != generation.load(std::memory_order_relaxed)) Look(now);
-    }
-
-private:
-    void Look(unsigned now);
+    void Find() { module.store(GetModuleHandleA(name), std::memory_order_relaxed); }
+    bool IsFound() const { return module.load(std::memory_order_relaxed) != nullptr; }
 };
 
 // The class libraries that load resources on a host's behalf.
@@ -34,10 +26,35 @@ inline constexpr const char* kPatchModules[] = {
 extern ListedModule g_excludeModules[5];
 extern ListedModule g_extraModules[1];
 
+// Looks for the extra modules that are not known.
+void RefreshExtraModules();
+
+// Whether a module is one of the excluded ones that are known. Every intercepted call asks, so the rows are written
+// out.
+inline bool IsListedExclusion(const void* module) {
+    auto is = [module](const ListedModule& row) { return row.module.load(std::memory_order_relaxed) == module; };
+    auto& [a, b, c, d, e] = g_excludeModules;
+    return is(a) || is(b) || is(c) || is(d) || is(e);
+}
+
+// The same after looking for those that may have come late, which is due when modules have come or gone.
+extern OncePerModuleChange g_lateSearch;
+bool IsExclusionAfterSearch(const void* module);
+
+inline bool IsExcluded(const void* module) {
+    return g_lateSearch.IsDue() ? IsExclusionAfterSearch(module) : IsListedExclusion(module);
+}
+
 // The master switch of the interception.
 extern std::atomic<int> g_translationEnable;
 
-// Whether a call that concerns this module is translated. For a null module only the switch counts.
-bool IsTranslationActive(const void* module);
+// Whether a call that concerns this module is translated. For a null module only the switch counts. Resource
+// functions ask with the addresses of loaded resources too; one within a page cannot be a module's.
+inline bool IsTranslationActive(const void* module) {
+    constexpr uintptr_t kWithinPage = 0xFFF;
+    if (!g_translationEnable.load(std::memory_order_relaxed)) return false;
+    if (!module || (reinterpret_cast<uintptr_t>(module) & kWithinPage) != 0) return true;
+    return !IsExcluded(module);
+}
 
 #endif

@@ -3,6 +3,8 @@
 #include "translate/replacements.h"
 #include "translate/resource_records.h"
 
+#include <qxcore/export.h>
+
 namespace {
 
 // Reads what would be a record's marker, so that a host that frees null faults instead of going on. The volatile
@@ -10,6 +12,19 @@ namespace {
 void FaultAtMarker(HGLOBAL null) {
     volatile uintptr_t address = reinterpret_cast<uintptr_t>(null) + sizeof(QX_LISTITEM);
     static_cast<void>(*reinterpret_cast<const volatile uint32_t*>(address));
+}
+
+// Apart, so that the way to the system for handles of its own is short.
+QXCORE_NOINLINE HGLOBAL LoadAny(HMODULE module, HRSRC resource) {
+    QX_RESITEM* record = RecordOf(resource);
+    if (!record || !IsTranslationActive(module)) return QX_REAL(LoadResource)(module, resource);
+    return LoadRecord(record);
+}
+
+QXCORE_NOINLINE DWORD SizeOfAny(HMODULE module, HRSRC resource) {
+    QX_RESITEM* record = RecordOf(resource);
+    if (!record || !IsTranslationActive(module)) return QX_REAL(SizeofResource)(module, resource);
+    return record->size;
 }
 
 }  // namespace
@@ -39,8 +54,7 @@ HRSRC WINAPI NewFindResourceExW(HMODULE module, const wchar_t* type, const wchar
 }
 
 HGLOBAL WINAPI NewLoadResource(HMODULE module, HRSRC resource) {
-    QX_RESITEM* record = IsTranslationActive(module) ? RecordOf(resource) : nullptr;
-    return record ? LoadRecord(record) : QX_REAL(LoadResource)(module, resource);
+    return MayBeRecord(resource) ? LoadAny(module, resource) : QX_REAL(LoadResource)(module, resource);
 }
 
 // What LoadResource gave is the block already.
@@ -48,16 +62,12 @@ void* WINAPI NewLockResource(HGLOBAL loaded) {
     return IsTranslationActive(loaded) ? loaded : QX_REAL(LockResource)(loaded);
 }
 
-// Neither a record nor a block is freed: the system frees no resource either. Null is read like a record.
+// The system frees no resource, so neither a record nor a block is freed by it. Null is read like a record.
 BOOL WINAPI NewFreeResource(HGLOBAL loaded) {
-    if (IsTranslationActive(loaded)) {
-        if (!loaded) FaultAtMarker(loaded);
-        if (RecordOf(loaded)) return FALSE;
-    }
+    if (!loaded && IsTranslationActive(loaded)) FaultAtMarker(loaded);
     return QX_REAL(FreeResource)(loaded);
 }
 
 DWORD WINAPI NewSizeofResource(HMODULE module, HRSRC resource) {
-    QX_RESITEM* record = IsTranslationActive(module) ? RecordOf(resource) : nullptr;
-    return record ? record->size : QX_REAL(SizeofResource)(module, resource);
+    return MayBeRecord(resource) ? SizeOfAny(module, resource) : QX_REAL(SizeofResource)(module, resource);
 }

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+constinit RecordBounds g_recordBounds;
+
 namespace {
 
 constexpr uint32_t kMarker = 0xFFFFFFFF;
@@ -14,17 +16,17 @@ constexpr size_t kKeyOffset = sizeof(QX_RESITEM) - sizeof(QX_RESITEM::key);
 static_assert(sizeof(QX_RESITEM) == 200);
 
 constinit COList g_resItems;
-// No record lies outside these bounds, so most handles of others are told by two comparisons.
-constinit uintptr_t g_lowestRecord = UINTPTR_MAX;
-constinit uintptr_t g_highestRecord = 0;
+// The one found last: hosts find, measure and load one resource after the other.
+constinit QX_RESITEM* g_latestRecord = nullptr;
 
-// Calls visit(record) from the head until it answers true; answers that record or null.
-template <class Visit>
-QX_RESITEM* FindRecord(Visit visit) {
+// The record that `matches`; null without one. No two records match.
+template <class Matches>
+QX_RESITEM* FindRecord(Matches matches) {
+    if (g_latestRecord && matches(g_latestRecord)) return g_latestRecord;
     QX_LISTITEM* item = g_resItems.head;
     for (unsigned left = g_resItems.count; left > 0; --left, item = item->next) {
         auto record = static_cast<QX_RESITEM*>(item);
-        if (visit(record)) return record;
+        if (matches(record)) return g_latestRecord = record;
     }
     return nullptr;
 }
@@ -55,8 +57,10 @@ QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t ty
     record->hash = *key ? HashResourceKey(key) : 0;
     memcpy(memory + kKeyOffset, key, keySize);
     g_resItems.Append(record);
-    g_lowestRecord = std::min(g_lowestRecord, reinterpret_cast<uintptr_t>(record));
-    g_highestRecord = std::max(g_highestRecord, reinterpret_cast<uintptr_t>(record));
+    g_latestRecord = record;
+    auto address = reinterpret_cast<uintptr_t>(record);
+    g_recordBounds.lowest = std::min(g_recordBounds.lowest, address);
+    g_recordBounds.highest = std::max(g_recordBounds.highest, address);
     return record;
 }
 
@@ -90,8 +94,7 @@ HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* t
 }
 
 QX_RESITEM* RecordOf(const void* handle) {
-    auto address = reinterpret_cast<uintptr_t>(handle);
-    if (address < g_lowestRecord || address > g_highestRecord) return nullptr;
+    if (!MayBeRecord(handle)) return nullptr;
     return FindRecord([&](QX_RESITEM* r) { return r == handle; });
 }
 
@@ -110,6 +113,6 @@ void FreeResourceRecords() {
         g_resItems.Unlink(last);
         LocalFree(last);
     }
-    g_lowestRecord = UINTPTR_MAX;
-    g_highestRecord = 0;
+    g_latestRecord = nullptr;
+    g_recordBounds = {};
 }

@@ -29,6 +29,18 @@ HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* t
 // The record behind a handle, or null for any other handle.
 QX_RESITEM* RecordOf(const void* handle);
 
+// Bounds of the records' addresses, so that nearly all handles of others are told by two comparisons.
+struct RecordBounds {
+    uintptr_t lowest = UINTPTR_MAX;
+    uintptr_t highest = 0;
+};
+extern RecordBounds g_recordBounds;
+
+inline bool MayBeRecord(const void* handle) {
+    auto address = reinterpret_cast<uintptr_t>(handle);
+    return address >= g_recordBounds.lowest && address <= g_recordBounds.highest;
+}
+
 // The translated block of a record, built at the first call; the real block where there is nothing to translate;
 // null for a menu, whose texts are translated when the system has made it.
 HGLOBAL LoadRecord(QX_RESITEM* record);
