@@ -7,17 +7,18 @@
 #include <qxcore/translation.h>
 
 #include <atomic>
+#include <cstring>
 
 namespace {
 
 constexpr unsigned kTextSize = 1024;
 
-// Translates into a buffer of kTextSize bytes. A longer text without a translation is shown whole, as it is.
+// Translates into a buffer of kTextSize bytes. A text without a translation that is too long for it is shown as it is.
 const char* TranslateInto(char* buffer, const char* text) {
     if (!text) return nullptr;
     const char* target = g_Wld.Translate(text, 1);
-    if (!target) return text;
-    CopyWhole(buffer, kTextSize, target);
+    if (!target && strlen(text) >= kTextSize) return text;
+    CopyWhole(buffer, kTextSize, target ? target : text);
     return buffer;
 }
 
@@ -30,9 +31,9 @@ char* NextLastingBuffer() {
 }
 
 // A text of a parameter block: the string of that id if the module has one, else what the pointer leads to. The
-// number tried is the pointer's low half, so a text that lies at an unlucky address shows another string.
+// number tried is the pointer's low half, so a text that lies at an unlucky address shows another string, and null
+// shows the string 0.
 const char* TranslateParameter(HINSTANCE module, const char* text) {
-    if (!text) return nullptr;
     char* buffer = NextLastingBuffer();
     auto id = static_cast<UINT>(reinterpret_cast<uintptr_t>(text));
     if (QX_REAL(LoadStringA)(module, id, buffer, kTextSize) > 0) {

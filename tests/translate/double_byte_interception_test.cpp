@@ -42,10 +42,10 @@ TEST_F(DoubleByteInterceptionTest, ANarrowStringCountsBytesAndAWideOneCharacters
     EXPECT_STREQ(wide, kOpen);
 }
 
-TEST_F(DoubleByteInterceptionTest, AWideStringIsCutToTheBufferAtAWholeCharacter) {
+TEST_F(DoubleByteInterceptionTest, AWideStringThatDoesNotFitAnswers0AndIsCutAtAWholeCharacter) {
     Teach("Op", OPEN_932 "\x82\xAD");
     wchar_t wide[5] = L"####";
-    EXPECT_EQ(CALL(caller, LoadStringW)(caller, 1, wide, 3), 3);
+    EXPECT_EQ(CALL(caller, LoadStringW)(caller, 1, wide, 3), 0);
     EXPECT_EQ(std::wstring(wide, 4), std::wstring(L"\u958B\u304F\0#", 4));
 }
 

@@ -1,5 +1,6 @@
 // Modules whose own resources stay untranslated, whoever loads them.
 #include "translate/caller.h"
+#include "translate/replaced_import.h"
 
 namespace {
 
@@ -22,6 +23,32 @@ protected:
     }
     CallerModule caller;
 };
+
+std::string g_caption;
+
+INT_PTR CALLBACK TakeCaption(HWND dialog, UINT message, WPARAM, LPARAM) {
+    if (message != WM_INITDIALOG) return FALSE;
+    char text[64] = "";
+    GetWindowTextA(dialog, text, sizeof text);
+    g_caption = text;
+    EndDialog(dialog, 42);
+    return TRUE;
+}
+
+const MSGBOXPARAMSA* g_block;
+
+int WINAPI AnswerBlock(const MSGBOXPARAMSA* block) {
+    g_block = block;
+    return 4711;
+}
+
+INT_PTR WINAPI AnswerDialogA(HINSTANCE, const char*, HWND, DLGPROC, LPARAM) {
+    return 1001;
+}
+
+INT_PTR WINAPI AnswerDialogW(HINSTANCE, const wchar_t*, HWND, DLGPROC, LPARAM) {
+    return 1002;
+}
 
 }  // namespace
 
@@ -65,6 +92,79 @@ TEST_F(ExclusionTest, EveryFunctionWithAModuleLeavesAnExcludedModuleAlone) {
     EXPECT_EQ(CALL(caller, FindResourceW)(late, MAKEINTRESOURCEW(200), MAKEINTRESOURCEW(5)), real);
     EXPECT_EQ(CALL(caller, LoadResource)(late, real), LoadResource(late, real));
     EXPECT_EQ(CALL(caller, SizeofResource)(late, real), SizeofResource(late, real));
+}
+
+TEST_F(ExclusionTest, TheExFunctionsExchangeTypeAndNameForAnExcludedModule) {
+    CallerModule& late = Late();
+    constexpr WORD kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
+    HRSRC real = FindResourceExA(late, RT_DIALOG, MAKEINTRESOURCEA(200), kEnglish);
+    auto findA = CALL(caller, FindResourceExA);
+    auto findW = CALL(caller, FindResourceExW);
+    EXPECT_EQ(findA(late, MAKEINTRESOURCEA(200), RT_DIALOG, kEnglish), real);
+    EXPECT_EQ(findA(late, RT_DIALOG, MAKEINTRESOURCEA(200), kEnglish), nullptr);
+    EXPECT_EQ(findW(late, MAKEINTRESOURCEW(200), MAKEINTRESOURCEW(5), kEnglish), real);
+    EXPECT_EQ(findW(late, MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(200), kEnglish), nullptr);
+}
+
+TEST_F(ExclusionTest, DialogsOfAnExcludedModuleKeepTheirLanguage) {
+    CallerModule& late = Late();
+    const char* name = MAKEINTRESOURCEA(230);
+    const wchar_t* wideName = MAKEINTRESOURCEW(230);
+    auto dialog = static_cast<const DLGTEMPLATE*>(LoadResource(late, FindResourceA(late, name, RT_DIALOG)));
+    auto captionOf = [&](auto run) {
+        g_caption = "";
+        run();
+        return g_caption;
+    };
+#define CAPTION(function, source) captionOf([&] { CALL(caller, function)(late, source, nullptr, TakeCaption, 0); })
+    EXPECT_EQ(CAPTION(CreateDialogParamA, name), "Open");
+    EXPECT_EQ(CAPTION(CreateDialogParamW, wideName), "Open");
+    EXPECT_EQ(CAPTION(DialogBoxParamA, name), "Open");
+    EXPECT_EQ(CAPTION(DialogBoxParamW, wideName), "Open");
+    EXPECT_EQ(CAPTION(CreateDialogIndirectParamA, dialog), "Open");
+    EXPECT_EQ(CAPTION(CreateDialogIndirectParamW, dialog), "Open");
+    EXPECT_EQ(CAPTION(DialogBoxIndirectParamA, dialog), "Open");
+    EXPECT_EQ(CAPTION(DialogBoxIndirectParamW, dialog), "Open");
+#undef CAPTION
+    CALL(caller, DialogBoxParamA)(caller, name, nullptr, TakeCaption, 0);
+    EXPECT_EQ(g_caption, "Auf");
+}
+
+TEST_F(ExclusionTest, AMessageBoxBlockOfAnExcludedModuleIsPassedOn) {
+    CallerModule& late = Late();
+    LoadFrom(late);
+    ReplacedImport none("MessageBoxIndirectA", AnswerBlock);
+    // The library's own import serves while nothing was found at an installation.
+    std::vector<char> noModule(4096);
+    _InitResTranslation(reinterpret_cast<HMODULE>(noModule.data()));
+    MSGBOXPARAMSA block = {};
+    block.cbSize = sizeof block;
+    block.hInstance = late;
+    block.lpszText = MAKEINTRESOURCEA(1);
+    block.lpszCaption = "Open";
+    EXPECT_EQ(CALL(caller, MessageBoxIndirectA)(&block), 4711);
+    EXPECT_EQ(g_block, &block);
+    EXPECT_EQ(block.lpszText, MAKEINTRESOURCEA(1));
+    EXPECT_STREQ(block.lpszCaption, "Open");
+    block.hInstance = caller;
+    EXPECT_EQ(CALL(caller, MessageBoxIndirectA)(&block), 4711);
+    EXPECT_STREQ(block.lpszText, "Auf");
+    EXPECT_STREQ(block.lpszCaption, "Auf");
+}
+
+TEST_F(ExclusionTest, WithoutTranslationModalDialogsGoThroughTheLibrarysOwnImport) {
+    ReplacedImport narrow("DialogBoxParamA", AnswerDialogA);
+    ReplacedImport wide("DialogBoxParamW", AnswerDialogW);
+    CallerModule& late = Late();
+    auto runA = CALL(caller, DialogBoxParamA);
+    auto runW = CALL(caller, DialogBoxParamW);
+    EXPECT_EQ(runA(late, MAKEINTRESOURCEA(230), nullptr, TakeCaption, 0), 1001);
+    EXPECT_EQ(runW(late, MAKEINTRESOURCEW(230), nullptr, TakeCaption, 0), 1002);
+    Supp_SetTranslationEnable(0);
+    EXPECT_EQ(runA(caller, MAKEINTRESOURCEA(230), nullptr, TakeCaption, 0), 1001);
+    EXPECT_EQ(runW(caller, MAKEINTRESOURCEW(230), nullptr, TakeCaption, 0), 1002);
+    Supp_SetTranslationEnable(1);
+    EXPECT_EQ(runA(caller, MAKEINTRESOURCEA(230), nullptr, TakeCaption, 0), 42);
 }
 
 TEST_F(ExclusionTest, TheHandleOfAnExcludedModuleIsLockedByTheSystem) {

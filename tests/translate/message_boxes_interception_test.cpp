@@ -133,6 +133,38 @@ TEST_F(MessageBoxesInterceptionTest, TheCallersBlockPointsAtTheTranslationsAfter
     EXPECT_EQ(g_box.caption, L"Zu");
 }
 
+TEST_F(MessageBoxesInterceptionTest, AnUntranslatedTextOfABlockIsCopiedToo) {
+    const char* text = "Nobody knows";
+    MSGBOXPARAMSA block = Block(caller, text, "Close");
+    CALL(caller, MessageBoxIndirectA)(&block);
+    EXPECT_EQ(g_box.text, L"Nobody knows");
+    EXPECT_NE(block.lpszText, text);
+    EXPECT_STREQ(block.lpszText, text);
+}
+
+TEST_F(MessageBoxesInterceptionTest, ATextWhoseAddressLooksLikeAStringIdShowsThatString) {
+    // The low half of the address is tried as an id, of which the system looks at 16 bits: here 1.
+    auto pages = static_cast<char*>(VirtualAlloc(nullptr, 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    ASSERT_EQ(reinterpret_cast<uintptr_t>(pages) & 0xFFFF, 0u);
+    strcpy(pages + 1, "Close");
+    MSGBOXPARAMSA block = Block(caller, pages + 1, "Close");
+    CALL(caller, MessageBoxIndirectA)(&block);
+    EXPECT_EQ(g_box.text, L"Auf");
+    VirtualFree(pages, 0, MEM_RELEASE);
+}
+
+TEST_F(MessageBoxesInterceptionTest, WithoutATextABlockShowsTheString0) {
+    Teach("Nothing said", "Nichts");
+    MSGBOXPARAMSA block = Block(GetModuleHandleA(nullptr), nullptr, "Close");
+    CALL(caller, MessageBoxIndirectA)(&block);
+    EXPECT_EQ(g_box.text, L"Nichts");
+    EXPECT_STREQ(block.lpszText, "Nichts");
+    // A module without that string leaves null to the system.
+    block = Block(caller, nullptr, "Close");
+    EXPECT_EQ(CALL(caller, MessageBoxIndirectA)(&block), IDOK);
+    EXPECT_EQ(block.lpszText, nullptr);
+}
+
 TEST_F(MessageBoxesInterceptionTest, ABlockInReadOnlyMemoryIsShownAllTheSame) {
     void* page = VirtualAlloc(nullptr, 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
     auto block = static_cast<MSGBOXPARAMSA*>(page);

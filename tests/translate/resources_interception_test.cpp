@@ -158,6 +158,46 @@ TEST_F(ResourcesInterceptionTest, WithTheSwitchOffTheRealHandlesAreThere) {
     EXPECT_EQ(Size(real), SizeofResource(caller, real));
     EXPECT_EQ(CALL(caller, LockResource)(Load(real)), LockResource(LoadResource(caller, real)));
     EXPECT_EQ(CALL(caller, FreeResource)(Load(real)), FreeResource(LoadResource(caller, real)));
+    EXPECT_EQ(CALL(caller, LockResource)(nullptr), LockResource(nullptr));
+    EXPECT_EQ(CALL(caller, FreeResource)(nullptr), FreeResource(nullptr));
+}
+
+TEST_F(ResourcesInterceptionTest, WithTheSwitchOnAgainARecordIsWhatItWas) {
+    Teach("Open", "Auf");
+    HRSRC found = Find(MAKEINTRESOURCEA(216), kDialog);
+    HGLOBAL block = Load(found);
+    DWORD size = Size(found);
+    Supp_SetTranslationEnable(0);
+    EXPECT_EQ(Find(MAKEINTRESOURCEA(216), kDialog), RecordAt(found).handle);
+    Supp_SetTranslationEnable(1);
+    EXPECT_EQ(Find(MAKEINTRESOURCEA(216), kDialog), found);
+    EXPECT_EQ(Load(found), block);
+    EXPECT_EQ(Size(found), size);
+}
+
+TEST_F(ResourcesInterceptionTest, ManyRecordsInTurnAreToldApart) {
+    std::vector<std::pair<HRSRC, HGLOBAL>> records;
+    for (int name : {217, 218, 219}) {
+        HRSRC found = Find(MAKEINTRESOURCEA(name), kDialog);
+        records.emplace_back(found, Load(found));
+    }
+    for (auto [found, block] : records) {
+        EXPECT_EQ(Load(found), block);
+        EXPECT_EQ(Size(found), RecordAt(found).size);
+        // A block lies among the records, and is none.
+        EXPECT_EQ(CALL(caller, LockResource)(block), block);
+        EXPECT_EQ(Load(RecordAt(found).handle), LoadResource(caller, RecordAt(found).handle));
+    }
+}
+
+TEST_F(ResourcesInterceptionTest, LockingNullIsNull) {
+    EXPECT_EQ(CALL(caller, LockResource)(nullptr), nullptr);
+}
+
+TEST_F(ResourcesInterceptionTest, AFindWithoutANameIsTheSystems) {
+    EXPECT_EQ(CALL(caller, FindResourceA)(caller, nullptr, kDialog), FindResourceA(caller, nullptr, kDialog));
+    EXPECT_EQ(CALL(caller, FindResourceW)(caller, nullptr, MAKEINTRESOURCEW(5)),
+              FindResourceW(caller, nullptr, MAKEINTRESOURCEW(5)));
 }
 
 TEST_F(ResourcesInterceptionTest, ALoadedDialogIsTranslatedInItsContext) {

@@ -153,12 +153,18 @@ TEST_F(StringsInterceptionTest, AComposedCharacterIsLookedUpPrecomposed) {
     EXPECT_EQ(answer, 7);
 }
 
-TEST_F(StringsInterceptionTest, AWideTranslationIsCutToTheBuffer) {
+TEST_F(StringsInterceptionTest, AWideTranslationThatDoesNotFitAnswers0AndIsCut) {
     Teach("Open", "0123456789");
+    auto load = CALL(caller, LoadStringW);
     wchar_t buffer[12];
-    wmemset(buffer, L'#', 12);
-    EXPECT_EQ(CALL(caller, LoadStringW)(caller, 1, buffer, 6), 6);
-    EXPECT_EQ(std::wstring(buffer, 8), std::wstring(L"01234\0##", 8));
+    for (int size : {6, 10}) {
+        wmemset(buffer, L'#', 12);
+        EXPECT_EQ(load(caller, 1, buffer, size), 0);
+        EXPECT_EQ(buffer, std::wstring(L"0123456789", size - 1));
+        EXPECT_EQ(buffer[size], L'#');
+    }
+    EXPECT_EQ(load(caller, 1, buffer, 11), 11);
+    EXPECT_EQ(buffer, std::wstring(L"0123456789"));
 }
 
 TEST_F(StringsInterceptionTest, ABufferOfNoSizeTakesTheAddressOfTheWideString) {
