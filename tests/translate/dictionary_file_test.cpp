@@ -1,6 +1,7 @@
 #include "support/allocation_failure.h"
-#include "translate/dictionary_fixture.h"
 #include "support/scratch_directory.h"
+#include "translate/dictionary_fixture.h"
+#include "translate/low_memory.h"
 
 #include <cstring>
 #include <map>
@@ -29,29 +30,6 @@ private:
 
     ScratchDirectory m_directory;
     int m_files = 0;
-};
-
-// Memory that a memory path can name: it holds 31 bits of the address.
-class LowMemory {
-public:
-    explicit LowMemory(size_t readable, size_t unreadable = 0) {
-        for (UINT_PTR at = 0x10000000; !m_block && at < 0x70000000; at += 0x10000) {
-            m_block = static_cast<char*>(
-                VirtualAlloc(reinterpret_cast<void*>(at), readable + unreadable, MEM_RESERVE, PAGE_NOACCESS));
-        }
-        if (m_block) VirtualAlloc(m_block, readable, MEM_COMMIT, PAGE_READWRITE);
-    }
-    LowMemory(const LowMemory&) = delete;
-    LowMemory& operator=(const LowMemory&) = delete;
-    ~LowMemory() { VirtualFree(m_block, 0, MEM_RELEASE); }
-
-    char* Data() const { return m_block; }
-    std::string Path(size_t size) const {
-        return "fmem::" + std::to_string(reinterpret_cast<UINT_PTR>(m_block)) + "," + std::to_string(size);
-    }
-
-private:
-    char* m_block = nullptr;
 };
 
 std::string operator""_s(const char* bytes, size_t size) {
@@ -448,49 +426,6 @@ TEST_F(BadInput, RandomBytesOfTheFormatsOwnAreSurvived) {
     EXPECT_GT(d.Entries(), 300u);
 }
 
-// A fixed seed; a failing round is told by its number.
-TEST(DictionaryFuzz, MutatedDictionariesAreSurvived) {
-    const std::string sound =
-        "; German\r\n\"DialogFontName\"\n\"Arial\"\n\"Open\\n\"\n\"Auf\\t\"\n  \"view.dll#1#130\xFD\xFDOpen\"\n\"x\"\n"
-        "\"DialogFontSize\"\n\"10\"\n\"\"\n\"empty\"\n\"\x83\x5C\"\n\"\x8A\x4A\"";
-    constexpr size_t kRoom = 100000;
-    LowMemory memory(kRoom);
-    ASSERT_NE(nullptr, memory.Data());
-    std::mt19937 random(1);
-    auto d = std::make_unique<CWld>();
-    for (int round = 0; round < kManyEntries / 5; ++round) {
-        std::string bytes = sound;
-        for (unsigned change = 1 + random() % 6; change; --change) {
-            size_t at = random() % bytes.size();
-            switch (random() % 4) {
-                case 0:
-                    bytes[at] = static_cast<char>(random());
-                    break;
-                case 1:
-                    bytes.erase(at, 1 + random() % 8);
-                    break;
-                case 2:
-                    bytes.insert(at, 1 + random() % 3, "\"\n\\;\x81\0 "[random() % 7]);
-                    break;
-                default:
-                    bytes.insert(at, std::string(random() % 9000, static_cast<char>(random())));
-                    break;
-            }
-            if (bytes.empty()) bytes = "\n";
-        }
-        ASSERT_LE(bytes.size(), kRoom);
-        memcpy(memory.Data(), bytes.data(), bytes.size());
-        if (d->m_Contexts.count > unsigned(kManyEntries)) d = std::make_unique<CWld>();
-        // The geometry beside a memory path is the same memory, read as an ini text.
-        try {
-            ASSERT_EQ(1, d->Add(memory.Path(bytes.size()).c_str())) << round;
-        } catch (CXException& e) {
-            ASSERT_EQ(QXERR_INI_LINE, e.GetCode()) << round;
-        }
-    }
-}
-
-// A geometry file that cannot be opened for want of memory counts as missing.
 TEST(DictionaryFileTest, ReadingSurvivesEveryFailingAllocation) {
     ScratchDirectory directory;
     std::string path = directory.Write("a.wld", "\"Open\"\n\"Auf\"\n\"Close\\n\"\n\"Zu\\t\"\n\"Save\"\n\"Sichern\"\n");

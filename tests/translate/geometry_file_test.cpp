@@ -3,7 +3,6 @@
 #include "translate/module_copy.h"
 
 #include <memory>
-#include <random>
 
 namespace {
 
@@ -172,36 +171,4 @@ TEST(GeometryFileTest, ReadingSurvivesEveryFailingAllocation) {
     };
     // A geometry file that cannot be opened for want of memory counts as missing.
     EXPECT_GT(FailEachAllocation(make, read, isUsable, true), 10u);
-}
-
-// A fixed seed; a failing round is told by its number.
-TEST(GeometryFileFuzz, MutatedGeometryIsSurvived) {
-    const std::string sound =
-        "[\\view.dll\\Dialogs\\#130]\r\nDialog Size=z10,20\r\n0=t1,2,3,4\r\n1=t0x10,2,3,-4|2=t5,6,7,8 ; c\r\n"
-        "[\\view.dll\\Dialogs\\SETTINGS]\r\nDialog Size=z-5,0\r\n";
-    std::mt19937 random(3);
-    Geometry g;
-    for (int round = 0; round < 300; ++round) {
-        std::string bytes = sound;
-        for (unsigned change = 1 + random() % 5; change; --change) {
-            size_t at = random() % bytes.size();
-            switch (random() % 3) {
-                case 0:
-                    bytes[at] = static_cast<char>(random());
-                    break;
-                case 1:
-                    bytes.erase(at, 1 + random() % 8);
-                    break;
-                default:
-                    bytes.insert(at, 1 + random() % (kManyEntries / 8), "[\\]=,|;\x81\0 t"[random() % 11]);
-                    break;
-            }
-            if (bytes.empty()) bytes = "[";
-        }
-        try {
-            ASSERT_EQ(1, g.Add(bytes)) << round;
-        } catch (CXException& e) {
-            ASSERT_EQ(QXERR_INI_LINE, e.GetCode()) << round;
-        }
-    }
 }
