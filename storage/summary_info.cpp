@@ -39,6 +39,16 @@ PROPSPEC SpecOf(int number) {
     return spec;
 }
 
+// Nothing raises: whatever goes wrong is answered by nothing.
+template <class Call>
+auto OrNothing(Call call) -> decltype(call()) {
+    try {
+        return call();
+    } catch (...) {
+        return {};
+    }
+}
+
 // Opens its sets for each access and closes them again.
 class CIQXSummaryInfo final : public CQXUnknownImpl<IQXProperty> {
     using NameMap = CTMapEnum<const char*, int>;
@@ -52,13 +62,21 @@ public:
     // An enumerator that is still out there finds no names.
     ~CIQXSummaryInfo() override { RemoveAllNames(); }
 
-    int GetProperty(const char* name, CQXVariant* value) override;
-    int SetProperty(const char* name, CQXVariant& value) override;
-    CTEnum<const char*>* EnumNames() override { return m_names->CreateEnum(); }
+    int GetProperty(const char* name, CQXVariant* value) override {
+        return OrNothing([&] { return Read(name, value); });
+    }
+    int SetProperty(const char* name, CQXVariant& value) override {
+        return OrNothing([&] { return Write(name, value); });
+    }
+    CTEnum<const char*>* EnumNames() override {
+        return OrNothing([&] { return m_names->CreateEnum(); });
+    }
     int RemoveName(const char* name) override { return m_names->RemoveKey(name); }
     void RemoveAllNames() override { m_names->RemoveAll(); }
 
 private:
+    int Read(const char* name, CQXVariant* value);
+    int Write(const char* name, const CQXVariant& value);
     Reference<IPropertyStorage> OpenSet(bool writing, bool document);
     bool Find(const char* name, int& number) { return m_sets && m_names->Lookup(name, number); }
 
@@ -78,14 +96,16 @@ struct PropertyValue : PROPVARIANT {
 Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document) {
     const FMTID& format = document ? FMTID_DocSummaryInformation : FMTID_SummaryInformation;
     DWORD mode = STGM_SHARE_EXCLUSIVE | (writing ? STGM_READWRITE : STGM_READ);
-    Reference<IPropertyStorage> set;
-    HRESULT status = m_sets->Open(format, mode, set.Out());
-    if (FAILED(status) && writing) m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Out());
-    return set;
+    return OrNothing([&] {
+        Reference<IPropertyStorage> set;
+        HRESULT status = m_sets->Open(format, mode, set.Out());
+        if (FAILED(status) && writing) m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Out());
+        return set;
+    });
 }
 
 // Both sets are opened whichever is needed, so a set that another object holds open is no hindrance only to the other.
-int CIQXSummaryInfo::GetProperty(const char* name, CQXVariant* value) {
+int CIQXSummaryInfo::Read(const char* name, CQXVariant* value) {
     int number;
     if (!Find(name, number)) return 0;
     Reference<IPropertyStorage> summary = OpenSet(false, false);
@@ -101,7 +121,7 @@ int CIQXSummaryInfo::GetProperty(const char* name, CQXVariant* value) {
     return 1;
 }
 
-int CIQXSummaryInfo::SetProperty(const char* name, CQXVariant& value) {
+int CIQXSummaryInfo::Write(const char* name, const CQXVariant& value) {
     int number;
     if (!Find(name, number)) return 0;
     char* text = value.type == QXVT_STRING ? value.value.string : nullptr;
@@ -120,9 +140,5 @@ int CIQXSummaryInfo::SetProperty(const char* name, CQXVariant& value) {
 }  // namespace
 
 IQXProperty* new_SummaryInfo(IStorage* storage) {
-    try {
-        return new CIQXSummaryInfo(storage);
-    } catch (CXMemException&) {
-        return nullptr;
-    }
+    return OrNothing([&]() -> IQXProperty* { return new CIQXSummaryInfo(storage); });
 }

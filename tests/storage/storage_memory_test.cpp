@@ -142,3 +142,43 @@ TEST(StorageMemoryTest, PropertiesWithoutMemoryAreRefused) {
         CheckDocument, true);
     EXPECT_GE(failures, 10u);  // the object, the map, its table, and the names
 }
+
+TEST(StorageMemoryTest, APropertyWithoutMemoryIsNotThereAndTheValueStays) {
+    struct Titled : Document {
+        Titled() {
+            storage->QueryInterface(qx_typeid<IQXProperty>(), &object);
+            CQXVariant title("A title");
+            Properties()->SetProperty("Title", title);
+        }
+        ~Titled() { object->Release(); }
+        IQXProperty* Properties() const { return static_cast<IQXProperty*>(object); }
+        int Read() { return Properties()->GetProperty("Title", &value); }
+
+        IQXUnknown* object = nullptr;
+        CQXVariant value{7};
+        int answer = -1;
+    };
+    unsigned failures = FailEachAllocation(
+        std::make_unique<Titled>, [](auto& document) { document->answer = document->Read(); },
+        [](auto& document) {
+            EXPECT_EQ(document->answer, 0);
+            EXPECT_TRUE(document->value == CQXVariant(7));
+            EXPECT_EQ(document->Read(), 1);
+            EXPECT_STREQ(document->value, "A title");
+        },
+        true);
+    EXPECT_EQ(failures, 1u);
+}
+
+TEST(StorageMemoryTest, PropertyNamesWithoutMemoryAreNull) {
+    Document document;
+    IQXUnknown* out = nullptr;
+    document.storage->QueryInterface(qx_typeid<IQXProperty>(), &out);
+    Owned<IQXProperty> properties(static_cast<IQXProperty*>(out));
+    {
+        FailingAllocation failing(1);
+        EXPECT_EQ(properties->EnumNames(), nullptr);
+        EXPECT_TRUE(failing.Happened());
+    }
+    EXPECT_EQ(Names(properties->EnumNames()).size(), 9u);
+}

@@ -31,6 +31,27 @@ protected:
 const List kNames = {"App name", "Author",      "Category", "Comments", "Company",
                      "Keywords", "Last Author", "Subject",  "Title"};
 
+// Property sets that fail as badly as they can.
+class ThrowingSets : public FakeObject<IPropertySetStorage> {
+public:
+    STDMETHOD(Open)(REFFMTID, DWORD, IPropertyStorage**) override { throw CXException(QXERR_DEVICE); }
+    STDMETHOD(Create)(REFFMTID, const CLSID*, DWORD, DWORD, IPropertyStorage**) override { return E_FAIL; }
+    STDMETHOD(Delete)(REFFMTID) override { return E_NOTIMPL; }
+    STDMETHOD(Enum)(IEnumSTATPROPSETSTG**) override { return E_NOTIMPL; }
+};
+
+class StorageWithThrowingSets : public FakeStorage {
+public:
+    STDMETHOD(QueryInterface)(REFIID id, void** out) override {
+        if (id != IID_IPropertySetStorage) return FakeStorage::QueryInterface(id, out);
+        sets.AddRef();
+        *out = &sets;
+        return S_OK;
+    }
+
+    ThrowingSets sets;
+};
+
 struct NameRow {
     const char* name;
     const FMTID* set;
@@ -247,4 +268,19 @@ TEST(SummaryInfoWithoutSetsTest, AStorageThatRefusesKnowsNoNames) {
     EXPECT_EQ(properties->RemoveName("Title"), 0);
     EXPECT_EQ(Names(properties->EnumNames()), List{});
     EXPECT_STREQ(value, "kept");
+}
+
+TEST(SummaryInfoFailureTest, AnExceptionOfTheSetsIsAnsweredByZero) {
+    StorageWithThrowingSets ole;
+    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
+    IQXUnknown* out = nullptr;
+    ASSERT_EQ(storage->QueryInterface(qx_typeid<IQXProperty>(), &out), 1);
+    Owned<IQXProperty> properties(static_cast<IQXProperty*>(out));
+    CQXVariant value("kept");
+    EXPECT_EQ(properties->GetProperty("Title", &value), 0);
+    EXPECT_EQ(properties->GetProperty("Company", &value), 0);
+    EXPECT_EQ(properties->SetProperty("Title", value), 0);
+    EXPECT_STREQ(value, "kept");
+    properties.Reset();
+    EXPECT_EQ(ole.sets.references, 1u);
 }
