@@ -66,8 +66,6 @@ public:
     const char* GetName() override { return ""; }
 
 private:
-    static constexpr ReadAnswer kReadAnswer = ReadAnswer::Flag;
-
     template <class T>
     T ReadValue() {
         T value = 0;

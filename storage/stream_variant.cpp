@@ -44,7 +44,7 @@ struct HeapDeleter {
 
 class CVariantReader {
 public:
-    CVariantReader(IXStream* stream, ReadAnswer answer) : m_stream(stream), m_answer(answer) {}
+    explicit CVariantReader(IXStream* stream) : m_stream(stream) {}
 
     int Read(tagQXVARIANT* variant) {
         QXVariantClear(variant);
@@ -64,12 +64,8 @@ public:
     }
 
 private:
-    // Whether all bytes came. What the stream does not deliver keeps its zeros.
-    bool Fill(void* bytes, int count) {
-        if (count == 0) return true;
-        int answer = m_stream->Read(bytes, count);
-        return m_answer == ReadAnswer::Flag ? answer != 0 : answer == count;
-    }
+    // Whether anything came, or nothing was asked for. What the stream does not deliver keeps its zeros.
+    bool Fill(void* bytes, int count) { return count == 0 || m_stream->Read(bytes, count) != 0; }
 
     // The terminator travels with the text; one more byte stands guard where it does not.
     int ReadText(char*& text) {
@@ -78,25 +74,24 @@ private:
         if (length > INT_MAX) Refuse();
         std::unique_ptr<char, HeapDeleter> buffer(
             static_cast<char*>(Mem_DefaultHeap(0)->Alloc(static_cast<size_t>(length) + 1)));
-        bool whole = Fill(buffer.get(), static_cast<int>(length));
+        bool hasText = Fill(buffer.get(), static_cast<int>(length));
         text = buffer.release();
-        return hasLength && whole;
+        return hasLength && hasText;
     }
 
     int ReadBlob(tagQXBLOB& value) {
         unsigned size = m_stream->ReadLong();
         if (size > INT_MAX) Refuse();
         QXBlob blob(size);
-        bool whole = Fill(blob.data, static_cast<int>(size));
+        bool hasBytes = Fill(blob.data, static_cast<int>(size));
         value = blob;
         blob.data = nullptr;
-        return whole;
+        return hasBytes;
     }
 
     [[noreturn]] void Refuse() { throw CXFileException(QXERR_FORMAT, m_stream->GetName(), QXOP_READ); }
 
     IXStream* m_stream;
-    ReadAnswer m_answer;
 };
 
 // A null text travels as an empty one.
@@ -125,8 +120,8 @@ void WriteObject(IXStream* stream, IQXUnknown* object) {
 
 }  // namespace
 
-int ReadStreamVariant(IXStream* stream, ReadAnswer answer, tagQXVARIANT* variant) {
-    return CVariantReader(stream, answer).Read(variant);
+int ReadStreamVariant(IXStream* stream, tagQXVARIANT* variant) {
+    return CVariantReader(stream).Read(variant);
 }
 
 void WriteStreamVariant(IXStream* stream, const tagQXVARIANT* variant) {

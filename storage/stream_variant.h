@@ -4,14 +4,9 @@
 
 #include <qxcore/stream.h>
 
-// What the result of a stream's Read means.
-enum class ReadAnswer {
-    Count,  // the bytes delivered
-    Flag    // non-zero when all bytes asked for were delivered
-};
-
-// 1 when the variant was read whole. A tag above 18, or a length that no stream can hold, is code 15.
-int ReadStreamVariant(IXStream* stream, ReadAnswer answer, tagQXVARIANT* variant);
+// 1 when the last read delivered anything, or the variant had nothing more to deliver. A tag above 18, or a length that
+// no stream can hold, is code 15.
+int ReadStreamVariant(IXStream* stream, tagQXVARIANT* variant);
 void WriteStreamVariant(IXStream* stream, const tagQXVARIANT* variant);
 
 #endif

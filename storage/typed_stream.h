@@ -1,7 +1,7 @@
 // The typed reads and writes, strings and variants of a stream class, over its Read and Write.
 //
 // Stream is the final class. It brings Read, Write, Seek, Tell, ReadString, GetLength and GetName, and may replace
-// ReadValue, WriteBytes and kReadAnswer by its own.
+// ReadValue and WriteBytes by its own.
 #ifndef QXCORE_STORAGE_TYPED_STREAM_H
 #define QXCORE_STORAGE_TYPED_STREAM_H
 
@@ -27,12 +27,10 @@ public:
     int WriteDouble(double value) override { return Self().WriteBytes(&value, sizeof value); }
     int WriteString(const char* text) override { return Self().WriteBytes(text, static_cast<int>(strlen(text)) + 1); }
 
-    int ReadVariant(tagQXVARIANT* variant) override { return ReadStreamVariant(this, Stream::kReadAnswer, variant); }
+    int ReadVariant(tagQXVARIANT* variant) override { return ReadStreamVariant(this, variant); }
     void WriteVariant(const tagQXVARIANT* variant) override { WriteStreamVariant(this, variant); }
 
 protected:
-    static constexpr ReadAnswer kReadAnswer = ReadAnswer::Count;
-
     // Only a read of nothing is the end: a value that the end cuts off passes, its missing bytes 0.
     template <class T>
     T ReadValue() {

@@ -33,7 +33,8 @@ struct IXStream : IQXUnknown {
     // count; a memory stream puts it at buffer[count + 1] and answers count + 1; a stream over a foreign OLE stream
     // ends at a NUL only and terminates nothing. REQUIRES: a buffer of count + 2 bytes.
     virtual int ReadString(char* buffer, int count) = 0;
-    // Replaces the variant by the next one; 1 when it was read whole. An unknown tag throws CXFileException code 15.
+    // Replaces the variant by the next one; 0 at the end. A value cut off by the end comes back with its missing bytes
+    // 0, and as 1 when anything of it was there. An unknown tag throws CXFileException code 15.
     virtual int ReadVariant(tagQXVARIANT* variant) = 0;
     virtual void WriteVariant(const tagQXVARIANT* variant) = 0;
 

@@ -41,17 +41,20 @@ unsigned CountOf(T* object) {
 
 struct MemoryKind {
     static constexpr const char* kName = "Memory stream";
+    static constexpr bool kReadCounts = true;  // Read answers a count, not a success flag
     Owned<IXStream> stream{new_StreamOnMemory()};
 };
 
 struct ElementKind {
     static constexpr const char* kName = "element";
+    static constexpr bool kReadCounts = true;
     Owned<IXStorage> storage{new_Storage(nullptr, 0)};
     Owned<IXStream> stream{storage->CreateStream("element")};
 };
 
 struct WrapperKind {
     static constexpr const char* kName = "";
+    static constexpr bool kReadCounts = false;
     WrapperKind() {
         IStream* ole = nullptr;
         CreateStreamOnHGlobal(nullptr, TRUE, &ole);
