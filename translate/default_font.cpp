@@ -1,5 +1,7 @@
 #include "translate/default_font.h"
 
+#include "translate/text_buffer.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -24,7 +26,7 @@ private:
 constexpr int kPointsPerInch = 72;
 
 void NameFont(CWld& dictionary, const char* face, int points) {
-    CXString(face).CopyFit(dictionary.m_szFontName, sizeof dictionary.m_szFontName);
+    CopyWhole(dictionary.m_szFontName, sizeof dictionary.m_szFontName, face);
     dictionary.m_nFontSize = points;
 }
 

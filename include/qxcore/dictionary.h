@@ -14,6 +14,8 @@
 #include <qxcore/platform.h>
 #include <qxcore/string.h>
 
+#include <type_traits>
+
 struct IXStorage;
 
 // One translation. Both texts are unescaped by the constructor.
@@ -113,8 +115,9 @@ QXCORE_API unsigned int TranslateBufferInContext(char* buffer, unsigned int size
 // 0x10000 is a number, any other the address of a narrow name; for a string table it is the block, id / 16 + 1.
 // Nothing is written when the module has no path. The buffer must hold 280 bytes and the name.
 QXCORE_API void MakeResourceKey(HMODULE module, const void* id, char* buffer, int kind);
-inline void MakeResourceKey(HMODULE module, UINT_PTR id, char* buffer, int kind) {
-    MakeResourceKey(module, reinterpret_cast<const void*>(id), buffer, kind);
+template <class Id, class = std::enable_if_t<std::is_integral_v<Id>>>
+void MakeResourceKey(HMODULE module, Id id, char* buffer, int kind) {
+    MakeResourceKey(module, reinterpret_cast<const void*>(static_cast<UINT_PTR>(id)), buffer, kind);
 }
 // The key of a dialog in m_DlgPos. ASCII letters count as lower case.
 QXCORE_API int HashResourceKey(const char* key);

@@ -1,7 +1,9 @@
 #include "translate/dictionary_fixture.h"
 #include "translate/module_copy.h"
 
+#include <atomic>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -37,6 +39,21 @@ TEST(ContextKeyTest, IdsBelow65536AreNumbersAndOthersNames) {
     EXPECT_EQ("View.dll#1#SETTINGS\xFD\xFD", KeyOf(view.Handle(), "SETTINGS", 1));
     EXPECT_EQ("View.dll#1##130\xFD\xFD", KeyOf(view.Handle(), "#130", 1));
     EXPECT_EQ("View.dll#1#\xFD\xFD", KeyOf(view.Handle(), "", 1));
+}
+
+TEST(ContextKeyTest, IdMayBeOfAnyIntegerType) {
+    ModuleCopy view("View.dll");
+    char key[300];
+    auto keyOf = [&](auto id) {
+        MakeResourceKey(view.Handle(), id, key, QXKEY_DIALOG);
+        return std::string(key);
+    };
+    EXPECT_EQ("View.dll#1#130\xFD\xFD", keyOf(130));
+    EXPECT_EQ("View.dll#1#130\xFD\xFD", keyOf(130u));
+    EXPECT_EQ("View.dll#1#130\xFD\xFD", keyOf(WORD(130)));
+    EXPECT_EQ("View.dll#1#130\xFD\xFD", keyOf(MAKEINTRESOURCEA(130)));
+    MakeResourceKey(view.Handle(), 0, key, QXKEY_DIALOG);
+    EXPECT_STREQ("View.dll#1#0\xFD\xFD", key);
 }
 
 TEST(ContextKeyTest, LongResourceNameIsWrittenWhole) {
@@ -152,6 +169,37 @@ TEST_F(InContext, TextsBeyond2048BytesAreFound) {
     std::string longKey(3000, 'k');
     EnterAt(longKey.c_str(), "Open", "far");
     EXPECT_STREQ("far", TranslateInContext("Open", longKey.c_str()));
+}
+
+TEST_F(InContext, StringsOfOneBlockShareItsKey) {
+    ModuleCopy view("View.dll");
+    EnterAt("View.dll#3#2\xFD\xFD", "Open", "in block 2");
+    Enter(g_Wld, "Open", "plain");
+    for (unsigned id : {15u, 16u, 20u, 31u, 32u}) {
+        char key[300];
+        MakeResourceKey(view.Handle(), (id >> 4) + 1, key, QXKEY_STRINGS);
+        EXPECT_STREQ(id >= 16 && id < 32 ? "in block 2" : "plain", TranslateInContext("Open", key)) << id;
+    }
+}
+
+TEST_F(InContext, ManyThreadsTranslateWhileNobodyAdds) {
+    EnterAt(kKey, "Open", "here");
+    Enter(g_Wld, "Open", "plain");
+    Enter(g_Wld, "Close", "Zu");
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 20000; ++round) {
+                char buffer[16] = "Open";
+                wrong += TranslateBufferInContext(buffer, sizeof buffer, kKey, 0) != 4 || strcmp(buffer, "here") != 0;
+                wrong += strcmp(TranslateInContext("Open", "view.dll#1#131\xFD\xFD"), "plain") != 0;
+                wrong += strcmp(TranslateInContext("Close", kKey), "Zu") != 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(0, wrong);
 }
 
 TEST_F(InContext, OtherDictionariesAreNotAsked) {

@@ -46,6 +46,28 @@ private:
     IStorage* m_ole;
 };
 
+// Takes so many streams and no more.
+class LimitedStorage : public CQXUnknownImpl<IXStorage> {
+public:
+    LimitedStorage(IXStorage* storage, int streams) : m_storage(storage), m_streams(streams) {}
+    IXStream* CreateStream(const char* name) override { return m_streams-- ? m_storage->CreateStream(name) : nullptr; }
+
+    IXStorage* CreateStorage(const char*, int) override { return nullptr; }
+    IXStorage* OpenStorage(const char*) override { return nullptr; }
+    HRESULT DeleteStorage(const char*) override { return E_NOTIMPL; }
+    IXStorage* GetParent() override { return nullptr; }
+    CTEnum<const char*>* EnumStorages() override { return nullptr; }
+    IXStream* OpenStream(const char*) override { return nullptr; }
+    HRESULT DeleteStream(const char*) override { return E_NOTIMPL; }
+    void Commit() override {}
+    CTEnum<const char*>* EnumStreams() override { return nullptr; }
+    const char* GetPath() override { return ""; }
+
+private:
+    IXStorage* m_storage;
+    int m_streams;
+};
+
 std::string Long(unsigned value) {
     std::string bytes(4, 0);
     for (int i = 0; i < 4; ++i) bytes[i] = static_cast<char>(value >> 8 * i);
@@ -321,6 +343,76 @@ TEST(DictionaryStorageTest, StorageThatTakesNoStreamMakesSaveThrowWithItsName) {
     EXPECT_EQ("2 C0", Thrown([&] { d.Save(storage); }));
     EXPECT_EQ(0, d.m_nContexts) << "the number is stored after the entries";
     storage->Release();
+}
+
+TEST(DictionaryStorageTest, FailureInTheMiddleOfSavingKeepsTheStreamsBeforeIt) {
+    struct {
+        int streams;
+        const char* thrown;
+        int contexts;
+    } const rows[] = {{1, "2 C1", 7}, {2, "2 ContextHeader", 2}};
+    for (auto& row : rows) {
+        TestStorage storage;
+        LimitedStorage limited(storage.Get(), row.streams);
+        CWld d;
+        d.m_nContexts = 7;
+        Enter(d, "\1", "first");
+        Enter(d, "\2", "second");
+        EXPECT_EQ(row.thrown, Thrown([&] { d.Save(&limited); }));
+        EXPECT_EQ(Entry("\1", "first"), storage.Bytes(L"C0"));
+        EXPECT_EQ(row.streams > 1 ? Entry("\2", "second") : "(none)", storage.Bytes(L"C1"));
+        EXPECT_EQ("(none)", storage.Bytes(L"ContextHeader"));
+        EXPECT_EQ(row.contexts, d.m_nContexts);
+    }
+}
+
+TEST(DictionaryStorageTest, SaveOverAnOlderOneReplacesItsStreamsAndLeavesTheRest) {
+    TestStorage storage;
+    storage.Write(L"C0", std::string(500, 'o'));
+    storage.Write(L"C7", "old");
+    CWld d;
+    Enter(d, "Open", "Auf");
+    d.Save(storage.Get());
+    EXPECT_EQ(Entry("Open", "Auf"), storage.Bytes(L"C0"));
+    EXPECT_EQ("old", storage.Bytes(L"C7"));
+}
+
+TEST(DictionaryStorageTest, NumberCutOffByTheEndCountsAsFarAsItGoes) {
+    TestStorage storage;
+    storage.Write(L"ContextHeader", Long(1) + Text("Arial") + Long(0) + Long(0x01020304).substr(0, 2));
+    storage.Write(L"C0", Text("Open") + Text("Auf") + "\5");
+    CWld d;
+    d.Restore(storage.Get());
+    EXPECT_EQ(0x0304, d.m_nFontSize);
+    EXPECT_EQ(5, (*d.m_Contexts.Find("Open"))->count);
+}
+
+TEST(DictionaryStorageTest, SaveSurvivesEveryFailingAllocation) {
+    struct Subject {
+        Subject() {
+            strcpy(dictionary.m_szFontName, "Arial");
+            Enter(dictionary, "\1", "first");
+            Enter(dictionary, "\2", "second");
+        }
+        TestStorage storage;
+        CWld dictionary;
+    };
+    auto make = [] { return std::make_unique<Subject>(); };
+    auto save = [](auto& subject) {
+        // Without memory for a stream a storage answers as for one that it does not take.
+        try {
+            subject->dictionary.Save(subject->storage.Get());
+        } catch (CXFileException&) {
+            throw CXMemException();
+        }
+    };
+    auto isUsable = [](auto& subject) {
+        subject->dictionary.Save(subject->storage.Get());
+        EXPECT_EQ(Entry("\1", "first"), subject->storage.Bytes(L"C0"));
+        EXPECT_EQ(Entry("\2", "second"), subject->storage.Bytes(L"C1"));
+        EXPECT_EQ(Header(2, "Arial", 0, 8), subject->storage.Bytes(L"ContextHeader"));
+    };
+    EXPECT_GE(FailEachAllocation(make, save, isUsable), 3u) << "a stream an entry and one for the header";
 }
 
 TEST(DictionaryStorageTest, RestoreSurvivesEveryFailingAllocation) {

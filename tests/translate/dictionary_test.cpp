@@ -1,6 +1,8 @@
+#include "support/allocation_failure.h"
 #include "translate/dictionary_fixture.h"
 
 #include <cstring>
+#include <memory>
 #include <type_traits>
 
 namespace {
@@ -227,6 +229,46 @@ TEST(DictionaryTest, SeveralThreadsTranslateWhileNobodyAdds) {
         CloseHandle(threads[i]);
         EXPECT_EQ(0, work[i].wrong);
     }
+}
+
+TEST(DictionaryTest, NewDictionaryNeedsNothingOfTheHeaps) {
+    FailingAllocation failing(1);
+    CWld d;
+    EXPECT_FALSE(failing.Happened());
+    EXPECT_NE(nullptr, d.m_hFont);
+    DeleteObject(d.m_hFont);
+}
+
+TEST(DictionaryTest, LookupsNeedNothingOfTheHeaps) {
+    CWld d;
+    Enter(d, "Open", "Auf");
+    HMENU menu = CreateMenu();
+    AppendMenuA(menu, 0, 10, "Open");
+    HWND window = CreateWindowA("STATIC", "Open", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    char buffer[300] = "Open";
+    {
+        FailingAllocation failing(1);
+        d.Translate("Open", 1);
+        d.Translate("Unknown", 0);
+        d.Translate(buffer, static_cast<unsigned>(sizeof buffer));
+        d.Translate(menu);
+        d.TranslateMenuInContext(menu, "key");
+        d.Translate(window);
+        TranslateInContext("Open", "key");
+        TranslateBufferInContext(buffer, sizeof buffer, "key", 0);
+        MakeResourceKey(nullptr, 5, buffer, QXKEY_DIALOG);
+        HashResourceKey("key");
+        EXPECT_FALSE(failing.Happened());
+    }
+    DestroyWindow(window);
+    DestroyMenu(menu);
+    DeleteObject(d.m_hFont);
+}
+
+TEST(ContextTest, MakingOneSurvivesEveryFailingAllocation) {
+    auto make = [] { return std::unique_ptr<CContext>(); };
+    auto act = [](auto& context) { context = std::make_unique<CContext>("a\\tb", "c\\nd"); };
+    EXPECT_GT(FailEachAllocation(make, act, [](auto& context) { EXPECT_EQ(nullptr, context); }), 2u);
 }
 
 TEST(DictionaryTest, NewestEntryOfABucketComesFirst) {

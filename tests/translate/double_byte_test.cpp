@@ -98,3 +98,44 @@ TEST(DoubleByteSystem, MenuTextsAreCutAtAWholeCharacter) {
     EXPECT_EQ(source.substr(0, 254), text);
     DestroyMenu(menu);
 }
+
+TEST(DoubleByteSystem, MenuTextsInContextAreCutAtAWholeCharacter) {
+    std::string target;
+    for (int i = 0; i < 300; ++i) target += "\x82\xAD";
+    Empty(g_Wld);
+    Enter(g_Wld, "Open", target.c_str());
+    HMENU menu = CreateMenu();
+    AppendMenuA(menu, 0, 10, "Open");
+    g_Wld.TranslateMenuInContext(menu, nullptr);
+    char text[1024];
+    GetMenuStringA(menu, 0, text, sizeof text, MF_BYPOSITION);
+    EXPECT_EQ(target.substr(0, 510), text);
+    DestroyMenu(menu);
+    Empty(g_Wld);
+}
+
+TEST(DoubleByteSystem, BufferInContextIsCutAtItsSizeAlsoInsideACharacter) {
+    Empty(g_Wld);
+    Enter(g_Wld, "Open", "\x8A\x4A\x82\xAD");
+    char buffer[8] = "Open";
+    EXPECT_EQ(4u, TranslateBufferInContext(buffer, 3, nullptr, 0));
+    EXPECT_EQ(0, memcmp(buffer, "\x8A\x4A\x82n\0\0\0", 8));
+    Empty(g_Wld);
+}
+
+TEST(DoubleByteSystem, WindowTextsAreCutAtAWholeCharacter) {
+    std::string source, target;
+    for (int i = 0; i < 600; ++i) source += "\x8A\x4A", target += "\x82\xAD";
+    Empty(g_Wld);
+    Enter(g_Wld, "Open", target.c_str());
+    HWND frame = CreateWindowA("STATIC", "Open", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    HWND child = CreateWindowA("BUTTON", source.c_str(), WS_CHILD, 0, 0, 9, 9, frame, nullptr, nullptr, nullptr);
+    g_Wld.Translate(frame);
+    char text[2048];
+    GetWindowTextA(frame, text, sizeof text);
+    EXPECT_EQ(target.substr(0, 1022), text);
+    GetWindowTextA(child, text, sizeof text);
+    EXPECT_EQ(source.substr(0, 1022), text);
+    DestroyWindow(frame);
+    Empty(g_Wld);
+}

@@ -1,8 +1,9 @@
 // The functions that a host calls. Most tests look at a process from its start on.
-#include "translate/caller.h"
-#include "translate/own_process.h"
+#include "support/allocation_failure.h"
 #include "support/debugged_process.h"
 #include "support/scratch_directory.h"
+#include "translate/caller.h"
+#include "translate/own_process.h"
 
 namespace {
 
@@ -206,6 +207,58 @@ TEST_F(FacadeTest, TextsBuffersMenusAndWindowsAreTranslated) {
     GetWindowTextA(window, buffer, sizeof buffer);
     EXPECT_STREQ(buffer, "Auf");
     DestroyWindow(window);
+}
+
+TEST_F(FacadeTest, ChildrenOfAWindowGetTextsAndTheDialogFont) {
+    IN_A_PROCESS_OF_ITS_OWN();
+    ASSERT_EQ(Supp_Init(German().c_str()), 1);
+    HWND window = CreateWindowA("STATIC", "?", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    HWND child = CreateWindowA("BUTTON", "Close", WS_CHILD, 0, 0, 5, 5, window, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Supp_Translate(window), 1);
+    char text[16] = "";
+    GetWindowTextA(child, text, sizeof text);
+    EXPECT_STREQ(text, "Zu");
+    EXPECT_EQ(reinterpret_cast<HFONT>(SendMessageA(child, WM_GETFONT, 0, 0)), Supp_GetFont());
+    DestroyWindow(window);
+}
+
+TEST_F(FacadeTest, AFailedStartMayBeRepeated) {
+    IN_A_PROCESS_OF_ITS_OWN();
+    CallerModule library("mfc42.dll");
+    EXPECT_EQ(Supp_AddWld(directory.PathOf("missing.wld").c_str()), 0);
+    EXPECT_EQ(g_Wld.m_bInit, 0);
+    EXPECT_EQ(Supp_Init(German().c_str()), 1);
+    EXPECT_EQ(Load(library), "Auf");
+    EXPECT_EQ(Supp_AddWld(directory.PathOf("missing.wld").c_str()), 0);
+    EXPECT_EQ(Load(library), "Auf");
+}
+
+TEST_F(FacadeTest, StartingAndAddingSurviveEveryFailingAllocation) {
+    IN_A_PROCESS_OF_ITS_OWN();
+    CallerModule library("mfc42.dll");
+    std::string first = German(), second = Dictionary("more.wld", "\"Help\"\n\"Hilfe\"\n");
+    struct Fresh {
+        Fresh() {
+            _DeInitResTranslation(GetModuleHandleA("mfc42.dll"));
+            g_Wld.m_Contexts.RemoveAll();
+            g_Wld.m_Contexts.destroyed = 0;
+            g_Wld.m_bInit = 0;
+        }
+        ~Fresh() { g_Wld.m_Contexts.RemoveAll(); }
+    };
+    auto make = [] { return std::make_unique<Fresh>(); };
+    auto start = [&](auto&) {
+        Supp_Init(first.c_str());
+        Supp_AddWld(second.c_str());
+    };
+    auto isUsable = [&](auto&) {
+        EXPECT_EQ(Supp_Init(first.c_str()), 1);
+        EXPECT_EQ(Supp_AddWld(second.c_str()), 1);
+        EXPECT_EQ(Load(library), "Auf");
+        EXPECT_STREQ(Supp_Translate("Help"), "Hilfe");
+    };
+    // A geometry file that cannot be opened for want of memory counts as missing.
+    EXPECT_GT(FailEachAllocation(make, start, isUsable, true), 15u);
 }
 
 TEST_F(FacadeTest, TheFontIsTheDictionarysBeforeAndAfterTheStart) {

@@ -100,6 +100,21 @@ TEST(GeometryFileTest, DialogSizeThatIsARectangleIsControlZero) {
     EXPECT_EQ("1,2,3,4", g.Edges("view.dll#1#1", 0));
 }
 
+TEST(GeometryFileTest, DialogWithoutValuesIsARecordWithoutDeltas) {
+    Geometry g;
+    g.Init("[\\view.dll\\Dialogs\\#1]\r\n");
+    ASSERT_NE(nullptr, g.Of("view.dll#1#1"));
+    EXPECT_EQ(0, g.Of("view.dll#1#1")->m_Size.cx);
+    EXPECT_EQ(0u, g.Of("view.dll#1#1")->m_Rects.count);
+}
+
+TEST(GeometryFileTest, NumberOfADialogIsTakenAsItIsWritten) {
+    Geometry g;
+    g.Init("[\\view.dll\\Dialogs\\#0130]\r\n0=t1,2,3,4\r\n");
+    EXPECT_EQ(nullptr, g.Of("view.dll#1#130"));
+    EXPECT_NE(nullptr, g.Of("view.dll#1#0130"));
+}
+
 TEST(GeometryFileTest, NameThatIsNoNumberCountsAsControlZeroAndTheLaterValueStands) {
     Geometry g;
     g.Init("[\\view.dll\\Dialogs\\#1]\r\n0=t1,1,1,1\r\nOK button=t2,2,2,2\r\n12 apples=t3,3,3,3\r\n");
@@ -149,6 +164,21 @@ TEST(GeometryFileTest, FileThatIncludesAMissingOneIsUnreadableAsAWhole) {
     EXPECT_EQ(1, g.Init("[\\view.dll\\Dialogs\\#1]\r\n0=t1,2,3,4\r\n#include missing.ini\r\n"));
     EXPECT_EQ(0u, g.dictionary.m_DlgPos.count);
     EXPECT_EQ(1, g.dictionary.m_bInit);
+}
+
+TEST(GeometryFileTest, LineOfNulsPassesItsExceptionThrough) {
+    ScratchDirectory directory;
+    directory.Write("a.dlg", std::string("[\\view.dll\\Dialogs\\#1]\r\n\0\0\r\n0=t1,2,3,4\r\n", 41));
+    CWld d;
+    try {
+        d.Init(directory.Write("a.wld", "\"Open\"\n\"Auf\"\n").c_str());
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (CXException& failure) {
+        EXPECT_EQ(QXERR_INI_LINE, failure.GetCode());
+    }
+    EXPECT_EQ(0, d.m_bInit);
+    EXPECT_STREQ("Auf", d.Translate("Open", 1));
+    EXPECT_EQ(0u, d.m_DlgPos.count);
 }
 
 TEST(GeometryFileTest, MissingDictionaryLeavesItsGeometryUnread) {

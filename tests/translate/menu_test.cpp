@@ -1,6 +1,9 @@
 #include "translate/dictionary_fixture.h"
 
+#include <atomic>
 #include <cstring>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -215,4 +218,25 @@ TEST_F(MenuTest, TextsInContextAreCutTo511Bytes) {
     g_Wld.TranslateMenuInContext(menu, nullptr);
     EXPECT_EQ(target.substr(0, 511), TextAt(menu, 0));
     EXPECT_EQ(source.substr(0, 511), TextAt(menu, 1));
+}
+
+TEST_F(MenuTest, SeveralThreadsTranslateMenusOfTheirOwn) {
+    Enter(g_Wld, "Open", "plain");
+    Enter(g_Wld, "view.dll#2#5\xFD\xFDOpen", "here");
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&wrong, inContext = i % 2 != 0] {
+            for (int round = 0; round < 200; ++round) {
+                Menu menu;
+                HMENU file = menu.AppendPopup(0, "Open");
+                AppendMenuA(file, 0, 10, "Open");
+                inContext ? g_Wld.TranslateMenuInContext(menu, "view.dll#2#5\xFD\xFD") : g_Wld.Translate(menu);
+                const char* expected = inContext ? "here" : "plain";
+                wrong += TextAt(menu, 0) != expected || TextAt(file, 0) != expected;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(0, wrong);
 }

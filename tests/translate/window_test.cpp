@@ -98,3 +98,72 @@ TEST_F(WindowTest, TextsAreCutTo1023Bytes) {
     EXPECT_EQ(target.substr(0, 1023), frame.Text());
     EXPECT_EQ(source.substr(0, 1023), button.Text());
 }
+
+namespace {
+
+// What a child of a class of the test's own was sent.
+struct Received {
+    int fonts = 0, texts = 0;
+    WPARAM font = 0;
+    LPARAM redraw = 0;
+};
+Received g_received;
+
+LRESULT CALLBACK Record(HWND window, UINT message, WPARAM w, LPARAM l) {
+    if (message == WM_SETFONT) ++g_received.fonts, g_received.font = w, g_received.redraw = l;
+    if (message == WM_SETTEXT) ++g_received.texts;
+    return DefWindowProcA(window, message, w, l);
+}
+
+class RecordingClass {
+public:
+    explicit RecordingClass(const char* name) : m_name(name) {
+        WNDCLASSA description = {};
+        description.lpfnWndProc = Record;
+        description.hInstance = GetModuleHandleA(nullptr);
+        description.lpszClassName = name;
+        RegisterClassA(&description);
+        g_received = {};
+    }
+    RecordingClass(const RecordingClass&) = delete;
+    RecordingClass& operator=(const RecordingClass&) = delete;
+    ~RecordingClass() { UnregisterClassA(m_name, GetModuleHandleA(nullptr)); }
+
+private:
+    const char* m_name;
+};
+
+}  // namespace
+
+TEST_F(WindowTest, ChildrenOfAnyClassAreToldTheFontAndToDrawAnew) {
+    RecordingClass recorder("a class with a name of more than twenty characters");
+    Window child("a class with a name of more than twenty characters", "Open", WS_CHILD, frame);
+    g_Wld.Translate(frame);
+    EXPECT_EQ(1, g_received.fonts);
+    EXPECT_EQ(reinterpret_cast<WPARAM>(g_Wld.m_hFont), g_received.font);
+    EXPECT_EQ(1, g_received.redraw);
+    EXPECT_EQ(0, g_received.texts);
+    EXPECT_EQ("Open", child.Text());
+}
+
+TEST_F(WindowTest, ClassThatOnlyBeginsLikeAStaticKeepsItsText) {
+    RecordingClass recorder("STATIC2");
+    Window child("STATIC2", "Open", WS_CHILD, frame);
+    g_Wld.Translate(frame);
+    EXPECT_EQ("Open", child.Text());
+    EXPECT_EQ(1, g_received.fonts);
+}
+
+TEST_F(WindowTest, TextIsSetAnewAlsoWithoutATranslation) {
+    RecordingClass recorder("recording frame");
+    Window top("recording frame", "Unknown", WS_OVERLAPPED);
+    g_received = {};
+    g_Wld.Translate(top);
+    EXPECT_EQ(1, g_received.texts);
+    EXPECT_EQ(0, g_received.fonts);
+    EXPECT_EQ("Unknown", top.Text());
+}
+
+TEST_F(WindowTest, NullWindowIsNothingToDo) {
+    EXPECT_EQ(1, g_Wld.Translate(static_cast<HWND>(nullptr)));
+}
