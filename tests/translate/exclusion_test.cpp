@@ -1,6 +1,6 @@
 // Modules whose own resources stay untranslated, whoever loads them.
+#include "support/import_slot.h"
 #include "translate/caller.h"
-#include "translate/replaced_import.h"
 
 namespace {
 
@@ -133,7 +133,7 @@ TEST_F(ExclusionTest, DialogsOfAnExcludedModuleKeepTheirLanguage) {
 TEST_F(ExclusionTest, AMessageBoxBlockOfAnExcludedModuleIsPassedOn) {
     CallerModule& late = Late();
     LoadFrom(late);
-    ReplacedImport none("MessageBoxIndirectA", AnswerBlock);
+    ReplacedImport none("MessageBoxIndirectA", reinterpret_cast<void*>(AnswerBlock));
     // The library's own import serves while nothing was found at an installation.
     std::vector<char> noModule(4096);
     _InitResTranslation(reinterpret_cast<HMODULE>(noModule.data()));
@@ -153,8 +153,8 @@ TEST_F(ExclusionTest, AMessageBoxBlockOfAnExcludedModuleIsPassedOn) {
 }
 
 TEST_F(ExclusionTest, WithoutTranslationModalDialogsGoThroughTheLibrarysOwnImport) {
-    ReplacedImport narrow("DialogBoxParamA", AnswerDialogA);
-    ReplacedImport wide("DialogBoxParamW", AnswerDialogW);
+    ReplacedImport narrow("DialogBoxParamA", reinterpret_cast<void*>(AnswerDialogA));
+    ReplacedImport wide("DialogBoxParamW", reinterpret_cast<void*>(AnswerDialogW));
     CallerModule& late = Late();
     auto runA = CALL(caller, DialogBoxParamA);
     auto runW = CALL(caller, DialogBoxParamW);

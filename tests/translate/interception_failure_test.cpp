@@ -1,7 +1,7 @@
 // The layer when memory runs out.
 #include "support/allocation_failure.h"
+#include "support/import_slot.h"
 #include "translate/dialog_template_fixture.h"
-#include "translate/replaced_import.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ INT_PTR CALLBACK TakeCaption(HWND dialog, UINT message, WPARAM, LPARAM) {
 
 TEST_F(InterceptionFailureTest, ATemplateForWhichThereIsNoBlockIsNull) {
     auto bytes = WriteTemplate(FullDialog(true));
-    ReplacedImport none("malloc", NoMemory);
+    ReplacedImport none("malloc", reinterpret_cast<void*>(NoMemory));
     int size = -1;
     EXPECT_EQ(TranslateDlgInternal(bytes.data(), &size), nullptr);
 }
@@ -54,7 +54,7 @@ TEST_F(InterceptionFailureTest, ADialogForWhichThereIsNoBlockKeepsItsLanguage) {
         static_cast<const DLGTEMPLATE*>(LoadResource(caller, FindResourceA(caller, MAKEINTRESOURCEA(230), RT_DIALOG)));
     auto run = CALL(caller, DialogBoxIndirectParamA);
     {
-        ReplacedImport none("malloc", NoMemory);
+        ReplacedImport none("malloc", reinterpret_cast<void*>(NoMemory));
         EXPECT_EQ(run(caller, dialog, nullptr, TakeCaption, 0), 1);
     }
     EXPECT_EQ(g_caption, "Open");
@@ -66,7 +66,7 @@ TEST_F(InterceptionFailureTest, AResourceForWhichThereIsNoRecordKeepsItsHandle) 
     HRSRC real = FindResourceA(caller, MAKEINTRESOURCEA(215), RT_DIALOG);
     auto find = CALL(caller, FindResourceA);
     {
-        ReplacedImport none("LocalAlloc", NoLocalMemory);
+        ReplacedImport none("LocalAlloc", reinterpret_cast<void*>(NoLocalMemory));
         EXPECT_EQ(find(caller, MAKEINTRESOURCEA(215), RT_DIALOG), real);
     }
     EXPECT_NE(find(caller, MAKEINTRESOURCEA(215), RT_DIALOG), real);
@@ -77,7 +77,7 @@ TEST_F(InterceptionFailureTest, AStringTableForWhichThereIsNoBlockIsTheRealResou
     HGLOBAL real = LoadResource(caller, FindResourceA(caller, MAKEINTRESOURCEA(63), RT_STRING));
     auto load = CALL(caller, LoadResource);
     {
-        ReplacedImport none("LocalAlloc", NoLocalMemory);
+        ReplacedImport none("LocalAlloc", reinterpret_cast<void*>(NoLocalMemory));
         EXPECT_EQ(load(caller, record), real);
     }
     EXPECT_NE(load(caller, record), real);
