@@ -7,8 +7,9 @@ target_link_libraries(gtest PRIVATE $<BUILD_INTERFACE:qxcore_test_code>)
 
 # qxcore_add_test(NAME SOURCE...): a test program over the library's headers, registered with CTest as one test.
 # Its tests must not need an order. Behind LINK stand further libraries, behind CODEPAGE the narrow code page of the run.
+# Behind PROCESSES stands how many processes share a long program's tests; each is one test of CTest then.
 function(qxcore_add_test name)
-  cmake_parse_arguments(arg "" "CODEPAGE" "LINK" ${ARGN})
+  cmake_parse_arguments(arg "" "CODEPAGE;PROCESSES" "LINK" ${ARGN})
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
@@ -16,12 +17,24 @@ function(qxcore_add_test name)
     ${arg_LINK})
   # GoogleTest takes a path without a drive for a relative one; the tree of the build machine is Wine's drive Z.
   set(drive $<$<BOOL:${CMAKE_CROSSCOMPILING}>:Z:>)
-  add_test(NAME ${name} COMMAND ${name} --gtest_shuffle --gtest_brief=1
-    --gtest_output=xml:${drive}${PROJECT_BINARY_DIR}/reports/${name}.xml)
-  set_tests_properties(${name} PROPERTIES TIMEOUT 600)
-  if(arg_CODEPAGE)
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT QXCORE_CODEPAGE=${arg_CODEPAGE})
+  if(NOT arg_PROCESSES)
+    set(arg_PROCESSES 1)
   endif()
+  foreach(process RANGE 1 ${arg_PROCESSES})
+    set(run ${name})
+    set(environment)
+    if(arg_CODEPAGE)
+      list(APPEND environment QXCORE_CODEPAGE=${arg_CODEPAGE})
+    endif()
+    if(arg_PROCESSES GREATER 1)
+      set(run ${name}_${process})
+      math(EXPR shard "${process} - 1")
+      list(APPEND environment GTEST_TOTAL_SHARDS=${arg_PROCESSES} GTEST_SHARD_INDEX=${shard})
+    endif()
+    add_test(NAME ${run} COMMAND ${name} --gtest_shuffle --gtest_brief=1
+      --gtest_output=xml:${drive}${PROJECT_BINARY_DIR}/reports/${run}.xml)
+    set_tests_properties(${run} PROPERTIES TIMEOUT 600 ENVIRONMENT "${environment}")
+  endforeach()
 endfunction()
 
 # qxcore_add_module(NAME SOURCE...): a DLL that tests load beside their program.
