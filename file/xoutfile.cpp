@@ -2,8 +2,6 @@
 
 #include "file/file_lock.h"
 
-#include <utility>
-
 CXOutFile::CXOutFile(const char* target, const char* temp, int flags) : CForwardingFile(target), m_temp(temp) {
     if (!Fio_IsWritableFile(m_path)) throw CXFileException(QXERR_ACCESS_DENIED, m_path, QXOP_OPEN);
     if (Fio_IsFileExist(m_path)) {
@@ -16,13 +14,13 @@ CXOutFile::CXOutFile(const char* target, const char* temp, int flags) : CForward
 void CXOutFile::OpenOverTarget(int flags) {
     bool keep = flags & QXFIO_KEEP;
     if (keep) Fio_CopyFile(m_path, m_temp, 0);
-    LockTarget();
+    Fio_LockFile(m_path);  // not locked where somebody else has it open; it is replaced as far as that lets it
     try {
         OpenInner(flags);
         m_inner->Seek(0, keep ? QXSEEK_END : QXSEEK_START);
     } catch (...) {
         ReleaseInner();
-        UnlockTarget();
+        Fio_UnlockFile(m_path);
         throw;
     }
 }
@@ -32,16 +30,12 @@ void CXOutFile::OpenInner(int flags) {
     if (!m_inner) throw CXMemException();
 }
 
-// A target that somebody else has open is not locked, and replaced as far as that lets it.
-void CXOutFile::LockTarget() {
-    int before = Fio_LockCount(m_path);
-    Fio_LockFile(m_path);
-    m_locked = Fio_LockCount(m_path) > before;
-}
-
-// Also when the target is gone: a lock that nobody counts would stay for good.
-void CXOutFile::UnlockTarget() {
-    if (std::exchange(m_locked, false)) Fio_UnlockFile(m_path);
+// The lock's record is found by the path, whoever made it: a target that vanished meanwhile keeps this object's lock,
+// and one that appeared loses a lock that a host took on it.
+bool CXOutFile::UnlockTarget() {
+    bool exists = Fio_IsFileExist(m_path);
+    if (exists) Fio_UnlockFile(m_path);
+    return exists;
 }
 
 void CXOutFile::Commit() {
@@ -49,8 +43,7 @@ void CXOutFile::Commit() {
     ReleaseInner();  // a file that cannot be closed whole is abandoned
     m_committed = true;
     LiftedLock lifted(m_path);  // at its end the lock of those who still lock the target holds the new file
-    UnlockTarget();
-    if (Fio_IsFileExist(m_path)) Fio_DeleteFile(m_path);
+    if (UnlockTarget()) Fio_DeleteFile(m_path);
     Fio_RenameFile(m_temp, m_path);
 }
 

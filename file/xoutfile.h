@@ -15,11 +15,9 @@ private:
     ~CXOutFile() override;
     void OpenOverTarget(int flags);
     void OpenInner(int flags);
-    void LockTarget();
-    void UnlockTarget();
+    bool UnlockTarget();
 
     CXString m_temp;
-    bool m_locked = false;  // whether the target's lock counts this object
     bool m_committed = false;
 };
 

@@ -205,7 +205,7 @@ TEST_F(OutFileTest, ATargetThatAnotherProcessHoldsStaysAndTheNewContentStaysBesi
     EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
 }
 
-TEST_F(OutFileTest, ATargetThatVanishedIsMadeByCommitAndStaysUnlocked) {
+TEST_F(OutFileTest, ATargetThatVanishedIsMadeByCommitAndKeepsTheLockOfTheFile) {
     std::string path = MakeFile("f", "old");
     OutFile file = OpenOut(path);
     Put(*file, "new");
@@ -213,11 +213,23 @@ TEST_F(OutFileTest, ATargetThatVanishedIsMadeByCommitAndStaysUnlocked) {
     DeleteFileA(path.c_str());
     file->Commit();
     EXPECT_EQ(ContentOf(path), "new");
-    EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
-    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, 0), 0u);
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 1);
+    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, 3), DWORD(ERROR_SHARING_VIOLATION));
+    Fio_UnlockFile(path.c_str());
 }
 
-TEST_F(OutFileTest, ATargetThatAppearedIsReplacedAndTheLockOfOthersStays) {
+TEST_F(OutFileTest, ATargetThatVanishedKeepsTheLockOfAnAbandonedFileToo) {
+    std::string path = MakeFile("f", "old");
+    OutFile file = OpenOut(path);
+    Fio_ChangeNELock(path.c_str(), 1);
+    DeleteFileA(path.c_str());
+    file.reset();
+    EXPECT_TRUE(Names().empty());
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 1);
+    Fio_UnlockFile(path.c_str());
+}
+
+TEST_F(OutFileTest, ATargetThatAppearedIsReplacedAndLosesOneLock) {
     std::string path = Path("f");
     Fio_LockFile(path.c_str());
     OutFile file = OpenOut(path);
@@ -225,9 +237,8 @@ TEST_F(OutFileTest, ATargetThatAppearedIsReplacedAndTheLockOfOthersStays) {
     MakeFile("f", "of somebody else");
     file->Commit();
     EXPECT_EQ(ContentOf(path), "new");
-    EXPECT_EQ(Fio_LockCount(path.c_str()), 1);
-    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, 3), DWORD(ERROR_SHARING_VIOLATION));
-    Fio_UnlockFile(path.c_str());
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
+    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, 0), 0u);
 }
 
 TEST_F(OutFileTest, ATargetThatIsOpenElsewhereIsReplacedOnceItIsClosed) {
