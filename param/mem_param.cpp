@@ -29,10 +29,10 @@ IParam* CMemParam::AddChild(const char* name) {
 
 IParam* CMemParam::CreateSubParam(const char* name) {
     if (!name) name = "";
-    if (SplitName path = SplitAtFirst(name); path.found) {
-        Reference<IParam> head(Child(path.head));
-        if (!head) head = Reference<IParam>(AddChild(path.head));
-        return head ? head->CreateSubParam(path.tail) : nullptr;
+    if (auto path = SplitAtFirst(name)) {
+        Reference<IParam> head(Child(path->head));
+        if (!head) head = Reference<IParam>(AddChild(path->head));
+        return head ? head->CreateSubParam(path->tail) : nullptr;
     }
     IParam* child = Child(name);
     if (!child) return AddChild(name);
@@ -42,11 +42,11 @@ IParam* CMemParam::CreateSubParam(const char* name) {
 
 IParam* CMemParam::OpenSubParam(const char* name, int create) {
     if (!name) name = "";
-    if (SplitName path = SplitAtFirst(name); path.found) {
-        Reference<IParam> head(Child(path.head));
-        if (head) return head->OpenSubParam(path.tail, create);
+    if (auto path = SplitAtFirst(name)) {
+        Reference<IParam> head(Child(path->head));
+        if (head) return head->OpenSubParam(path->tail, create);
         // A missing first level is dropped: "a\b" without "a" makes "b" here.
-        return create ? CreateSubParam(path.tail) : nullptr;
+        return create ? CreateSubParam(path->tail) : nullptr;
     }
     IParam* child = Child(name);
     return child || !create ? child : CreateSubParam(name);
@@ -64,9 +64,9 @@ void CMemParam::DeleteAllSubParams() {
 }
 
 int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
-    if (SplitName path = SplitAtLast(name); path.found) {
-        Reference<IParam> child(OpenSubParam(path.head, 0));
-        return child ? child->GetValue(path.tail, out) : 0;
+    if (auto path = SplitAtLast(name)) {
+        Reference<IParam> child(OpenSubParam(path->head, 0));
+        return child ? child->GetValue(path->tail, out) : 0;
     }
     CQXVariant* value = m_values.Find(ValueName(name));
     if (!value) return 0;
@@ -77,17 +77,17 @@ int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
 // A path stores its leaf in the child and, kept so on purpose, the whole name here too: EnumValues shows it, and
 // GetValue never reads it.
 int CMemParam::SetValue(const char* name, const tagQXVARIANT* value) {
-    if (SplitName path = SplitAtLast(name); path.found) {
-        Reference<IParam> child(OpenSubParam(path.head, 1));
+    if (auto path = SplitAtLast(name)) {
+        Reference<IParam> child(OpenSubParam(path->head, 1));
         if (!child) return 0;
-        child->SetValue(path.tail, value);
+        child->SetValue(path->tail, value);
     }
     return m_values.Set(ValueName(name), static_cast<const CQXVariant&>(*value));
 }
 
 int CMemParam::DeleteValue(const char* name) {
-    CXString copy(ValueName(name));  // the name may lie in the list
-    if (m_values.Find(copy)) m_values.Remove(copy);
+    const char* own = ValueName(name);
+    if (m_values.Find(own)) m_values.Remove(own);
     return 1;
 }
 

@@ -1,76 +1,64 @@
-// One of the two name spaces of a node in memory: a map from folded names, and the names in order of first creation.
+// One of the two name spaces of a node in memory: items by the hash of their folded names, and the names in order.
 //
-// The map compares hashes alone, so two names with one hash are one item; the list compares texts without regard to
-// case. Replacing an item keeps its place and its first spelling in the list, while the map's key takes the new one.
+// The map compares hashes and nothing else, so it needs no texts: two names with one hash are one item. The list
+// compares texts without regard to case. Replacing an item keeps its place and its first spelling in the list.
 #ifndef QXCORE_PARAM_NAMED_ITEMS_H
 #define QXCORE_PARAM_NAMED_ITEMS_H
 
 #include "core/reference.h"
+#include "param/name_list.h"
 
-#include <qxcore/list.h>
+#include <qxcore/hash.h>
 #include <qxcore/map.h>
-
-#include <cstring>
 
 template <class Item>
 class NamedItems {
-    using Map = CTMap<const unsigned long*, Item>;
-    using Names = CTListEnum<const char*>;
-
 public:
     using Argument = typename QXValueRule<Item>::Argument;
 
-    NamedItems() : m_names(new Names) {}
+    NamedItems() : m_names(new NameList) {}
     NamedItems(const NamedItems&) = delete;
     NamedItems& operator=(const NamedItems&) = delete;
-    ~NamedItems() { m_names->RemoveAll(); }
+    ~NamedItems() { m_names->Clear(); }
 
-    Item* Find(const char* name) { return m_items.Find(QXFoldedKey(name)); }
+    Item* Find(const char* name) { return m_items.Find(Key(name)); }
 
     // False while the items are being cleared.
     bool Set(const char* name, Argument item) {
         if (m_items.destroyed) return false;
-        if (Find(name)) return m_items.SetAt(QXFoldedKey(name), item) != 0;
-        m_names->AddTail(name);
+        unsigned key = Key(name);
+        if (m_items.Find(key)) return m_items.SetAt(key, item) != 0;
+        NameList::Name* added = m_names->Add(name);
         try {
-            return m_items.SetAt(QXFoldedKey(name), item) != 0;
+            return m_items.SetAt(key, item) != 0;
         } catch (...) {
-            m_names->RemoveAt(static_cast<typename Names::position>(m_names->tail));
+            m_names->Remove(added);
             throw;
         }
     }
 
+    // The name may be one that an enumerator delivered.
     void Remove(const char* name) {
-        RemoveName(name);
-        m_items.RemoveKey(QXFoldedKey(name));
+        unsigned key = Key(name);
+        m_names->Remove(name);
+        m_items.RemoveKey(key);
     }
 
-    // The items go, and the name space is as new. An enumerator that someone still holds keeps the old list, which
-    // is at its end for good.
+    // The items go, and the name space is as new.
     void Clear() {
-        Reference<Names> fresh(new Names);
-        m_names->RemoveAll();
-        m_names.Swap(fresh);
+        m_names->Clear();
         m_items.RemoveAll();
         m_items.destroyed = 0;
     }
 
     // Walks the live list. Null while the items are being cleared.
-    CTEnum<const char*>* Enumerate() { return m_items.destroyed ? nullptr : m_names->CreateEnum(); }
+    CTEnum<const char*>* Enumerate() { return m_items.destroyed ? nullptr : m_names->Enumerate(); }
 
 private:
-    Map m_items;
-    Reference<Names> m_names;
+    CTMap<unsigned, Item> m_items;
+    Reference<NameList> m_names;
 
-    // The first entry that is equal without regard to case.
-    void RemoveName(const char* name) {
-        for (auto at = m_names->GetHeadPosition(); at;) {
-            auto entry = at;
-            if (_stricmp(*m_names->GetNext(at), name) != 0) continue;
-            m_names->RemoveAt(entry);
-            return;
-        }
-    }
+    static unsigned Key(const char* name) { return QXHashFolded(name).hash; }
 };
 
 #endif

@@ -35,18 +35,18 @@ CXString Head(const char* name, size_t size) {
     return head;
 }
 
-SplitName SplitAt(const char* name, const char* delimiter) {
-    if (!delimiter) return {false, CXString(), CXString()};
-    return {true, Head(name, delimiter - name), CXString(delimiter + 1)};
+std::optional<SplitName> SplitAt(const char* name, const char* delimiter) {
+    if (!delimiter) return std::nullopt;
+    return SplitName{Head(name, delimiter - name), CXString(delimiter + 1)};
 }
 
 }  // namespace
 
-SplitName SplitAtFirst(const char* name) {
+std::optional<SplitName> SplitAtFirst(const char* name) {
     return SplitAt(name, name ? FirstDelimiter(name) : nullptr);
 }
 
-SplitName SplitAtLast(const char* name) {
+std::optional<SplitName> SplitAtLast(const char* name) {
     return SplitAt(name, name ? LastDelimiter(name) : nullptr);
 }
 

@@ -4,15 +4,17 @@
 
 #include <qxcore/string.h>
 
-// A name cut in two at a delimiter; `found` tells whether there was one.
+#include <optional>
+
+// A name cut in two at a delimiter.
 struct SplitName {
-    bool found;
     CXString head;
     CXString tail;
 };
 
-SplitName SplitAtFirst(const char* name);  // "a\b\c" is "a" and "b\c"
-SplitName SplitAtLast(const char* name);   // "a\b\c" is "a\b" and "c"
+// Nothing where there is no delimiter. A null name has none.
+std::optional<SplitName> SplitAtFirst(const char* name);  // "a\b\c" is "a" and "b\c"
+std::optional<SplitName> SplitAtLast(const char* name);   // "a\b\c" is "a\b" and "c"
 
 // A null or empty name of a value stands for "@".
 const char* ValueName(const char* name);

@@ -296,7 +296,51 @@ TEST_F(MemParamTest, AnEnumeratorHeldOverClearIsAtItsEnd) {
     root->Clear();
     SetInt(root.get(), "c", 1);
     EXPECT_EQ(names->Next(1, &name, nullptr), 0);
-    EXPECT_EQ(NamesText(root->EnumValues()), "c");
+    names->Reset();
+    EXPECT_EQ(NamesText(names.release()), "c");
+}
+
+TEST_F(MemParamTest, AnEnumeratorThatWasNotStartedBeforeClearWalksWhatCameAfterIt) {
+    SetInt(root.get(), "a", 1);
+    NamesPtr values(root->EnumValues()), children(root->EnumSubParams());
+    root->Clear();
+    root->DeleteAllSubParams();
+    SetInt(root.get(), "b", 1);
+    Create("child");
+    EXPECT_EQ(NamesText(values.release()), "b");
+    EXPECT_EQ(NamesText(children.release()), "child");
+}
+
+TEST_F(MemParamTest, AnEnumeratorPassesOverNamesThatAreDeletedBeforeIt) {
+    for (const char* name : {"a", "b", "c", "d"}) SetInt(root.get(), name, 1);
+    NamesPtr names(root->EnumValues());
+    const char* name;
+    EXPECT_EQ(names->Next(1, &name, nullptr), 1);
+    root->DeleteValue("b");
+    root->DeleteValue("c");
+    EXPECT_EQ(NamesText(names.release()), "d");
+}
+
+TEST_F(MemParamTest, AnEnumeratorSkipsNamesAndTellsWhetherOneRemains) {
+    for (const char* name : {"a", "b", "c"}) SetInt(root.get(), name, 1);
+    NamesPtr names(root->EnumValues());
+    EXPECT_EQ(names->Skip(2), 1);
+    const char* name;
+    EXPECT_EQ(names->Next(1, &name, nullptr), 1);
+    EXPECT_STREQ(name, "c");
+    EXPECT_EQ(names->Skip(1), 0);
+    EXPECT_EQ(names->Next(0, &name, nullptr), 0);
+    names->Reset();
+    EXPECT_EQ(names->Next(1, nullptr, nullptr), 0);
+    EXPECT_EQ(names->Skip(7), 0);
+}
+
+TEST_F(MemParamTest, AnEnumeratorIsAnEnumeratorOfTexts) {
+    NamesPtr names(root->EnumValues());
+    IQXUnknown* out = nullptr;
+    EXPECT_EQ(names->QueryInterface(qx_typeid<CTEnum<const char*>>(), &out), 1);
+    out->Release();
+    EXPECT_EQ(names->QueryInterface(qx_typeid<CTEnum<char*>>(), &out), 0);
 }
 
 TEST_F(MemParamTest, TwoNamesWithOneHashAreOneItem) {
@@ -304,6 +348,10 @@ TEST_F(MemParamTest, TwoNamesWithOneHashAreOneItem) {
     SetInt(root.get(), "cKYGVI", 2);
     EXPECT_EQ(GetInt(root.get(), "Boskui"), 2);
     EXPECT_EQ(NamesText(root->EnumValues()), "Boskui");
+    // The list compares texts, so the first spelling stays in it when the item goes under the other name.
+    root->DeleteValue("cKYGVI");
+    EXPECT_EQ(NamesText(root->EnumValues()), "Boskui");
+    EXPECT_EQ(GetInt(root.get(), "Boskui"), -1);
 }
 
 TEST_F(MemParamTest, QueryInterfaceAnswersWhatIsAttachedAndNothingElse) {
