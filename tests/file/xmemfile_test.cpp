@@ -210,6 +210,41 @@ TEST(MemFileTest, ABlockThatIsReadableOnlyInPartFailsWhereItEnds) {
     EXPECT_EQ(buffer.substr(0, 100), std::string(100, 'a'));
 }
 
+TEST(MemFileTest, LinesOfEveryLengthAreCopiedFromEveryPlaceAndNothingBehindThem) {
+    for (size_t start = 0; start < 18; ++start) {
+        for (size_t length = 0; length < 40; ++length) {
+            std::string text(length, 'a');
+            LowBlock block(std::string(start, 's') + text + "\nbehind it another line\n");
+            File file = Open(block.Path());
+            file->Seek(int64_t(start), 0);
+            std::string buffer(100, '?');
+            EXPECT_EQ(file->ReadLine(buffer.data(), 90), int(length)) << start;
+            EXPECT_EQ(buffer, (text + "\n" + '\0' + std::string(98 - length, '?'))) << start << " " << length;
+            EXPECT_EQ(file->Tell(), start + length + 1);
+        }
+    }
+}
+
+TEST(MemFileTest, ALineIsReadUpToWhereMemoryEnds) {
+    LowBlock block(std::string(LowBlock::kSize, 'a'));
+    std::string path = "fmem::" + std::to_string(reinterpret_cast<size_t>(block.bytes)) + ",1000000000";
+    for (size_t left = 0; left < 40; ++left) {
+        File file = Open(path);
+        size_t start = LowBlock::kSize - left;
+        std::string buffer(100, '?');
+        file->Seek(int64_t(start), 0);
+        EXPECT_EQ(FailureOf([&] { file->ReadLine(buffer.data(), 90); }).code, QXERR_DEVICE);
+        EXPECT_EQ(file->Tell(), LowBlock::kSize);
+        EXPECT_EQ(buffer, std::string(left, 'a') + std::string(100 - left, '?'));
+        if (left == 0) continue;
+        // A line that ends there is whole.
+        block.bytes[LowBlock::kSize - 1] = '\n';
+        file->Seek(int64_t(start), 0);
+        EXPECT_EQ(file->ReadLine(buffer.data(), 90), int(left) - 1);
+        block.bytes[LowBlock::kSize - 1] = 'a';
+    }
+}
+
 // Faults of several threads at once are told apart, and none reaches the process.
 TEST(MemFileTest, FaultsInSeveralThreadsStayInTheirThreads) {
     auto body = [](void* count) -> DWORD {
