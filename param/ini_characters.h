@@ -2,7 +2,16 @@
 #ifndef QXCORE_PARAM_INI_CHARACTERS_H
 #define QXCORE_PARAM_INI_CHARACTERS_H
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <emmintrin.h>
+
+// Texts are read in groups of bytes, so buffers have room for a part of one behind the end.
+inline constexpr size_t kIniSlack = sizeof(__m128i);
+
+// The classes of characters that mean something to the reader; a set of them is their sum.
+enum : unsigned { kIniSpace = 1, kIniSeparator = 2, kIniComment = 4 };
 
 // Texts are ranges [begin, end) that end at a character's end; they may hold NUL characters.
 //
@@ -12,29 +21,69 @@ public:
     IniCharacters();
 
     // REQUIRES: p < end.
-    const char* Next(const char* p, const char* end) const;
+    char* Next(char* p, char* end) const { return Leads(p) && p + 1 < end ? p + 2 : p + 1; }
     // The character that ends at `p`. REQUIRES: begin < p.
-    const char* Previous(const char* begin, const char* p) const;
-    bool IsSpace(const char* p) const;
+    char* Previous(char* begin, char* p) const {
+        bool maybeTwo = p - begin >= 2 && (Leads(p - 1) || Leads(p - 2));
+        return maybeTwo ? PreviousOfTwo(begin, p) : p - 1;
+    }
+    bool IsAny(unsigned classes, const char* p) const {
+        return Leads(p) ? (classes & kIniSpace) && IsSpaceOfTwo(p) : (ClassOf(p) & classes) != 0;
+    }
 
-    // The first character c in the range, or `end`. REQUIRES: c is ASCII.
-    const char* Find(char c, const char* begin, const char* end) const;
-    // The first of two.
-    const char* FindEither(char a, char b, const char* begin, const char* end) const;
-
-    const char* SkipSpace(const char* begin, const char* end) const;
-    const char* SkipSpaceAnd(char c, const char* begin, const char* end) const;
-    const char* SkipText(const char* begin, const char* end) const;
-    // The end without what is trimmed.
-    const char* TrimSpace(const char* begin, const char* end) const;
-    const char* TrimSpaceAnd(char c, const char* begin, const char* end) const;
+    // The first character that is not of the classes, or `end`.
+    char* Skip(unsigned classes, char* begin, char* end) const {
+        while (begin < end && IsAny(classes, begin)) begin = Next(begin, end);
+        return begin;
+    }
+    // The end of the text without the last characters that are of the classes.
+    char* Trim(unsigned classes, char* begin, char* end) const {
+        while (begin < end) {
+            char* last = Previous(begin, end);
+            if (!IsAny(classes, last)) break;
+            end = last;
+        }
+        return end;
+    }
+    // The first white space, or `end`.
+    char* FindSpace(char* begin, char* end) const {
+        while (begin < end && !IsAny(kIniSpace, begin)) begin = Next(begin, end);
+        return begin;
+    }
+    // In Find and FindEither the characters are ASCII, and kIniSlack more bytes may be read behind the end.
+    // The first character c in front of any NUL; without one that NUL, or `end`.
+    char* Find(char c, char* begin, char* end) const {
+        if (!m_multibyte) return FindByte(c, 0, begin, end);
+        // A lead byte does not hide the NUL behind it.
+        while (begin < end && *begin != c && *begin) begin = begin[1] ? Next(begin, end) : begin + 1;
+        return begin;
+    }
+    // The first of two characters, or `end`; a NUL is a character like others.
+    char* FindEither(char a, char b, char* begin, char* end) const {
+        if (!m_multibyte) return FindByte(a, b, begin, end);
+        while (begin < end && *begin != a && *begin != b) begin = Next(begin, end);
+        return begin;
+    }
 
 private:
-    bool m_multibyte = false;  // whether any byte leads another one
-    bool m_lead[256];
-    bool m_space[256];  // single bytes
+    static constexpr unsigned char kLead = 8;
 
-    bool Leads(const char* p) const { return m_lead[static_cast<unsigned char>(*p)]; }
+    unsigned char m_classes[256];
+    bool m_multibyte = false;  // whether any byte leads another one
+
+    unsigned ClassOf(const char* p) const { return m_classes[static_cast<unsigned char>(*p)]; }
+    bool Leads(const char* p) const { return (ClassOf(p) & kLead) != 0; }
+    static char* FindByte(char a, char b, char* begin, char* end) {
+        const __m128i as = _mm_set1_epi8(a), bs = _mm_set1_epi8(b);
+        for (; begin < end; begin += sizeof as) {
+            __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
+            int hits = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, as), _mm_cmpeq_epi8(bytes, bs)));
+            if (hits) return std::min(begin + std::countr_zero(unsigned(hits)), end);
+        }
+        return end;
+    }
+    static char* PreviousOfTwo(char* begin, char* p);
+    static bool IsSpaceOfTwo(const char* p);
 };
 
 #endif

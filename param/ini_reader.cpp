@@ -7,12 +7,13 @@
 #include <qxcore/exception.h>
 #include <qxcore/list.h>
 
-#include <cstring>
+#include <mbstring.h>
 #include <memory>
 
 namespace {
 
-constinit char g_logicalLine[kIniLineSize + 1] = {};  // one for all reads: the reader serves one thread at a time
+constinit char g_logicalLine[kIniLineSize + 1 + kIniSlack] =
+    {};  // one for all reads: the reader serves one thread at a time
 
 // One read: a stack of files, each included by the one below it, and the node that keys go to.
 class IniReader {
@@ -58,32 +59,34 @@ private:
     }
 
     void ReadLine(char* begin, char* end) {
-        begin = const_cast<char*>(m_characters.SkipSpace(begin, end));
-        end = const_cast<char*>(m_characters.TrimSpace(begin, end));
+        begin = m_characters.Skip(kIniSpace, begin, end);
+        end = m_characters.Trim(kIniSpace, begin, end);
         *end = 0;
         if (begin == end || m_characters.Next(begin, end) == end) return;  // too short
-        const char* last = m_characters.Previous(begin, end);
-        if (*begin == 0 && *last == 0) throw CXException(QXERR_INI_LINE);
-        if (ReadDirective(begin, last, end)) return;
+        if (*begin == 0 && *m_characters.Previous(begin, end) == 0) throw CXException(QXERR_INI_LINE);
+        if (*begin == '#' && ReadDirective(begin, end)) return;
         if (*begin == '[') {
             ReadSection(begin, end);
         } else if (m_current) {
-            ReadKey(begin, begin + strlen(begin));
+            ReadKey(begin, end);
         }
     }
 
     // True if the line is a directive, also one without a meaning.
-    bool ReadDirective(char* begin, const char* last, char* end) {
-        if (*begin != '#') return false;
-        const char* word = m_characters.SkipSpace(begin + 1, end);
-        if (word >= last) return false;
-        const char* wordEnd = m_characters.SkipText(word, end);
-        const char* argument = m_characters.SkipSpace(wordEnd, end);
-        const char* argumentEnd = m_characters.SkipText(argument, end);
-        begin[wordEnd - begin] = 0;
-        begin[argumentEnd - begin] = 0;
-        if (argument < argumentEnd && _stricmp(word, "include") == 0) Include(CXString(argument));
+    bool ReadDirective(char* begin, char* end) {
+        char* word = m_characters.Skip(kIniSpace, begin + 1, end);
+        if (word >= m_characters.Previous(begin, end)) return false;
+        char* wordEnd = m_characters.FindSpace(word, end);
+        char* argument = m_characters.Skip(kIniSpace, wordEnd, end);
+        char* argumentEnd = m_characters.FindSpace(argument, end);
+        *wordEnd = *argumentEnd = 0;
+        if (argument < argumentEnd && IsInclude(word)) Include(CXString(argument));
         return true;
+    }
+
+    static bool IsInclude(const char* word) {
+        auto bytes = [](const char* text) { return reinterpret_cast<const unsigned char*>(text); };
+        return _mbsicmp(bytes(word), bytes("include")) == 0;
     }
 
     // The argument has no blank in it. One that starts with "." stands beside the including file, with the directory
@@ -109,31 +112,31 @@ private:
     // "[\a\b" with or without "]". The first two characters go unread, so "[a]" and "[]" name the root like "[\]".
     void ReadSection(char* begin, char* end) {
         m_current = Hold(m_root);
-        if (*m_characters.Previous(begin, end) == ']') --end;
-        const char* p = begin;
+        if (*m_characters.Previous(begin, end) == ']') *--end = 0;
+        char* p = begin;
         for (int i = 0; i < 2 && p < end; ++i) p = m_characters.Next(p, end);
         while (p < end && m_current) {
-            const char* delimiter = m_characters.Find('\\', p, end);
-            begin[delimiter - begin] = 0;
+            char* delimiter = m_characters.Find('\\', p, end);
+            char* next = *delimiter ? delimiter + 1 : end;  // behind a NUL there are no further levels
+            *delimiter = 0;
             m_current = Reference<IParam>(m_current->OpenSubParam(p, 1));
-            p = delimiter + 1;
+            p = next;
         }
     }
 
     // "key = value", or a key alone, which is the int 0. A value that cannot be read has no effect.
     void ReadKey(char* begin, char* end) {
-        const char* equals = m_characters.Find('=', begin, end);
-        tagQXVARIANT value;
-        QXVariantInit(&value);
-        if (equals == end) {
+        auto value = tagQXVARIANT();
+        char* equals = m_characters.Find('=', begin, end);
+        if (*equals != '=') {
             value.type = QXVT_INT;
             m_current->SetValue(begin, &value);
             return;
         }
-        const char* text = m_characters.SkipSpace(equals + 1, end);
-        begin[m_characters.TrimSpace(begin, equals) - begin] = 0;
+        char* text = m_characters.Skip(kIniSpace, equals + 1, end);
+        *m_characters.Trim(kIniSpace, begin, equals) = 0;
         // What is read owns nothing: a string is borrowed from the line.
-        if (ReadIniValue(begin + (text - begin), value)) m_current->SetValue(begin, &value);
+        if (ReadIniValue(text, value)) m_current->SetValue(begin, &value);
     }
 };
 

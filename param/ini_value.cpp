@@ -2,6 +2,7 @@
 
 #include "param/c_locale.h"
 
+#include <array>
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
@@ -151,7 +152,7 @@ struct IniType {
     CXString (*write)(const tagQXVALUE& value);
 };
 
-// Searched from the first row, by letter when reading and by type when writing.
+// Found by letter when reading and by type when writing.
 constexpr IniType kIniTypes[] = {
     {'e', QXVT_EMPTY, [](char*, tagQXVALUE&) { return true; }, [](const tagQXVALUE&) { return CXString(); }},
     {'f', QXVT_BOOL, ReadFlag, [](const tagQXVALUE& v) { return CXString(v.boolVal == 1 ? "1" : "0"); }},
@@ -192,15 +193,20 @@ constexpr IniType kIniTypes[] = {
      }},
 };
 
+// The row of each byte that is a letter of the table.
+constexpr auto kRowOfLetter = [] {
+    std::array<const IniType*, 256> rows = {};
+    for (const IniType& row : kIniTypes) rows[static_cast<unsigned char>(row.letter)] = &row;
+    return rows;
+}();
+
 }  // namespace
 
 bool ReadIniValue(char* text, tagQXVARIANT& value) {
-    for (const IniType& row : kIniTypes) {
-        if (row.letter != *text) continue;
-        value.type = row.type;
-        return row.read(text + 1, value.value);
-    }
-    return false;
+    const IniType* row = kRowOfLetter[static_cast<unsigned char>(*text)];
+    if (!row) return false;
+    value.type = row->type;
+    return row->read(text + 1, value.value);
 }
 
 bool WriteIniValue(const tagQXVARIANT& value, CXString& text) {

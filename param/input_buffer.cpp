@@ -7,7 +7,7 @@ namespace {
 constexpr char kSeparator = '|';
 constexpr char kComment = ';';
 
-constinit char g_physicalLine[kIniLineSize + 1] = {};  // with room for the terminator behind a full line
+constinit char g_physicalLine[kIniLineSize + 1 + kIniSlack] = {};  // with room for the terminator behind a full line
 
 }  // namespace
 
@@ -18,22 +18,17 @@ bool CInputBuffer::NextPhysicalLine() {
     return size != 0;
 }
 
-void CInputBuffer::CutBlanks() {
-    m_current = m_characters.SkipSpaceAnd(kSeparator, m_current, m_end);
-    m_end = m_characters.TrimSpaceAnd(kSeparator, m_current, m_end);
-}
-
 bool CInputBuffer::NextLine(char* out, IniLine& line) {
+    constexpr unsigned kBetweenLines = kIniSpace | kIniSeparator;
     for (;;) {
         if (m_current == m_end && !NextPhysicalLine()) return false;
-        CutBlanks();
-        const char* stop = m_characters.FindEither(kSeparator, kComment, m_current, m_end);
-        size_t size = stop - m_current;
-        memcpy(out, m_current, size);
-        out[size] = 0;
+        m_current = m_characters.Skip(kBetweenLines, m_current, m_end);
+        m_end = m_characters.Trim(kBetweenLines, m_current, m_end);
+        char* stop = m_characters.FindEither(kSeparator, kComment, m_current, m_end);
+        line = {out, out + (stop - m_current)};
+        memcpy(out, m_current, stop - m_current);
+        *line.end = 0;
         m_current = stop < m_end && *stop == kComment ? m_end : stop;
-        if (size == 0) continue;
-        line = {out, out + size};
-        return true;
+        if (line.begin < line.end) return true;
     }
 }

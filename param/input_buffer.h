@@ -25,7 +25,7 @@ public:
     CInputBuffer(Reference<IXFile> file, const IniCharacters& characters)
         : m_file(std::move(file)), m_characters(characters) {}
 
-    // False at the end of the input. The line is copied to `out`, which holds kIniLineSize + 1 bytes.
+    // False at the end of the input. The line is copied to `out`, which holds kIniLineSize + 1 + kIniSlack bytes.
     bool NextLine(char* out, IniLine& line);
     IXFile* File() const { return m_file.Get(); }
 
@@ -34,11 +34,10 @@ private:
     const IniCharacters& m_characters;
     // What is left of the physical line. The buffer behind it is one for all instances, so what stands behind an
     // include on its line is lost to the included file.
-    const char* m_current = nullptr;
-    const char* m_end = nullptr;
+    char* m_current = nullptr;
+    char* m_end = nullptr;
 
     bool NextPhysicalLine();
-    void CutBlanks();
 };
 
 #endif

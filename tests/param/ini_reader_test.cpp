@@ -256,6 +256,10 @@ TEST_F(IniReaderTest, ANulInsideALineEndsItsText) {
     EXPECT_EQ(Read(std::string("[\\]\r\nab=sx\0y\r\n", 14)), "ab=10:x");
 }
 
+TEST_F(IniReaderTest, ANulInAHeaderEndsItsLevels) {
+    EXPECT_EQ(Read(std::string("[\\a\0b\\c]\r\nk1=i1\r\n", 18)), "a{k1=5:1}");
+}
+
 TEST_F(IniReaderTest, ANullTargetAnswersZero) {
     TextFile file("ini_reader_null.ini", "[\\]\r\nkey=i1\r\n");
     EXPECT_EQ(Param_IniFile2Param(file.name.c_str(), nullptr), 0);
@@ -387,6 +391,10 @@ TEST_F(IniReaderDoubleByteTest, TrailBytesAreNoDelimiters) {
 
 TEST_F(IniReaderDoubleByteTest, ADoubleByteSpaceIsWhiteSpace) {
     EXPECT_EQ(Read("[\\]\r\n\x81\x40k1\x81\x40=\x81\x40i5\x81\x40\r\n"), "k1=5:5");
+}
+
+TEST_F(IniReaderDoubleByteTest, ALeadByteDoesNotHideTheNulBehindIt) {
+    EXPECT_EQ(Read(std::string("[\\]\r\nab\x83\0=i5\r\n", 14)), "ab\x83=5:0");
 }
 
 TEST_F(IniReaderDoubleByteTest, OneDoubleByteCharacterIsTooShort) {
