@@ -169,8 +169,9 @@ const char* NarrowText::Find(const char* s, const char* what) {
     }
 }
 
+// A double-byte character of the set must not match by one of its bytes, so the set has to be plain too.
 const char* NarrowText::FindAny(const char* s, const char* set) {
-    if (IsPlain(s)) return ScanForAny(s, set);
+    if (IsPlain(s) && IsPlain(set)) return ScanForAny(s, set);
     for (size_t n; (n = UnitsAt(s)) != 0; s += n) {
         if (SetHas(set, s, n)) return s;
     }
@@ -179,7 +180,7 @@ const char* NarrowText::FindAny(const char* s, const char* set) {
 
 const char* NarrowText::FindLastAny(const char* s, const char* set) {
     size_t size = ScanLength(s);
-    if (IsPlain(s, size)) return ScanBackForAny(s, s + size, set);
+    if (IsPlain(s, size) && IsPlain(set)) return ScanBackForAny(s, s + size, set);
     const char* last = nullptr;
     for (size_t n; (n = UnitsAt(s)) != 0; s += n) {
         if (SetHas(set, s, n)) last = s;

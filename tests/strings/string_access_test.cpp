@@ -358,6 +358,19 @@ TEST_F(StringAccessJapaneseTest, SetsHoldWholeCharacters) {
     EXPECT_EQ(CXString(kA).FindRevOnOf(kI), -1);
 }
 
+TEST_F(StringAccessJapaneseTest, ADoubleByteCharacterIsNotFoundByItsTrailByteInAnAsciiText) {
+    CXString ascii("x\\A");
+    for (const char* what : {kSo, kAa}) {
+        EXPECT_EQ(ascii.Find(what), -1);
+        EXPECT_EQ(ascii.FindOnOf(what), -1);
+        EXPECT_EQ(ascii.FindRevOnOf(what), -1);
+    }
+    EXPECT_EQ(ascii.Find(kAaCode), -1);
+    EXPECT_EQ(ascii.FindRev(kAaCode), -1);
+    EXPECT_EQ(ascii.FindOnOf(CXString(kSo) + "A"), 2);
+    EXPECT_EQ(ascii.FindRevOnOf(CXString(kAa) + "x"), 0);
+}
+
 TEST_F(StringAccessJapaneseTest, ALeadByteWithoutItsTrailByteIsNoCharacter) {
     CXString cut("ab\x82");
     EXPECT_EQ(cut.GetLength(), 2);
