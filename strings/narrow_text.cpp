@@ -16,19 +16,6 @@ bool IsLead(char c) {
     return c < 0 && _ismbblead(static_cast<unsigned char>(c));
 }
 
-bool IsAscii(const char* s, size_t size) {
-    constexpr uint64_t kHighBits = 0x8080808080808080;
-    uint64_t word;
-    for (; size >= sizeof word; s += sizeof word, size -= sizeof word) {
-        memcpy(&word, s, sizeof word);
-        if (word & kHighBits) return false;
-    }
-    for (; size; ++s, --size) {
-        if (*s < 0) return false;
-    }
-    return true;
-}
-
 // Whether the code page in force has lead bytes. Some runtimes number single-byte code pages too, so the number
 // alone does not tell; the answer is remembered for the number that was asked last.
 bool HasLeadBytes() {
@@ -44,11 +31,15 @@ bool HasLeadBytes() {
 }
 
 bool IsPlain(const char* s, size_t size) {
-    return IsAscii(s, size) || !HasLeadBytes();
+    return ScanIsAscii(s, size) || !HasLeadBytes();
+}
+
+bool IsPlain(ScannedText text) {
+    return text.isAscii || !HasLeadBytes();
 }
 
 bool IsPlain(const char* s) {
-    return ScanText(s).isAscii || !HasLeadBytes();
+    return IsPlain(ScanText(s));
 }
 
 // The units of the character at p: 0 at the end, and at a lead byte right before it.
@@ -179,8 +170,8 @@ const char* NarrowText::FindAny(const char* s, const char* set) {
 }
 
 const char* NarrowText::FindLastAny(const char* s, const char* set) {
-    size_t size = ScanLength(s);
-    if (IsPlain(s, size) && IsPlain(set)) return ScanBackForAny(s, s + size, set);
+    ScannedText text = ScanText(s);
+    if (IsPlain(text) && IsPlain(set)) return ScanBackForAny(s, s + text.length, set);
     const char* last = nullptr;
     for (size_t n; (n = UnitsAt(s)) != 0; s += n) {
         if (SetHas(set, s, n)) last = s;
@@ -208,10 +199,12 @@ size_t NarrowText::TrimmedSize(const char* s) {
     return *p ? size : kept - s;
 }
 
-// Texts are compared here as far as both are ASCII or the same; the rest is the runtime's.
+// Equal texts and ASCII texts are the same in each code page; the order of others is the runtime's.
 int NarrowText::Compare(const char* a, const char* b) {
-    while (*a == *b && *a > 0) ++a, ++b;
-    if (*a >= 0 && *b >= 0) return (*a > *b) - (*a < *b);
+    size_t common = ScanCommon(a, b);
+    char x = a[common], y = b[common];
+    if (x == y) return 0;
+    if (x >= 0 && y >= 0 && ScanIsAscii(a, common)) return x < y ? -1 : 1;
     return _mbscmp(WholeText(a), WholeText(b));
 }
 

@@ -41,6 +41,8 @@ public:
     unsigned Within(unsigned bits) const { return bits & mask; }
     // The unit of the lowest bit.
     const Ch* At(unsigned bits) const { return block + std::countr_zero(bits) / sizeof(Ch); }
+    // Whether `place`, which is not before the text, lies in this block or right behind it.
+    bool Reaches(const Ch* place) const { return place <= block + UnitBlock<Ch>::kUnits; }
     void Next() {
         block += UnitBlock<Ch>::kUnits;
         mask = ~0u;
@@ -72,6 +74,34 @@ inline ScannedText ScanText(const char* s) {
         unsigned beforeEnd = (ends & (0 - ends)) - 1;  // all bits when the text goes on
         high |= walk.Within(block.HighBytes()) & beforeEnd;
         if (ends) return {static_cast<size_t>(walk.At(ends) - s), high == 0};
+    }
+}
+
+// Whether the first `size` bytes of a text are ASCII.
+inline bool ScanIsAscii(const char* s, size_t size) {
+    const char* end = s + size;
+    for (BlockWalk<char> walk(s);; walk.Next()) {
+        if (unsigned high = walk.Within(walk.Block().HighBytes())) return walk.At(high) >= end;
+        if (walk.Reaches(end)) return true;
+    }
+}
+
+// The bytes that two texts have in common before the first difference, or before the end of both.
+inline size_t ScanCommon(const char* a, const char* b) {
+    // Unaligned loads of sixteen bytes must not begin this close to the end of a page.
+    auto fits = [](const char* p) { return (reinterpret_cast<uintptr_t>(p) & 4095) <= 4096 - 16; };
+    auto load = [](const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); };
+    for (size_t n = 0;;) {
+        if (fits(a + n) && fits(b + n)) {
+            __m128i own = load(a + n);
+            __m128i goesOn = _mm_andnot_si128(_mm_cmpeq_epi8(own, _mm_setzero_si128()), _mm_cmpeq_epi8(own, load(b + n)));
+            unsigned stops = static_cast<unsigned>(_mm_movemask_epi8(goesOn)) ^ 0xFFFF;
+            if (stops) return n + std::countr_zero(stops);
+            n += 16;
+        } else {
+            if (a[n] != b[n] || !a[n]) return n;
+            ++n;
+        }
     }
 }
 
