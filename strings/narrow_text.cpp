@@ -106,11 +106,11 @@ void ChangeWhole(char* s, Change change) {
 
 size_t NarrowText::Characters(const char* s) {
     ScannedText text = ScanText(s);
-    return text.isAscii ? text.length : Count(s, text.length);
+    return text.isAscii ? text.length : CountBeyondAscii(s, text.length);
 }
 
-size_t NarrowText::Count(const char* s, size_t size) {
-    if (IsPlain(s, size)) return size;
+size_t NarrowText::CountBeyondAscii(const char* s, size_t size) {
+    if (!HasLeadBytes()) return size;
     size_t count = 0;
     const char* end = s + size;
     for (size_t n; s < end && (n = UnitsAt(s)) != 0; s += n) ++count;
@@ -118,7 +118,7 @@ size_t NarrowText::Count(const char* s, size_t size) {
 }
 
 const char* NarrowText::Skip(const char* s, size_t n) {
-    size_t size = strnlen(s, n);
+    size_t size = ScanLength(s, n);
     if (IsPlain(s, size)) return s + size;
     for (size_t units; n && (units = UnitsAt(s)) != 0; s += units) --n;
     return s;
@@ -136,9 +136,9 @@ wchar_t NarrowText::At(const char* p) {
     return UnitsAt(p) == 2 ? static_cast<wchar_t>(bytes[0] << 8 | bytes[1]) : bytes[0];
 }
 
-void NarrowText::Spell(wchar_t ch, char (&text)[kCharUnits + 1]) {
+void NarrowText::SpellBeyondByte(wchar_t ch, char (&text)[kCharUnits + 1]) {
     char* p = text;
-    if (ch > 0xFF && IsLead(static_cast<char>(ch >> 8))) *p++ = static_cast<char>(ch >> 8);
+    if (IsLead(static_cast<char>(ch >> 8))) *p++ = static_cast<char>(ch >> 8);
     *p++ = static_cast<char>(ch);
     *p = 0;
 }

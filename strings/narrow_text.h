@@ -19,7 +19,7 @@ struct NarrowText {
     static size_t Length(const char* s) { return ScanLength(s); }
     static size_t Characters(const char* s);
     // The characters in the first `size` units.
-    static size_t Count(const char* s, size_t size);
+    static size_t Count(const char* s, size_t size) { return ScanIsAscii(s, size) ? size : CountBeyondAscii(s, size); }
     // n characters on, or the end. A lead byte without its trail byte is no character: the walk ends there.
     static const char* Skip(const char* s, size_t n);
     // The units of the whole characters within the first `size` units.
@@ -27,7 +27,11 @@ struct NarrowText {
     // The character at p.
     static wchar_t At(const char* p);
     // A character as text with its terminator; one whose high byte is no lead byte is its low byte.
-    static void Spell(wchar_t ch, char (&text)[kCharUnits + 1]);
+    static void Spell(wchar_t ch, char (&text)[kCharUnits + 1]) {
+        if (ch > 0xFF) return SpellBeyondByte(ch, text);
+        text[0] = static_cast<char>(ch);
+        text[1] = 0;
+    }
     // The same with the two bytes of a double-byte character as the value lies in memory.
     static void SpellInMemoryOrder(wchar_t ch, char (&text)[kCharUnits + 1]);
 
@@ -50,6 +54,10 @@ struct NarrowText {
 
     static int Print(char* buf, size_t size, const char* format, char* args);
     static int PrintedSize(const char* format, char* args);
+
+private:
+    static void SpellBeyondByte(wchar_t ch, char (&text)[kCharUnits + 1]);
+    static size_t CountBeyondAscii(const char* s, size_t size);
 };
 
 #endif

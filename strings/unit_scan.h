@@ -2,6 +2,7 @@
 #ifndef QXCORE_STRINGS_UNIT_SCAN_H
 #define QXCORE_STRINGS_UNIT_SCAN_H
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -41,8 +42,8 @@ public:
     unsigned Within(unsigned bits) const { return bits & mask; }
     // The unit of the lowest bit.
     const Ch* At(unsigned bits) const { return block + std::countr_zero(bits) / sizeof(Ch); }
-    // Whether `place`, which is not before the text, lies in this block or right behind it.
-    bool Reaches(const Ch* place) const { return place <= block + UnitBlock<Ch>::kUnits; }
+    // The units from s, which is not behind this block, to the block's end.
+    size_t UnitsFrom(const Ch* s) const { return block + UnitBlock<Ch>::kUnits - s; }
     void Next() {
         block += UnitBlock<Ch>::kUnits;
         mask = ~0u;
@@ -58,6 +59,15 @@ template <class Ch>
 size_t ScanLength(const Ch* s) {
     for (BlockWalk<Ch> walk(s);; walk.Next()) {
         if (unsigned ends = walk.Within(walk.Block().Equal(0))) return walk.At(ends) - s;
+    }
+}
+
+// The same, but no more than `limit`. Does not look at the blocks behind the limit's.
+template <class Ch>
+size_t ScanLength(const Ch* s, size_t limit) {
+    for (BlockWalk<Ch> walk(s);; walk.Next()) {
+        if (unsigned ends = walk.Within(walk.Block().Equal(0))) return std::min<size_t>(walk.At(ends) - s, limit);
+        if (walk.UnitsFrom(s) >= limit) return limit;
     }
 }
 
@@ -79,10 +89,10 @@ inline ScannedText ScanText(const char* s) {
 
 // Whether the first `size` bytes of a text are ASCII.
 inline bool ScanIsAscii(const char* s, size_t size) {
-    const char* end = s + size;
     for (BlockWalk<char> walk(s);; walk.Next()) {
-        if (unsigned high = walk.Within(walk.Block().HighBytes())) return walk.At(high) >= end;
-        if (walk.Reaches(end)) return true;
+        unsigned high = walk.Within(walk.Block().HighBytes());
+        if (high) return static_cast<size_t>(walk.At(high) - s) >= size;
+        if (walk.UnitsFrom(s) >= size) return true;
     }
 }
 
@@ -94,7 +104,8 @@ inline size_t ScanCommon(const char* a, const char* b) {
     for (size_t n = 0;;) {
         if (fits(a + n) && fits(b + n)) {
             __m128i own = load(a + n);
-            __m128i goesOn = _mm_andnot_si128(_mm_cmpeq_epi8(own, _mm_setzero_si128()), _mm_cmpeq_epi8(own, load(b + n)));
+            __m128i goesOn =
+                _mm_andnot_si128(_mm_cmpeq_epi8(own, _mm_setzero_si128()), _mm_cmpeq_epi8(own, load(b + n)));
             unsigned stops = static_cast<unsigned>(_mm_movemask_epi8(goesOn)) ^ 0xFFFF;
             if (stops) return n + std::countr_zero(stops);
             n += 16;
@@ -105,13 +116,27 @@ inline size_t ScanCommon(const char* a, const char* b) {
     }
 }
 
+template <class Ch>
+const Ch* ScanForUnit(const Ch* s, Ch c) {
+    for (BlockWalk<Ch> walk(s);; walk.Next()) {
+        UnitBlock<Ch> block = walk.Block();
+        if (unsigned stops = walk.Within(block.Equal(c) | block.Equal(0))) {
+            const Ch* stop = walk.At(stops);
+            return *stop == c ? stop : nullptr;
+        }
+    }
+}
+
 // The first place where `what` stands, or null. REQUIRES: `what` is not empty.
 template <class Ch>
 const Ch* ScanForText(const Ch* s, const Ch* what) {
+    constexpr unsigned kLastUnit = 0xFFFFu << (16 - sizeof(Ch));  // the unit after it is in the next block
+    if (!what[1]) return ScanForUnit(s, what[0]);
     for (BlockWalk<Ch> walk(s);; walk.Next()) {
         UnitBlock<Ch> block = walk.Block();
         unsigned ends = walk.Within(block.Equal(0));
-        unsigned starts = walk.Within(block.Equal(*what)) & ((ends & (0 - ends)) - 1);
+        unsigned seconds = block.Equal(what[1]) >> sizeof(Ch) | kLastUnit;
+        unsigned starts = walk.Within(block.Equal(what[0]) & seconds) & ((ends & (0 - ends)) - 1);
         for (; starts; starts &= starts - 1) {
             const Ch* start = walk.At(starts);
             size_t n = 1;

@@ -17,7 +17,7 @@ struct WideText {
     static size_t Length(const wchar_t* s) { return ScanLength(s); }
     static size_t Characters(const wchar_t* s) { return Length(s); }
     static size_t Count(const wchar_t*, size_t size) { return size; }
-    static const wchar_t* Skip(const wchar_t* s, size_t n) { return s + wcsnlen(s, n); }
+    static const wchar_t* Skip(const wchar_t* s, size_t n) { return s + ScanLength(s, n); }
     static size_t Fit(const wchar_t*, size_t size) { return size; }
     static wchar_t At(const wchar_t* p) { return *p; }
     static void Spell(wchar_t ch, wchar_t (&text)[kCharUnits + 1]) {
