@@ -26,12 +26,12 @@ public:
     }
     int Write(const void* buffer, int count) override {
         if (count < 0) count = 0;
-        m_block.Reserve(static_cast<long long>(m_position) + count);
-        if (count > 0) memcpy(m_block.data + m_position, buffer, count);
-        m_position += count;
-        if (static_cast<unsigned>(m_position) > m_block.used) m_block.used = m_position;
-        Poll();
-        return count;
+        long long start = m_position, end = start + count;
+        if (!m_block.Holds(end)) return WriteGrowing(buffer, count);
+        if (count > 0) memcpy(m_block.data + start, buffer, count);
+        m_position = static_cast<int>(end);
+        if (end > m_block.used) m_block.used = static_cast<unsigned>(end);
+        return Polled(count);
     }
     int Seek(int offset, int origin) override {
         return m_position = ClampedSeek(this, m_position, GetLength(), offset, origin);
@@ -51,18 +51,24 @@ public:
     void SetData(const void* bytes, unsigned size) override { m_block.Set(bytes, size); }
 
 private:
+    // What is rare stands apart, so that a typed read stays one load and a typed write one store.
+
     int Deliver(void* buffer, int count) {
         memcpy(buffer, m_block.data + m_position, count);
         m_position += count;
-        Poll();
-        return count;
+        return Polled(count);
     }
-    // Stands apart, so that a typed read stays one load.
     QXCORE_NOINLINE int DeliverRest(void* buffer, int left) { return Deliver(buffer, left); }
 
+    QXCORE_NOINLINE int WriteGrowing(const void* buffer, int count) {
+        m_block.Grow(static_cast<long long>(m_position) + count);
+        return Write(buffer, count);
+    }
     // What the call moved stays moved.
-    void Poll() {
-        if (m_progress && m_progress->IsCancelled()) throw CXException(QXERR_CANCELLED);
+    int Polled(int count) { return m_progress ? AskSink(count) : count; }
+    QXCORE_NOINLINE int AskSink(int count) {
+        if (m_progress->IsCancelled()) throw CXException(QXERR_CANCELLED);
+        return count;
     }
 
     CMemoryBlock m_block;

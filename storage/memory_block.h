@@ -9,11 +9,9 @@ public:
     CMemoryBlock(const CMemoryBlock&) = delete;
     CMemoryBlock& operator=(const CMemoryBlock&) = delete;
 
-    // Makes room for `needed` bytes. Growing beyond 2 GB throws CXMemException; a growth of 0 divides by zero.
-    void Reserve(long long needed) {
-        if (needed > capacity) [[unlikely]]
-            Grow(needed);
-    }
+    bool Holds(long long bytes) const { return bytes <= capacity; }
+    // Makes room for more bytes than it holds. Beyond 2 GB throws CXMemException; a growth of 0 divides by zero.
+    void Grow(long long needed);
     // Replaces the bytes by a copy, or by zeros for null, and lets the block grow in steps of its size from then on.
     void Set(const void* bytes, unsigned size);
 
@@ -23,7 +21,6 @@ public:
     unsigned growth = 4096;
 
 private:
-    void Grow(long long needed);
     void Install(char* block, unsigned size);
     static char* Allocate(unsigned size);
     static void Free(char* block);

@@ -1,9 +1,9 @@
 #include "storage/stream_variant.h"
 
 #include "core/reference.h"
+#include "variant/value_block.h"
 
 #include <qxcore/exception.h>
-#include <qxcore/heap.h>
 #include <qxcore/persist.h>
 #include <qxcore/variant.h>
 
@@ -38,8 +38,8 @@ constexpr int kPayload[] = {
     kOwnForm,  // QXVT_UNKNOWN
 };
 
-struct HeapDeleter {
-    void operator()(char* block) const { Mem_DefaultHeap(0)->Free(block); }
+struct ValueDeleter {
+    void operator()(char* block) const { FreeValue(block); }
 };
 
 class CVariantReader {
@@ -47,7 +47,7 @@ public:
     explicit CVariantReader(IXStream* stream) : m_stream(stream) {}
 
     int Read(tagQXVARIANT* variant) {
-        QXVariantClear(variant);
+        ClearVariant(variant);
         Fill(&variant->type, sizeof variant->type);
         if (variant->type > QXVT_UNKNOWN) Refuse();
         switch (variant->type) {
@@ -72,8 +72,7 @@ private:
         unsigned length = 0;
         bool hasLength = Fill(&length, sizeof length);
         if (length > INT_MAX) Refuse();
-        std::unique_ptr<char, HeapDeleter> buffer(
-            static_cast<char*>(Mem_DefaultHeap(0)->Alloc(static_cast<size_t>(length) + 1)));
+        std::unique_ptr<char, ValueDeleter> buffer(static_cast<char*>(AllocValue(static_cast<size_t>(length) + 1)));
         bool hasText = Fill(buffer.get(), static_cast<int>(length));
         text = buffer.release();
         return hasLength && hasText;

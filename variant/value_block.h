@@ -37,16 +37,13 @@ inline bool OwnsValue(unsigned short type) {
 }
 
 // REQUIRES: the type owns its value.
-void ReleaseValue(unsigned short type, const tagQXVALUE& value);
+void ClearOwner(tagQXVARIANT* v);
 
-// The record is empty before its value goes, so whoever that calls finds no half-dead variant.
 inline void ClearVariant(tagQXVARIANT* v) {
-    if (!OwnsValue(v->type)) {
-        memset(v, 0, sizeof *v);
+    if (OwnsValue(v->type)) {
+        ClearOwner(v);
     } else {
-        tagQXVARIANT old = *v;
         memset(v, 0, sizeof *v);
-        ReleaseValue(old.type, old.value);
     }
 }
 

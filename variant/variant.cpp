@@ -2,6 +2,17 @@
 
 #include <qxcore/string.h>
 
+namespace {
+
+// The record is empty before its value goes, so whoever that calls finds no half-dead variant.
+template <class T>
+T* Emptied(tagQXVARIANT* v, T* owned) {
+    memset(v, 0, sizeof *v);
+    return owned;
+}
+
+}  // namespace
+
 void QXVariantInit(tagQXVARIANT* v) {
     memset(v, 0, sizeof *v);
 }
@@ -10,35 +21,42 @@ void QXVariantClear(tagQXVARIANT* v) {
     ClearVariant(v);
 }
 
-void ReleaseValue(unsigned short type, const tagQXVALUE& value) {
-    switch (type) {
+void ClearOwner(tagQXVARIANT* v) {
+    switch (v->type) {
         case QXVT_STRING:
-            FreeValue(value.string);
+            FreeValue(Emptied(v, v->value.string));
             break;
         case QXVT_BLOB:
-            FreeValue(value.blob.data);
+            FreeValue(Emptied(v, v->value.blob.data));
             break;
         case QXVT_UNKNOWN:
-            if (value.unknown) value.unknown->Release();
+            if (IQXUnknown* object = Emptied(v, v->value.unknown)) object->Release();
             break;
     }
 }
 
+// The new value is made before the record is written, so a failure leaves the destination empty.
 void QXVariantCopy(tagQXVARIANT* dest, const tagQXVARIANT* src) {
     ClearVariant(dest);
-    tagQXVARIANT copy = *src;
-    switch (copy.type) {
-        case QXVT_STRING:
-            copy.value.string = CopyText(src->value.string);
+    switch (src->type) {
+        case QXVT_STRING: {
+            char* text = CopyText(src->value.string);
+            *dest = *src;
+            dest->value.string = text;
             break;
-        case QXVT_BLOB:
-            copy.value.blob.data = CopyBytes(src->value.blob.data, src->value.blob.size);
+        }
+        case QXVT_BLOB: {
+            void* data = CopyBytes(src->value.blob.data, src->value.blob.size);
+            *dest = *src;
+            dest->value.blob.data = data;
             break;
+        }
         case QXVT_UNKNOWN:
-            WithReference(copy.value.unknown);
-            break;
+            WithReference(src->value.unknown);
+            [[fallthrough]];
+        default:
+            *dest = *src;
     }
-    *dest = copy;
 }
 
 CQXVariant::CQXVariant(const char* text) {
