@@ -14,6 +14,7 @@ constexpr unsigned kMegabyte = 1 << 20;
 constexpr unsigned kFileSize = 64 * kMegabyte;
 constexpr unsigned kBlock = 64 * 1024;
 constexpr unsigned kChunk = 128 * 1024;  // what CXFile shows at once
+constexpr int kValues = kChunk / 4;
 
 // A file of random bytes that stays in the system's cache.
 class SampleFile {
@@ -95,50 +96,33 @@ void BenchValues(const SampleFile& sample) {
     FILE* stdio = fopen(sample.Path(), "rb");
     std::vector<char> bytes(kChunk);
     file->Read(bytes.data(), kChunk);
-    auto ours = [&] {
-        file->Seek(0, QXSEEK_START);
-        unsigned sum = 0;
-        for (unsigned i = 0; i < kChunk / 4; ++i) sum += file->ReadLong();
-        bench::Keep(sum);
-    };
-    constexpr double kPerValue = kChunk / 4;
-    bench::Compare(
-        "CXFile ReadLong, one view", "ReadFile of 4 bytes", ours,
-        [&] {
-            SetFilePointer(raw, 0, nullptr, FILE_BEGIN);
-            unsigned sum = 0, value;
-            for (unsigned i = 0; i < kChunk / 4; ++i) {
-                ReadRaw(raw, &value, 4);
-                sum += value;
-            }
-            bench::Keep(sum);
-        },
-        kPerValue);
-    bench::Compare(
-        "CXFile ReadLong, one view", "fread of 4 bytes", ours,
-        [&] {
-            rewind(stdio);
-            unsigned sum = 0, value;
-            for (unsigned i = 0; i < kChunk / 4; ++i) {
-                ReadStdio(stdio, &value, 4);
-                sum += value;
-            }
-            bench::Keep(sum);
-        },
-        kPerValue);
-    bench::Compare(
-        "CXFile ReadLong, one view", "memcpy of 4 cached bytes", ours,
-        [&] {
-            unsigned sum = 0;
-            for (unsigned i = 0; i < kChunk / 4; ++i) {
-                unsigned value;
-                memcpy(&value, &bytes[i * 4], 4);
-                bench::Keep(value);
-                sum += value;
-            }
-            bench::Keep(sum);
-        },
-        kPerValue);
+    auto ours = bench::Pass(
+        kValues, [=] { file->Seek(0, QXSEEK_START); }, [=](int) { bench::Keep(file->ReadLong()); });
+    bench::Compare("CXFile ReadLong, one view", "ReadFile of 4 bytes", ours,
+                   bench::Pass(
+                       kValues, [=] { SetFilePointer(raw, 0, nullptr, FILE_BEGIN); },
+                       [=](int value) {
+                           ReadRaw(raw, &value, 4);
+                           bench::Keep(value);
+                       }),
+                   kValues);
+    bench::Compare("CXFile ReadLong, one view", "fread of 4 bytes", ours,
+                   bench::Pass(
+                       kValues, [=] { rewind(stdio); },
+                       [=](int value) {
+                           ReadStdio(stdio, &value, 4);
+                           bench::Keep(value);
+                       }),
+                   kValues);
+    bench::Compare("CXFile ReadLong, one view", "memcpy of 4 cached bytes", ours,
+                   bench::Pass(
+                       kValues, [] {},
+                       [&](int i) {
+                           unsigned value;
+                           memcpy(&value, &bytes[i * 4], 4);
+                           bench::Keep(value);
+                       }),
+                   kValues);
     fclose(stdio);
     CloseHandle(raw);
     file->Release();
@@ -229,17 +213,12 @@ void BenchLines() {
 void BenchWrites() {
     IXFile* file = Fio_Open(nullptr, QXFIO_OUTPUT | QXFIO_TEMPORARY);
     FILE* stdio = tmpfile();
-    bench::Compare(
-        "CXFile WriteLong, one view", "fwrite of 4 bytes",
-        [&] {
-            file->Seek(0, QXSEEK_START);
-            for (unsigned i = 0; i < kChunk / 4; ++i) file->WriteLong(i);
-        },
-        [&] {
-            rewind(stdio);
-            for (unsigned i = 0; i < kChunk / 4; ++i) bench::Keep(fwrite(&i, 1, 4, stdio));
-        },
-        kChunk / 4);
+    bench::Compare("CXFile WriteLong, one view", "fwrite of 4 bytes",
+                   bench::Pass(
+                       kValues, [=] { file->Seek(0, QXSEEK_START); }, [=](int i) { file->WriteLong(i); }),
+                   bench::Pass(
+                       kValues, [=] { rewind(stdio); }, [=](int i) { bench::Keep(fwrite(&i, 1, 4, stdio)); }),
+                   kValues);
     fclose(stdio);
     file->Release();
 }

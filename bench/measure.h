@@ -56,6 +56,15 @@ unsigned RoundsFor(Body& body, double sampleSeconds) {
     }
 }
 
+// A body that goes back to the start and then does `operation` with the numbers from 0 up.
+template <class Rewind, class Operation>
+auto Pass(int operations, Rewind rewind, Operation operation) {
+    return [=]() mutable {
+        rewind();
+        for (int i = 0; i < operations; ++i) operation(i);
+    };
+}
+
 struct Figures {
     double ours;   // seconds for one operation
     double peer;   // the same for the peer
