@@ -98,7 +98,9 @@ private:
         if (last >= 0 && argument.GetAt(last) == kQuote) argument.Delete(last, 1);
         if (argument.GetAt(0) == '.') argument = BesideTopFile(argument);
         CXString path = m_base + argument;
-        Push(Reference<IXFile>(Fio_Open(path, 0)));
+        Reference<IXFile> file(Fio_Open(path, 0));
+        if (!file) throw CXMemException();
+        Push(std::move(file));
     }
 
     CXString BesideTopFile(const CXString& name) {

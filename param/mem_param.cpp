@@ -3,6 +3,8 @@
 #include "param/each_name.h"
 #include "param/path.h"
 
+#include <qxcore/exception.h>
+
 CMemParam::CMemParam(const char* name) : m_name(name) {
     m_attached.Register(static_cast<IRegisterIface*>(this), qx_typeid<IRegisterIface>(), 0);
 }
@@ -101,5 +103,9 @@ void CMemParam::Clear() {
 }
 
 IParam* new_MemParam() {
-    return new CMemParam("");
+    try {
+        return new CMemParam("");
+    } catch (CXMemException&) {
+        return nullptr;
+    }
 }

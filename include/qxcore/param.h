@@ -38,7 +38,7 @@ protected:
 QX_DECLARE_TYPEID(IParam, ".?AUIParam@@");
 
 // A root in memory with one reference; enumerates in the order of first creation. Its QueryInterface answers what is
-// attached through IRegisterIface and nothing else, not even IParam.
+// attached through IRegisterIface and nothing else, not even IParam. Null only when the heap gives no memory.
 //
 // Paths: CreateSubParam makes every level that is missing; OpenSubParam with `create` drops a missing first level and
 // makes the rest here. SetValue of "a\b" stores "b" in the child "a" and also "a\b" in this node; GetValue follows

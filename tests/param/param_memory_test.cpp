@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+
 namespace {
 
 ParamPtr SmallTree() {
@@ -34,10 +36,12 @@ void ExpectUsable(ParamPtr& root) {
 
 }  // namespace
 
-TEST(ParamMemoryTest, MakingARootLeaksNothing) {
-    EXPECT_GT(FailEachAllocation([] { return ParamPtr(); }, [](ParamPtr& root) { root.reset(new_MemParam()); },
-                                 [](ParamPtr& root) { EXPECT_FALSE(root); }),
-              0u);
+TEST(ParamMemoryTest, ARootThatFindsNoMemoryIsNull) {
+    auto make = [](ParamPtr& root) {
+        root.reset(new_MemParam());
+        if (!root) throw CXMemException();  // as FailEachAllocation counts failures
+    };
+    EXPECT_GT(FailEachAllocation([] { return ParamPtr(); }, make, [](ParamPtr& root) { EXPECT_FALSE(root); }), 0u);
 }
 
 TEST(ParamMemoryTest, StoringAValueStoresItWholeOrNotAtAll) {
@@ -79,6 +83,59 @@ TEST(ParamMemoryTest, EnumeratingLeaksNothing) {
               0u);
 }
 
+TEST(ParamMemoryTest, ReadingAValueLeavesItWhereItIs) {
+    auto make = [] {
+        ParamPtr root = SmallTree();
+        ParamPtr child(root->OpenSubParam("child", 0));
+        CQXVariant text("some text");
+        child->SetValue("t", &text);
+        return root;
+    };
+    auto read = [](ParamPtr& root) {
+        CQXVariant value("old");
+        root->GetValue("child\\t", &value);
+    };
+    auto stillThere = [](ParamPtr& root) {
+        ExpectUsable(root);
+        EXPECT_NE(TreeText(root.get()).find("t=10:some text"), std::string::npos);
+    };
+    EXPECT_GT(FailEachAllocation(make, read, stillThere), 1u);
+}
+
+TEST(ParamMemoryTest, OpeningAPathKeepsTheTreeUsable) {
+    EXPECT_GT(FailEachAllocation(
+                  SmallTree, [](ParamPtr& root) { ParamPtr(root->OpenSubParam("child\\x", 1)); }, ExpectUsable),
+              0u);
+    EXPECT_GT(FailEachAllocation(
+                  SmallTree, [](ParamPtr& root) { ParamPtr(root->OpenSubParam("x", 1)); }, ExpectUsable),
+              0u);
+}
+
+TEST(ParamMemoryTest, DeletingAllValuesOrChildrenGoesOnWhereItStopped) {
+    auto make = [] {
+        ParamPtr root(new_MemParam());
+        for (const char* name : {"a", "b", "c"}) {
+            SetInt(root.get(), name, 1);
+            ParamPtr(root->CreateSubParam(name));
+        }
+        return root;
+    };
+    auto goOn = [](ParamPtr& root) {
+        root->DeleteAllValues();
+        root->DeleteAllSubParams();
+        EXPECT_EQ(TreeText(root.get()), "");
+    };
+    EXPECT_GT(FailEachAllocation(
+                  make, [](ParamPtr& root) { root->DeleteAllValues(); }, goOn),
+              0u);
+    EXPECT_GT(FailEachAllocation(
+                  make, [](ParamPtr& root) { root->DeleteAllSubParams(); }, goOn),
+              0u);
+    EXPECT_GT(FailEachAllocation(
+                  make, [](ParamPtr& root) { root->DeleteSubParam("b"); }, goOn),
+              0u);
+}
+
 TEST(ParamMemoryTest, ReadingIniTextKeepsWhatWasRead) {
     FILE* file = fopen("param_memory_test.ini", "wb");
     fputs("[\\]\r\nb=i2\r\n[\\child\\deep]\r\nt=stext\r\nr=R2.5\r\n[\\child]\r\nc=p1,2\r\n", file);
@@ -88,4 +145,43 @@ TEST(ParamMemoryTest, ReadingIniTextKeepsWhatWasRead) {
     bool mayDoWithout = true;
     EXPECT_GT(FailEachAllocation(SmallTree, read, ExpectUsable, mayDoWithout), 0u);
     remove("param_memory_test.ini");
+}
+
+TEST(ParamMemoryTest, ReadingIncludesKeepsWhatWasReadAndClosesTheFiles) {
+    auto write = [](const char* name, const char* text) {
+        FILE* file = fopen(name, "wb");
+        fputs(text, file);
+        fclose(file);
+    };
+    write("param_memory_outer.ini", "[\\]\r\nb=i2\r\n#include .\\param_memory_inner.ini\r\nc=i3\r\n");
+    write("param_memory_inner.ini", "[\\child]\r\nt=stext\r\n");
+    auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_outer.ini", root.get()); };
+    auto check = [](ParamPtr& root) {
+        ExpectUsable(root);
+        FILE* file = fopen("param_memory_inner.ini", "r+b");  // nobody holds it
+        ASSERT_NE(file, nullptr);
+        fclose(file);
+    };
+    bool mayDoWithout = true;  // the outer file, as above
+    EXPECT_GT(FailEachAllocation(SmallTree, read, check, mayDoWithout), 0u);
+    remove("param_memory_outer.ini");
+    remove("param_memory_inner.ini");
+}
+
+TEST(ParamMemoryTest, ADecimalThatFindsNoMemoryLeavesTheLocaleAsItWas) {
+    std::string before = setlocale(LC_ALL, nullptr);
+    ASSERT_NE(setlocale(LC_ALL, "German_Germany.1252"), nullptr);
+    std::string inside = setlocale(LC_ALL, nullptr);
+    FILE* file = fopen("param_memory_locale.ini", "wb");
+    fputs("[\\]\r\nb=R2.5\r\n", file);
+    fclose(file);
+    auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_locale.ini", root.get()); };
+    auto check = [&](ParamPtr& root) {
+        ExpectUsable(root);
+        EXPECT_EQ(setlocale(LC_ALL, nullptr), inside);
+    };
+    EXPECT_GT(FailEachAllocation(SmallTree, read, check, true), 0u);
+    EXPECT_EQ(setlocale(LC_ALL, nullptr), inside);
+    setlocale(LC_ALL, before.c_str());
+    remove("param_memory_locale.ini");
 }
