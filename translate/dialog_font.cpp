@@ -1,3 +1,4 @@
+#include "strings/narrow_text.h"
 #include "translate/text_buffer.h"
 
 #include <qxcore/dictionary.h>
@@ -34,8 +35,8 @@ struct FontSearch {
 int CALLBACK IsFontWanted(const LOGFONTA* font, const TEXTMETRICA*, DWORD, LPARAM state) {
     auto search = reinterpret_cast<FontSearch*>(state);
     auto full = reinterpret_cast<const ENUMLOGFONTA*>(font);
-    CXString fullName(reinterpret_cast<const char*>(full->elfFullName));
-    if (fullName.Find(search->name) < 0 || font->lfCharSet != search->script) return 1;
+    auto fullName = reinterpret_cast<const char*>(full->elfFullName);
+    if (!NarrowText::Find(fullName, search->name) || font->lfCharSet != search->script) return 1;
     search->found = true;
     CopyWhole(search->name, sizeof search->name, font->lfFaceName);
     return 0;

@@ -101,7 +101,8 @@ public:
     }
     void ControlHead(unsigned index, TemplatePart part) override {
         Copy(part);
-        const CIRect* delta = geometry.m_Rects.Find(index);
+        // Looking into a map that never held anything would make its table.
+        const CIRect* delta = geometry.m_Rects.count ? geometry.m_Rects.Find(index) : nullptr;
         if (!delta) return;
         uint8_t* rect = out.Data() + out.Used() - part.size + form.controlRect;
         // An edge moves by its own delta, so the extent changes by what the far edge moves more than the near one.

@@ -4,6 +4,7 @@
 #include "translate/resource_records.h"
 
 #include <qxcore/dictionary.h>
+#include <qxcore/exception.h>
 
 #include <cstdlib>
 
@@ -29,14 +30,17 @@ auto RunResource(Find* find, const Name* name, Indirect* indirect, const DialogA
     return result;
 }
 
-// A caller's own template in the target language.
+// A caller's own template in the target language, or as it is when memory has run out.
 class TranslatedTemplate {
 public:
     explicit TranslatedTemplate(const DLGTEMPLATE* dialog) : translated(const_cast<DLGTEMPLATE*>(dialog)) {
         if (!dialog) return;
         auto source = reinterpret_cast<unsigned char*>(translated);
-        unsigned char* block = g_Wld.TranslateDlg(source, &size, nullptr);
-        if (block) translated = reinterpret_cast<DLGTEMPLATE*>(block);
+        try {
+            unsigned char* block = g_Wld.TranslateDlg(source, &size, nullptr);
+            if (block) translated = reinterpret_cast<DLGTEMPLATE*>(block);
+        } catch (CXMemException&) {
+        }
     }
     const DLGTEMPLATE* Get() const { return translated; }
     void Release() {

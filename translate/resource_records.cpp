@@ -5,6 +5,8 @@
 #include "translate/resource_key.h"
 #include "translate/string_table.h"
 
+#include <qxcore/exception.h>
+
 #include <algorithm>
 
 constinit RecordBounds g_recordBounds;
@@ -64,14 +66,19 @@ QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t ty
     return record;
 }
 
+// Null when memory has run out: hosts that call the system's functions expect no exception.
 void* LoadDialog(QX_RESITEM* record) {
     const void* resource = QX_REAL(LockResource)(record->loaded);
     if (!resource) return nullptr;
     TemplateBytes dialog = {static_cast<const uint8_t*>(resource), record->size};
-    int size = 0;
-    void* block = TranslateTemplatePosition(g_Wld, dialog, record->hash, &size, record->key);
-    if (size) record->size = size;
-    return block;
+    try {
+        int size = 0;
+        void* block = TranslateTemplatePosition(g_Wld, dialog, record->hash, &size, record->key);
+        if (size) record->size = size;
+        return block;
+    } catch (CXMemException&) {
+        return nullptr;
+    }
 }
 
 void* LoadStringTable(QX_RESITEM* record) {
