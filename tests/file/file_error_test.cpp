@@ -251,8 +251,36 @@ TEST_F(FileErrorTest, FailuresOfTheRealPlatformHaveTheirCodes) {
     HANDLE held = CreateFileA(MakeFile("f", "abc").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_EQ(FailureOf([&] { Open(Path("f")); }).code, QXERR_SHARING);
     CloseHandle(held);
-    EXPECT_EQ(FailureOf([&] { Fio_DeleteDirectory(Path("f").c_str()); }).code, QXERR_DEVICE);
-    EXPECT_EQ(FailureOf([&] { Fio_CopyFile(Path("f").c_str(), Path("f").c_str(), 1); }).code, QXERR_UNKNOWN);
+}
+
+TEST_F(FileErrorTest, FailuresOfRealOperationsHaveTheirCodesAndNames) {
+    std::string file = MakeFile("f", "abc"), other = MakeFile("g", "def"), directory = Path("d"), none = Path("none");
+    std::string held = MakeFile("held", "ghi"), below = file + "\\x";
+    CreateDirectoryA(directory.c_str(), nullptr);
+    CreateDirectoryA((directory + "\\sub").c_str(), nullptr);
+    HANDLE holder = CreateFileA(held.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    auto expect = [](auto operation, int code, int number, const std::string& name) {
+        EXPECT_EQ(FailureOf(operation), (Failure{code, number, name}));
+    };
+    expect([&] { Fio_DeleteFile(none.c_str()); }, QXERR_NOT_FOUND, 7, none);
+    expect([&] { Fio_DeleteFile(directory.c_str()); }, QXERR_ACCESS_DENIED, 7, directory);
+    expect([&] { Fio_DeleteFile(held.c_str()); }, QXERR_SHARING, 7, held);
+    expect([&] { Fio_CopyFile(none.c_str(), other.c_str(), 0); }, QXERR_NOT_FOUND, 8, none);
+    expect([&] { Fio_CopyFile(file.c_str(), other.c_str(), 1); }, QXERR_UNKNOWN, 8, file);
+    expect([&] { Fio_CopyFile(directory.c_str(), none.c_str(), 0); }, QXERR_ACCESS_DENIED, 8, directory);
+    expect([&] { Fio_CopyFile(held.c_str(), none.c_str(), 0); }, QXERR_SHARING, 8, held);
+    expect([&] { Fio_RenameFile(none.c_str(), other.c_str()); }, QXERR_NOT_FOUND, 9, none);
+    expect([&] { Fio_RenameFile(file.c_str(), other.c_str()); }, QXERR_UNKNOWN, 9, file);
+    expect([&] { Fio_RenameFile(held.c_str(), none.c_str()); }, QXERR_SHARING, 9, held);
+    expect([&] { Fio_CreateDirectory(below.c_str()); }, QXERR_BAD_NAME, 10, below);
+    expect([&] { Fio_DeleteDirectory(file.c_str()); }, QXERR_DEVICE, 11, file);
+    expect([&] { Fio_DeleteDirectory(directory.c_str()); }, QXERR_UNKNOWN, 11, directory);
+    FioFileInfo info;
+    expect([&] { Fio_GetFileInfo(none.c_str(), &info); }, QXERR_NOT_FOUND, 12, none);
+    expect([&] { Fio_GetFileInfo(below.c_str(), &info); }, QXERR_BAD_NAME, 12, below);
+    expect([&] { Fio_SetCurrentDirectory(file.c_str()); }, QXERR_DEVICE, 14, file);
+    CloseHandle(holder);
+    RemoveDirectoryA((directory + "\\sub").c_str());
 }
 
 TEST_F(FileErrorTest, AFifthExceptionAtOnceTakesTheNameOfTheFirst) {

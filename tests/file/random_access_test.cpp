@@ -69,6 +69,25 @@ TEST_F(RandomAccessTest, TypedReadsStraddleEverySeam) {
     }
 }
 
+TEST_F(RandomAccessTest, LinesStraddleTheSeam) {
+    std::string path = MakeFile("f", std::string(2 * kChunk, 'a'));
+    File file = Open(path, QXFIO_OUTPUT | QXFIO_KEEP);
+    for (unsigned before = 0; before < 36; ++before) {
+        for (unsigned length : {0u, 1u, 3u, 7u, 8u, 15u, 16u, 17u, 33u}) {
+            unsigned start = kChunk - before;
+            file->Seek(start + length, 0);
+            file->WriteByte('\n');
+            file->Seek(start, 0);
+            std::string buffer(64, '?');
+            ASSERT_EQ(file->ReadLine(buffer.data(), 60), int(length)) << before;
+            ASSERT_EQ(buffer, std::string(length, 'a') + '\n' + '\0' + std::string(62 - length, '?')) << before;
+            ASSERT_EQ(file->Tell(), start + length + 1);
+            file->Seek(start + length, 0);
+            file->WriteByte('a');
+        }
+    }
+}
+
 TEST_F(RandomAccessTest, SequentialReadsInOddPiecesGiveTheWholeFile) {
     std::string copy = Pattern(5 * kChunk + 77);
     std::string path = MakeFile("f", copy);

@@ -241,6 +241,18 @@ TEST_F(IniReaderTest, ALineOf8192BytesIsWholeAndALongerOneComesInPieces) {
     EXPECT_EQ(Read("[\\]\r\nkey=s" + value + "rest\r\n"), "key=10:" + value + " rest=5:0");
 }
 
+TEST_F(IniReaderTest, AFullLineBeforeALoneLineFeedEndsTheInput) {
+    // 8192 bytes are one piece, and what is left of the line is an empty one; with a carriage return it is not.
+    std::string value(8192 - 5, 'v');
+    EXPECT_EQ(Read("[\\]\nkey=s" + value + "\nk1=i1\n"), "key=10:" + value);
+    root.reset(new_MemParam());
+    EXPECT_EQ(Read("[\\]\nkey=s" + value + "\r\nk1=i1\n"), "key=10:" + value + " k1=5:1");
+    // A line feed as byte 8192 ends its own line.
+    value.pop_back();
+    root.reset(new_MemParam());
+    EXPECT_EQ(Read("[\\]\nkey=s" + value + "\nk1=i1\n"), "key=10:" + value + " k1=5:1");
+}
+
 TEST_F(IniReaderTest, ALineOfNulCharactersThrowsCode34) {
     TextFile file("ini_reader_nul.ini", std::string("[\\]\r\na1=i1\r\n\0\0\0\nb1=i2\r\n", 24));
     try {
