@@ -31,5 +31,5 @@ void CXProxy::Load(IXStream* stream) {
 }
 
 void CXProxy::Save(IXStream* stream) {
-    stream->Write(data, static_cast<int>(size));
+    if (data) stream->Write(data, static_cast<int>(size));
 }

@@ -23,7 +23,7 @@ public:
 private:
     CXString className;
     unsigned size;
-    char* data = nullptr;  // null before Load
+    char* data = nullptr;  // null before Load, and after one that failed: there is no payload then
 };
 
 #endif

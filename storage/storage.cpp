@@ -32,33 +32,58 @@ HRESULT CreateInMemory(DWORD mode, IStorage** out) {
     return StgCreateDocfileOnILockBytes(bytes.Get(), mode, 0, out);
 }
 
-CXString NewTemporaryFile() {
-    char directory[kTempPathSize] = {};
-    char file[kTempPathSize] = {};
-    GetTempPathA(kTempPathSize, directory);
-    GetTempFileNameA(directory, "QXPR", 0, file);
-    return file;
+// Goes again unless somebody keeps it.
+class TemporaryFile {
+public:
+    TemporaryFile() {
+        char directory[kTempPathSize] = {};
+        GetTempPathA(kTempPathSize, directory);
+        GetTempFileNameA(directory, "QXPR", 0, m_path);
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        if (!m_kept) DeleteFileA(m_path);
+    }
+
+    const char* Path() const { return m_path; }
+    void Keep() { m_kept = true; }
+
+private:
+    char m_path[kTempPathSize] = {};
+    bool m_kept = false;
+};
+
+// Failures tell of the path as the caller gave it.
+
+IXStorage* NewMemoryStorage(int flags, DWORD mode) {
+    Reference<IStorage> ole;
+    Check(CreateInMemory(mode, ole.Out()), nullptr);
+    return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, "");
+}
+
+IXStorage* NewFileStorage(const char* file, int flags, DWORD mode, const char* given) {
+    static constinit OleName wide;
+    Reference<IStorage> ole;
+    Check(StgCreateDocfile(wide.Set(file), mode, 0, ole.Out()), given);
+    return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, file);
+}
+
+IXStorage* NewTemporaryStorage(int flags, DWORD mode, const char* given) {
+    TemporaryFile file;
+    IXStorage* storage = NewFileStorage(file.Path(), flags, mode, given);
+    if (storage) file.Keep();
+    return storage;
 }
 
 }  // namespace
 
 IXStorage* new_Storage(const char* path, int flags) {
-    static constinit OleName wide;
     DWORD mode = OleModeOf(flags, OleRole::Root) | STGM_CREATE;
-    Reference<IStorage> ole;
-    CXString file;
-    if (!path && !(flags & QXSTG_TEMPORARY)) {
-        Check(CreateInMemory(mode, ole.Out()), path);
-    } else {
-        if (flags & QXSTG_TEMPORARY) {
-            file = NewTemporaryFile();
-        } else {
-            file = path;
-            Fio_CreateDirectory(file.FilePath());
-        }
-        Check(StgCreateDocfile(wide.Set(file), mode, 0, ole.Out()), path);
-    }
-    return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, file);
+    if (flags & QXSTG_TEMPORARY) return NewTemporaryStorage(flags, mode, path);
+    if (!path) return NewMemoryStorage(flags, mode);
+    Fio_CreateDirectory(CXString(path).FilePath());
+    return NewFileStorage(path, flags, mode, path);
 }
 
 IXStorage* open_Storage(const char* path, int readOnly) {

@@ -9,6 +9,7 @@
 #include <qxcore/services.h>
 #include <qxcore/stream.h>
 
+#include <cstring>
 #include <memory>
 
 QX_CREATOR(AllocationOwn) {
@@ -39,6 +40,40 @@ ContainerPtr UsedContainer() {
 }
 
 class CPlain : public CQXUnknownImpl<IQXUnknown> {};
+
+using StreamPtr = std::unique_ptr<IXStream, Releaser>;
+constexpr char kFrame[] = "AllocationNobody\0\x03\0\0\0abc";
+constexpr int kFrameSize = sizeof kFrame - 1;
+
+// A stream at the start of the frame of an unknown class.
+StreamPtr NewFrame() {
+    StreamPtr stream(new_StreamOnMemory());
+    stream->Write(kFrame, kFrameSize);
+    stream->Seek(0, 0);
+    return stream;
+}
+
+using ObjectPtr = std::unique_ptr<IPersistXStream, Releaser>;
+
+// The proxy for that frame.
+ObjectPtr NewProxy() {
+    IQXUnknown* object;
+    ReadObjectFromXStream(NewFrame().get(), &object);
+    IQXUnknown* persistent;
+    object->QueryInterface(qx_typeid<IPersistXStream>(), &persistent);
+    object->Release();
+    return ObjectPtr(static_cast<IPersistXStream*>(persistent));
+}
+
+void ExpectFrameOf(IPersistXStream* object) {
+    StreamPtr stream(new_StreamOnMemory());
+    WriteObjectToXStream(stream.get(), object);
+    ASSERT_EQ(stream->GetLength(), kFrameSize);
+    char bytes[kFrameSize];
+    stream->Seek(0, 0);
+    stream->Read(bytes, kFrameSize);
+    EXPECT_EQ(memcmp(bytes, kFrame, kFrameSize), 0);
+}
 
 }  // namespace
 
@@ -104,14 +139,7 @@ TEST(ObjectAllocationTest, AnEnumeratorThatCouldNotBeMadeLeavesTheContainerUsabl
 }
 
 TEST(ObjectAllocationTest, AFrameThatCouldNotBeReadLeavesNoObject) {
-    using StreamPtr = std::unique_ptr<IXStream, Releaser>;
-    static const char kFrame[] = "AllocationNobody\0\x03\0\0\0abc";
-    auto make = [] {
-        StreamPtr stream(new_StreamOnMemory());
-        stream->Write(kFrame, sizeof kFrame - 1);
-        stream->Seek(0, 0);
-        return stream;
-    };
+    auto make = [] { return NewFrame(); };
     IQXUnknown* object = nullptr;
     auto read = [&](StreamPtr& stream) {
         ReadObjectFromXStream(stream.get(), &object);
@@ -126,4 +154,36 @@ TEST(ObjectAllocationTest, AFrameThatCouldNotBeReadLeavesNoObject) {
         object = nullptr;
     };
     EXPECT_GE(FailEachAllocation(make, read, check), 3u);  // the proxy, its name, its bytes
+}
+
+TEST(ObjectAllocationTest, AProxyThatCouldNotBeLoadedCanBeLoadedLater) {
+    StreamPtr payload(new_StreamOnMemory());
+    payload->Write("abc", 3);
+    auto load = [&](ObjectPtr& proxy) {
+        payload->Seek(0, 0);
+        proxy->Load(payload.get());
+    };
+    auto check = [&](ObjectPtr& proxy) {
+        load(proxy);
+        ExpectFrameOf(proxy.get());
+    };
+    EXPECT_EQ(FailEachAllocation(NewProxy, load, check), 1u);
+}
+
+TEST(ObjectAllocationTest, AnObjectWhoseFrameCouldNotBeWrittenCanBeWrittenElsewhere) {
+    auto write = [](ObjectPtr& proxy) {
+        StreamPtr stream(new_StreamOnMemory());
+        if (!stream) throw CXMemException();
+        WriteObjectToXStream(stream.get(), proxy.get());
+    };
+    EXPECT_EQ(FailEachAllocation(NewProxy, write, [](ObjectPtr& proxy) { ExpectFrameOf(proxy.get()); }), 2u);
+}
+
+TEST(ObjectAllocationTest, MeasuringAndSkippingAFrameTakesNoMemory) {
+    ObjectPtr proxy = NewProxy();
+    StreamPtr stream = NewFrame();
+    FailingAllocation failing(1);
+    EXPECT_EQ(SizeOfObject(proxy.get()), static_cast<unsigned long>(kFrameSize));
+    EXPECT_EQ(SkipObjectToXStream(stream.get()), 0u);
+    EXPECT_FALSE(failing.Happened());
 }

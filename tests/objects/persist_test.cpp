@@ -330,6 +330,15 @@ TEST_F(PersistTest, AProxyMayBeLoadedAgain) {
     proxy->Release();
 }
 
+TEST_F(PersistTest, AProxyWhoseLoadFailedHasNoPayload) {
+    IPersistXStream* proxy = ObjectOf(Frame("PersistNobody", 3, "abc"));
+    ASSERT_NE(proxy, nullptr);
+    Stream shorter("x");
+    EXPECT_THROW(proxy->Load(shorter), CXException);
+    EXPECT_EQ(BytesOf(proxy), Frame("PersistNobody", 0, ""));
+    proxy->Release();
+}
+
 TEST_F(PersistTest, AnObjectWithinAnUnknownObjectStaysInItsBytes) {
     Held<CBytes> inner("PersistBytes", "0123456789");
     Held<COuterObject> outer;

@@ -2,6 +2,7 @@
 #include "storage/storage_fixture.h"
 #include "support/allocation_failure.h"
 
+#include <functional>
 #include <memory>
 
 namespace {
@@ -37,6 +38,7 @@ struct Document {
     Document() {
         PutStream(storage, "one", "1");
         PutStream(storage, "two", "2");
+        Owned<IXStorage>(storage->CreateStorage("sub", 0));
     }
 };
 
@@ -56,6 +58,54 @@ TEST(StreamMemoryTest, AGrowingWriteKeepsTheStreamWhenMemoryIsShort) {
             EXPECT_EQ(kind->stream->Tell(), 6);
         });
     EXPECT_GE(failures, 1u);
+}
+
+TEST(StreamMemoryTest, EveryTypedWriteKeepsTheStreamWhenMemoryIsShort) {
+    CQXVariant number(5), object(static_cast<IQXUnknown*>(nullptr));
+    const std::function<void(IXStream*)> writes[] = {
+        [](IXStream* s) { s->WriteByte(1); },           [](IXStream* s) { s->WriteShort(1); },
+        [](IXStream* s) { s->WriteLong(1); },           [](IXStream* s) { s->WriteDouble(1); },
+        [](IXStream* s) { s->WriteString(""); },        [&](IXStream* s) { s->WriteVariant(&number); },
+        [&](IXStream* s) { s->WriteVariant(&object); }, [](IXStream* s) { WriteObjectToXStream(s, nullptr); },
+    };
+    // A full block, so that the first byte more needs another.
+    auto full = [] {
+        auto kind = std::make_unique<MemoryKind>();
+        kind->stream->Write("x", 1);
+        kind->stream->Write(std::string(4095, 'x').data(), 4095);
+        return kind;
+    };
+    for (const auto& write : writes) {
+        unsigned failures = FailEachAllocation(
+            full, [&](auto& kind) { write(kind->stream); },
+            [&](auto& kind) {
+                EXPECT_EQ(BytesOf(kind->stream), std::string(4096, 'x'));
+                write(kind->stream);
+                EXPECT_GT(kind->stream->GetLength(), 4096);
+            });
+        EXPECT_EQ(failures, 1u);
+    }
+}
+
+TEST(StreamMemoryTest, TypedReadsAndSeeksTakeNoMemory) {
+    MemoryKind kind;
+    kind.stream->Write("some bytes and\0 a text", 23);
+    kind.stream->Seek(0, 0);
+    char text[30];
+    CQXVariant number;
+    FailingAllocation failing(1);
+    kind.stream->ReadByte();
+    kind.stream->ReadShort();
+    kind.stream->ReadLong();
+    kind.stream->ReadDouble();
+    kind.stream->Seek(-4, 1);
+    kind.stream->ReadString(text, 20);
+    kind.stream->Seek(0, 0);
+    kind.stream->WriteVariant(&number);
+    kind.stream->Seek(0, 0);
+    kind.stream->ReadVariant(&number);
+    kind.stream->GetLength();
+    EXPECT_FALSE(failing.Happened());
 }
 
 TEST(StreamMemoryTest, SetDataKeepsTheOldBytesWhenMemoryIsShort) {
@@ -87,6 +137,12 @@ TEST(StreamMemoryTest, AVariantReadWithoutMemoryLeavesNothingBehind) {
     unsigned failures = FailEachAllocation([] { return With(CQXVariant("a text")); }, ReadOne, ReadOne);
     failures += FailEachAllocation([&] { return With(CQXVariant(blob)); }, ReadOne, ReadOne);
     EXPECT_GE(failures, 2u);
+    auto withProxy = [] {
+        auto kind = std::make_unique<MemoryKind>();
+        Fill(kind->stream, Bytes({18, 0}) + "Absent" + Bytes({0, 2, 0, 0, 0, 'a', 'b'}));
+        return kind;
+    };
+    EXPECT_GE(FailEachAllocation(withProxy, ReadOne, ReadOne), 3u);  // the proxy, its name, its bytes
 }
 
 TEST(StreamMemoryTest, AWrapperIsNullAndTakesNoReferenceWhenMemoryIsShort) {
@@ -106,19 +162,67 @@ TEST(StorageMemoryTest, ElementsAreNullWhenMemoryIsShort) {
     failures += FailEachAllocation(
         std::make_unique<Document>,
         [](auto& document) { Owned<IXStorage> s(document->storage->CreateStorage("child", 0)); }, CheckDocument, true);
-    EXPECT_GE(failures, 2u);
+    failures += FailEachAllocation(
+        std::make_unique<Document>, [](auto& document) { Owned<IXStorage> s(document->storage->OpenStorage("sub")); },
+        CheckDocument, true);
+    EXPECT_GE(failures, 3u);
+
+    Document document;
+    FailingAllocation failing(1);
+    EXPECT_EQ(document.storage->CreateStream("three"), nullptr);
+    EXPECT_TRUE(failing.Happened());
 }
 
 TEST(StorageMemoryTest, AnEnumerationWithoutMemoryThrows) {
     unsigned failures = FailEachAllocation(
         std::make_unique<Document>, [](auto& document) { document->storage->EnumStreams()->Release(); }, CheckDocument);
     EXPECT_GE(failures, 6u);  // the list, two nodes, two names, the enumerator
+    failures = FailEachAllocation(
+        std::make_unique<Document>, [](auto& document) { document->storage->EnumStorages()->Release(); },
+        CheckDocument);
+    EXPECT_GE(failures, 4u);
 }
 
 TEST(StorageMemoryTest, ANewStorageWithoutMemoryIsNullOrThrows) {
     unsigned failures = FailEachAllocation(
         [] { return 0; }, [](int) { Owned<IXStorage> storage(new_Storage(nullptr, 0)); }, [](int) {}, true);
     EXPECT_GE(failures, 1u);
+}
+
+TEST_F(StorageTest, ANewFileIsFreeAgainAfterAFailedCreation) {
+    std::string path = Path("folder\\a.stg");
+    auto create = [&](int) { Owned<IXStorage> storage(new_Storage(path.c_str(), 0)); };
+    EXPECT_GE(FailEachAllocation([] { return 0; }, create, create, true),
+              2u);  // the path, the object
+}
+
+TEST_F(StorageTest, ATemporaryStorageWithoutMemoryLeavesNoFile) {
+    char usual[MAX_PATH] = {};
+    GetEnvironmentVariableA("TMP", usual, MAX_PATH);
+    SetEnvironmentVariableA("TMP", Directory().c_str());
+    auto create = [](int) {
+        Owned<IXStorage> storage(new_Storage(nullptr, QXSTG_TEMPORARY));
+        if (!storage) return;
+        char path[MAX_PATH];
+        strcpy(path, storage->GetPath());
+        storage.Reset();
+        EXPECT_TRUE(DeleteFileA(path)) << path;
+    };
+    EXPECT_GE(FailEachAllocation([] { return 0; }, create, create, true), 1u);
+    EXPECT_TRUE(RemoveDirectoryA(Directory().c_str())) << "something is left";
+    SetEnvironmentVariableA("TMP", usual);
+}
+
+TEST(StorageMemoryTest, AForeignStorageIsNotReferencedWhenMemoryIsShort) {
+    Document document;
+    auto ole = static_cast<IStorage*>(Storage_GetOLEStorage(document.storage));
+    unsigned references = CountOf(ole);
+    {
+        FailingAllocation failing(1);
+        EXPECT_EQ(new_StorageByOleStorage(ole), nullptr);
+    }
+    EXPECT_EQ(CountOf(ole), references);
+    ole->Release();
 }
 
 TEST_F(StorageTest, AFileIsFreeAgainAfterAFailedOpening) {

@@ -6,14 +6,24 @@
 
 namespace {
 
+// A new object over the storage.
+IQXProperty* PropertiesOf(IXStorage* storage) {
+    IQXUnknown* out = nullptr;
+    EXPECT_EQ(storage->QueryInterface(qx_typeid<IQXProperty>(), &out), 1);
+    return static_cast<IQXProperty*>(out);
+}
+
+void ExpectNoProperties(IQXProperty* properties) {
+    CQXVariant value("kept");
+    for (const char* name : {"Title", "Company"}) {
+        EXPECT_EQ(properties->GetProperty(name, &value), 0) << name;
+        EXPECT_EQ(properties->SetProperty(name, value), 0) << name;
+    }
+    EXPECT_STREQ(value, "kept");
+}
+
 class SummaryInfoTest : public StorageTest {
 protected:
-    // A new object over the storage.
-    static IQXProperty* PropertiesOf(IXStorage* storage) {
-        IQXUnknown* out = nullptr;
-        EXPECT_EQ(storage->QueryInterface(qx_typeid<IQXProperty>(), &out), 1);
-        return static_cast<IQXProperty*>(out);
-    }
     static std::string Get(IQXProperty* properties, const char* name) {
         CQXVariant value("(unchanged)");
         int found = properties->GetProperty(name, &value);
@@ -259,28 +269,17 @@ TEST_F(SummaryInfoTest, AValueReachesTheFileWithTheStoragesCommit) {
 TEST(SummaryInfoWithoutSetsTest, AStorageThatRefusesKnowsNoNames) {
     FakeStorage ole;
     Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-    IQXUnknown* out = nullptr;
-    ASSERT_EQ(storage->QueryInterface(qx_typeid<IQXProperty>(), &out), 1);
-    Owned<IQXProperty> properties(static_cast<IQXProperty*>(out));
-    CQXVariant value("kept");
-    EXPECT_EQ(properties->GetProperty("Title", &value), 0);
-    EXPECT_EQ(properties->SetProperty("Title", value), 0);
+    Owned<IQXProperty> properties(PropertiesOf(storage));
+    ExpectNoProperties(properties);
     EXPECT_EQ(properties->RemoveName("Title"), 0);
     EXPECT_EQ(Names(properties->EnumNames()), List{});
-    EXPECT_STREQ(value, "kept");
 }
 
 TEST(SummaryInfoFailureTest, AnExceptionOfTheSetsIsAnsweredByZero) {
     StorageWithThrowingSets ole;
     Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-    IQXUnknown* out = nullptr;
-    ASSERT_EQ(storage->QueryInterface(qx_typeid<IQXProperty>(), &out), 1);
-    Owned<IQXProperty> properties(static_cast<IQXProperty*>(out));
-    CQXVariant value("kept");
-    EXPECT_EQ(properties->GetProperty("Title", &value), 0);
-    EXPECT_EQ(properties->GetProperty("Company", &value), 0);
-    EXPECT_EQ(properties->SetProperty("Title", value), 0);
-    EXPECT_STREQ(value, "kept");
+    Owned<IQXProperty> properties(PropertiesOf(storage));
+    ExpectNoProperties(properties);
     properties.Reset();
     EXPECT_EQ(ole.sets.references, 1u);
 }

@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -32,6 +33,21 @@ void ExpectSafe(const CQXVariant& before, Act act, bool keepsItsValue) {
 
 constexpr bool kKept = true, kEmptied = false;
 
+// One variant of each type that has a text.
+std::vector<CQXVariant> TextSources() {
+    return {CQXVariant(),
+            CQXVariant(1, 1),
+            static_cast<unsigned char>(2),
+            static_cast<unsigned short>(3),
+            4ul,
+            5,
+            6u,
+            7l,
+            8.5,
+            9.5f,
+            "ten"};
+}
+
 }  // namespace
 
 TEST(VariantAllocationTest, AnAssignmentThatFailsKeepsTheOldValue) {
@@ -53,22 +69,22 @@ TEST(VariantAllocationTest, ACopyThatFailsLeavesTheDestinationEmpty) {
 }
 
 TEST(VariantAllocationTest, AConversionInPlaceThatFailsKeepsTheSource) {
-    ExpectSafe(
-        5, [](CQXVariant& v) { v.ChangeType(QXVT_STRING); }, kKept);
-    ExpectSafe(
-        2.5, [](CQXVariant& v) { v.ChangeType(QXVT_STRING); }, kKept);
-    ExpectSafe(
-        "text", [](CQXVariant& v) { QXVariantChangeType(&v, &v, QXVT_STRING); }, kKept);
+    for (const CQXVariant& source : TextSources()) {
+        ExpectSafe(
+            source, [](CQXVariant& v) { QXVariantChangeType(&v, &v, QXVT_STRING); }, kKept);
+    }
     ExpectSafe(
         kAbc, [](CQXVariant& v) { QXVariantChangeType(&v, &v, QXVT_BLOB); }, kKept);
 }
 
 TEST(VariantAllocationTest, AConversionThatFailsLeavesTheDestinationEmpty) {
-    CQXVariant number(5), real(2.5f), text("text");
-    for (CQXVariant* source : {&number, &real, &text}) {
+    for (const CQXVariant& source : TextSources()) {
         ExpectSafe(
-            "old", [&](CQXVariant& v) { v.ChangeType(QXVT_STRING, source); }, kEmptied);
+            "old", [&](CQXVariant& v) { QXVariantChangeType(&v, &source, QXVT_STRING); }, kEmptied);
     }
+    CQXVariant blob(kAbc);
+    ExpectSafe(
+        "old", [&](CQXVariant& v) { v.ChangeType(QXVT_BLOB, &blob); }, kEmptied);
 }
 
 TEST(VariantAllocationTest, ABindingThatFailsKeepsBothSides) {
