@@ -130,6 +130,26 @@ TEST_P(DialogsInterceptionTest, TheSwitchTurnsTranslationOff) {
     ExpectEnglish();
 }
 
+TEST_P(DialogsInterceptionTest, ADialogComesUpInTheDictionarysFont) {
+    std::string face = g_Wld.m_szFontName;
+    int points = g_Wld.m_nFontSize;
+    g_Wld.m_bDialogFont = 1;
+    strcpy(g_Wld.m_szFontName, "Courier New");
+    g_Wld.m_nFontSize = 13;
+    Window dialog{CALL(caller, CreateDialogIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99)};
+    LOGFONTA font = {};
+    auto used = reinterpret_cast<HFONT>(SendMessageA(dialog, WM_GETFONT, 0, 0));
+    ASSERT_NE(GetObjectA(used, sizeof font, &font), 0);
+    EXPECT_STREQ(font.lfFaceName, "Courier New");
+    HDC screen = GetDC(nullptr);
+    EXPECT_EQ(font.lfHeight, -MulDiv(13, GetDeviceCaps(screen, LOGPIXELSY), 72));
+    ReleaseDC(nullptr, screen);
+    // The size stands in the weight's place of the extended form.
+    EXPECT_EQ(font.lfWeight, GetParam() == 231 ? 13 : FW_DONTCARE);
+    strcpy(g_Wld.m_szFontName, face.c_str());
+    g_Wld.m_nFontSize = points;
+}
+
 TEST_P(DialogsInterceptionTest, ADialogFromATemplateHasNoContext) {
     std::string key = "caller.dll#1#" + std::to_string(GetParam()) + "\xFD\xFD";
     Teach(key + "Open", "in its context");

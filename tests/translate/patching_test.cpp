@@ -150,6 +150,37 @@ TEST_F(PatchingTest, ModulesArePatchedRestoredAndUnloadedInEveryOrder) {
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
+namespace {
+
+int WINAPI AnswerOwn(HINSTANCE, UINT, char*, int) {
+    return 4711;
+}
+
+}  // namespace
+
+TEST_F(PatchingTest, AReplacementOfTheHostsOwnStaysWhenTheModuleIsPatchedAndRestored) {
+    CallerModule caller;
+    auto original = Imports(caller);
+    HookProc_Install(caller, "user32", "LoadStringA", reinterpret_cast<void*>(AnswerOwn));
+    _InitResTranslation(caller);
+    char buffer[64];
+    EXPECT_EQ(CALL(caller, LoadStringA)(caller, 1, buffer, 64), 4711);
+    EXPECT_EQ(Differences(original, Imports(caller)), 24u);
+    _DeInitResTranslation(caller);
+    EXPECT_EQ(CALL(caller, LoadStringA)(caller, 1, buffer, 64), 4711);
+    EXPECT_EQ(Differences(original, Imports(caller)), 1u);
+}
+
+TEST_F(PatchingTest, AHostsReplacementOfAPatchedFunctionFindsNoSlot) {
+    CallerModule caller;
+    _InitResTranslation(caller);
+    auto patched = Imports(caller);
+    auto real = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("user32"), "LoadStringA"));
+    EXPECT_EQ(HookProc_Install(caller, "user32", "LoadStringA", reinterpret_cast<void*>(AnswerOwn)), real);
+    EXPECT_EQ(Imports(caller), patched);
+    EXPECT_EQ(Load(caller), "Auf");
+}
+
 TEST_F(PatchingTest, AModuleUnloadedWhilePatchedLeavesTheOthersWhole) {
     CallerModule caller;
     _InitResTranslation(caller);

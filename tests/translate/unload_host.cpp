@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -43,23 +44,42 @@ std::string TextOf(HMODULE module) {
     return text;
 }
 
-// Its whole road through find, load and size, for a dialog.
-DWORD DialogSizeOf(HMODULE module) {
+// Its whole road through find, load and size, for a resource. The view of the block has size 0 when there is none.
+std::string_view LoadBlock(HMODULE module, int name, int type) {
     using Find = HRSRC WINAPI(HMODULE, const char*, const char*);
     using Load = HGLOBAL WINAPI(HMODULE, HRSRC);
     using Size = DWORD WINAPI(HMODULE, HRSRC);
     auto find = reinterpret_cast<Find*>(reinterpret_cast<void*>(GetProcAddress(module, "CallFindResourceA")));
     auto load = reinterpret_cast<Load*>(reinterpret_cast<void*>(GetProcAddress(module, "CallLoadResource")));
     auto size = reinterpret_cast<Size*>(reinterpret_cast<void*>(GetProcAddress(module, "CallSizeofResource")));
-    HRSRC found = find(module, MAKEINTRESOURCEA(200), MAKEINTRESOURCEA(5));
-    return load(module, found) ? size(module, found) : 0;
+    HRSRC found = find(module, MAKEINTRESOURCEA(name), MAKEINTRESOURCEA(type));
+    auto block = static_cast<const char*>(load(module, found));
+    return block ? std::string_view(block, size(module, found)) : std::string_view();
+}
+
+size_t DialogSizeOf(HMODULE module) {
+    return LoadBlock(module, 200, 5).size();
+}
+
+// Whether some import slot of the module holds this system function.
+bool Imports(HMODULE module, const char* function) {
+    auto real = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("user32.dll"), function));
+    auto base = reinterpret_cast<char*>(module);
+    auto headers = reinterpret_cast<IMAGE_NT_HEADERS64*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
+    auto d = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + headers->OptionalHeader.DataDirectory[1].VirtualAddress);
+    for (; d->Name; ++d) {
+        for (auto slot = reinterpret_cast<void**>(base + d->FirstThunk); *slot; ++slot) {
+            if (*slot == real) return true;
+        }
+    }
+    return false;
 }
 
 // The class libraries get their own functions back with the library's unloading.
 int ClassLibrariesOutliveTheLibrary() {
     HMODULE first = LoadModule("mfc42.dll");
     HMODULE extra = LoadModule("mfc80u.dll");
-    DWORD realSize = DialogSizeOf(first);
+    size_t realSize = DialogSizeOf(first);
     Library library;
     REQUIRE(library.Init() == 1);
     REQUIRE(TextOf(first) == "Auf" && TextOf(extra) == "Auf");
@@ -67,6 +87,31 @@ int ClassLibrariesOutliveTheLibrary() {
     REQUIRE(library.Unload());
     REQUIRE(TextOf(first) == "Open" && TextOf(extra) == "Open");
     REQUIRE(DialogSizeOf(first) == realSize);
+    return 0;
+}
+
+// Blocks stay where they are, since a host may still show them.
+int BlocksOutliveTheLibrary() {
+    HMODULE module = LoadModule("mfc42.dll");
+    Library library;
+    REQUIRE(library.Init() == 1);
+    std::string_view dialog = LoadBlock(module, 200, 5), strings = LoadBlock(module, 1, 6);
+    REQUIRE(!dialog.empty() && !strings.empty());
+    std::string dialogCopy(dialog), stringsCopy(strings);
+    REQUIRE(library.Unload());
+    REQUIRE(dialog == dialogCopy && strings == stringsCopy);
+    return 0;
+}
+
+// Without a dictionary not even a class library gets its imports back.
+int ClassLibraryPatchedWithoutADictionary() {
+    HMODULE module = LoadModule("mfc42.dll");
+    Library library;
+    REQUIRE(Imports(module, "LoadStringA"));
+    REQUIRE(library.Patch(module) == 1);
+    REQUIRE(!Imports(module, "LoadStringA"));
+    REQUIRE(library.Unload());
+    REQUIRE(!Imports(module, "LoadStringA"));
     return 0;
 }
 
@@ -98,6 +143,7 @@ int PatchedWithoutADictionary() {
 int ModulesGoBeforeTheLibrary() {
     HMODULE first = LoadModule("mfc42.dll");
     HMODULE second = LoadModule("mfc71.dll");
+    HMODULE extra = LoadModule("mfc80u.dll");
     HMODULE own = LoadModule("other.dll");
     Library library;
     REQUIRE(library.Init() == 1);
@@ -105,6 +151,7 @@ int ModulesGoBeforeTheLibrary() {
     REQUIRE(DialogSizeOf(first) != 0 && DialogSizeOf(own) != 0);
     FreeLibrary(own);
     FreeLibrary(first);
+    FreeLibrary(extra);
     REQUIRE(TextOf(second) == "Auf");
     REQUIRE(library.Unload());
     REQUIRE(TextOf(second) == "Open");
@@ -142,6 +189,8 @@ struct Scenario {
 };
 constexpr Scenario kScenarios[] = {
     {"ClassLibrariesOutliveTheLibrary", ClassLibrariesOutliveTheLibrary},
+    {"BlocksOutliveTheLibrary", BlocksOutliveTheLibrary},
+    {"ClassLibraryPatchedWithoutADictionary", ClassLibraryPatchedWithoutADictionary},
     {"HostsModuleOutlivesTheLibrary", HostsModuleOutlivesTheLibrary},
     {"PatchedWithoutADictionary", PatchedWithoutADictionary},
     {"ModulesGoBeforeTheLibrary", ModulesGoBeforeTheLibrary},

@@ -25,6 +25,14 @@ TEST_F(UnloadTest, ClassLibrariesGetTheirImportsBackWhenTheLibraryGoes) {
     EXPECT_EQ(Run("ClassLibrariesOutliveTheLibrary"), 0u);
 }
 
+TEST_F(UnloadTest, TranslatedBlocksStayWhenTheLibraryGoes) {
+    EXPECT_EQ(Run("BlocksOutliveTheLibrary"), 0u);
+}
+
+TEST_F(UnloadTest, WithoutADictionaryAClassLibraryStaysPatched) {
+    EXPECT_EQ(Run("ClassLibraryPatchedWithoutADictionary"), 0u);
+}
+
 TEST_F(UnloadTest, AModuleThatTheHostNamedIsRestoredByTheHost) {
     EXPECT_EQ(Run("HostsModuleOutlivesTheLibrary"), 0u);
 }
