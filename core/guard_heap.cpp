@@ -112,7 +112,7 @@ void* SystemHeapAlloc(HANDLE handle, size_t size) {
     return block;
 }
 
-bool SystemHeapFree(HANDLE handle, void* block) {
+int SystemHeapFree(HANDLE handle, void* block) {
     auto heap = static_cast<GuardHeap*>(handle);
     GuardBlock* header = HeaderOf(block);
     CheckSlack(header, block);
@@ -120,7 +120,7 @@ bool SystemHeapFree(HANDLE handle, void* block) {
     heap->live.Unlink(header);
     LeaveCriticalSection(&heap->lock);
     Unmap(header);
-    return true;
+    return TRUE;
 }
 
 size_t SystemHeapSize(HANDLE, const void* block) {

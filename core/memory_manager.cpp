@@ -29,8 +29,8 @@ CHeap** OwnerOf(void* block) {
 }  // namespace
 
 template <class Request>
-auto CMemManager::AskAgain(Request request) {
-    auto result = request();
+void* CMemManager::TryAgain(Request request) {
+    void* result = nullptr;
     for (unsigned attempt = 0; !result && sink && sink->OnLowMemory(attempt); ++attempt) result = request();
     return result;
 }
@@ -65,7 +65,8 @@ void CHeap::operator delete(void* block) {
 
 CHeap::CHeap(size_t size, bool pinned) : pinned(pinned) {
     MemoryLock lock;
-    handle = g_memory.AskAgain(SystemHeapCreate);
+    handle = SystemHeapCreate();
+    if (!handle) handle = g_memory.TryAgain(SystemHeapCreate);
     g_memory.bytesRequested += size;
     ++g_memory.operations;
     if (!handle) throw CXMemException();
@@ -79,15 +80,11 @@ CHeap::~CHeap() {
     SystemHeapDestroy(handle);
 }
 
-void* CHeap::AllocLocked(size_t size) {
-    if (size > SIZE_MAX - kHeaderSize) throw CXMemException();
-    size_t total = size + kHeaderSize;
-    auto owner = static_cast<CHeap**>(g_memory.AskAgain([&] { return SystemHeapAlloc(handle, total); }));
-    if (!owner) throw CXMemException();
-    *owner = this;
-    g_memory.bytesRequested += total;
-    ++g_memory.operations;
-    return owner + 1;
+void* CHeap::AllocAgain(size_t total) {
+    bool wrapped = total < kHeaderSize;
+    void* block = wrapped ? nullptr : g_memory.TryAgain([&] { return SystemHeapAlloc(handle, total); });
+    if (!block) throw CXMemException();
+    return block;
 }
 
 void CHeap::ReportLiveBlocks(int index) const {

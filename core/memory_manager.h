@@ -3,6 +3,8 @@
 #define QXCORE_CORE_MEMORY_MANAGER_H
 
 #include <qxcore/heap.h>
+#include "core/system_heap.h"
+
 #include <qxcore/platform.h>
 
 class CHeap : public CQXUnknownImpl<IHeap>, public QX_LISTITEM {
@@ -33,6 +35,9 @@ public:
     static constexpr size_t kHeaderSize = 8;  // the owning CHeap, before each block
 
 private:
+    // A block that the system refused at first, or CXMemException.
+    QXCORE_NOINLINE void* AllocAgain(size_t total);
+
     HANDLE handle;
     int pinned;
 };
@@ -45,9 +50,9 @@ struct CMemManager {
 
     // REQUIRES: lock is held.
     CHeap* NextHeapLocked();
-    // Repeats the request while it fails and the sink asks for another try.
+    // Repeats a request that failed, while it fails and the sink asks for another try.
     template <class Request>
-    auto AskAgain(Request request);
+    void* TryAgain(Request request);
 
     CHeap* heaps[kHeaps];
     int nextHeap;
@@ -62,6 +67,18 @@ struct CMemManager {
 };
 
 extern CMemManager g_memory;
+
+inline void* CHeap::AllocLocked(size_t size) {
+    size_t total = size + kHeaderSize;
+    void* block = total < size ? nullptr : SystemHeapAlloc(handle, total);
+    if (!block) [[unlikely]]
+        block = AllocAgain(total);
+    auto owner = static_cast<CHeap**>(block);
+    *owner = this;
+    g_memory.bytesRequested += total;
+    ++g_memory.operations;
+    return owner + 1;
+}
 
 class MemoryLock {
 public:

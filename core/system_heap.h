@@ -19,7 +19,7 @@ struct LiveBlocks {
 HANDLE SystemHeapCreate();
 bool SystemHeapDestroy(HANDLE heap);
 void* SystemHeapAlloc(HANDLE heap, size_t size);  // zero-filled
-bool SystemHeapFree(HANDLE heap, void* block);
+int SystemHeapFree(HANDLE heap, void* block);     // the system's result
 size_t SystemHeapSize(HANDLE heap, const void* block);
 LiveBlocks SystemHeapLive(HANDLE heap);
 
@@ -38,7 +38,7 @@ inline bool SystemHeapDestroy(HANDLE heap) {
 inline void* SystemHeapAlloc(HANDLE heap, size_t size) {
     return HeapAlloc(heap, HEAP_ZERO_MEMORY, size);
 }
-inline bool SystemHeapFree(HANDLE heap, void* block) {
+inline int SystemHeapFree(HANDLE heap, void* block) {
     return HeapFree(heap, 0, block);
 }
 inline size_t SystemHeapSize(HANDLE heap, const void* block) {

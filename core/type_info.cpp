@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
-#include <new>
+#include <memory>
 
 namespace {
 
@@ -24,10 +24,15 @@ _TI_Item* FindItem(const char* name) {
     }
 }
 
+struct FreesRuntimeBlock {
+    void operator()(void* block) const { FreeRuntimeBlock(block); }
+};
+
 _TI_Item* AddItem(const char* name) {
     size_t bytes = strlen(name) + 1;
+    std::unique_ptr<char, FreesRuntimeBlock> copy(static_cast<char*>(AllocRuntimeBlock(bytes)));
     auto item = static_cast<_TI_Item*>(AllocRuntimeBlock(sizeof(_TI_Item)));
-    item->name = static_cast<char*>(memcpy(AllocRuntimeBlock(bytes), name, bytes));
+    item->name = static_cast<char*>(memcpy(copy.release(), name, bytes));
     g_items.Append(&item->link);
     return item;
 }

@@ -26,7 +26,7 @@ struct qx_type_info {
 extern "C" QXCORE_API _TI_Item* __find_ti_item(const char* name);
 
 // Fills the cache words the first time two records meet.
-inline bool __compare_ti_names(const qx_type_info& a, const qx_type_info& b) {
+QXCORE_NOINLINE inline bool __compare_ti_names(const qx_type_info& a, const qx_type_info& b) {
     if (!b.item) b.item = __find_ti_item(b.name);
     if (!a.item) a.item = __find_ti_item(a.name);
     return a.item == b.item;

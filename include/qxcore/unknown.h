@@ -57,7 +57,7 @@ public:
     }
     // Knows IQXUnknown and I.
     virtual int InternalQueryInterface(qx_type_info const& id, IQXUnknown** out) {
-        bool known = id == qx_typeid<IQXUnknown>() || id == qx_typeid<I>();
+        bool known = id == qx_typeid<I>() || id == qx_typeid<IQXUnknown>();
         return QXAnswerQuery(known ? this : nullptr, out);
     }
 
@@ -77,6 +77,7 @@ public:
             m_parent = nullptr;
             parent->Release();
         }
+        m_publicRefs = 1;  // as in CQXUnknownImpl
         delete this;
         return 0;
     }
