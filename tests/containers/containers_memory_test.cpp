@@ -1,6 +1,7 @@
 // What the containers do when the n-th allocation fails.
 #include "containers/watched.h"
 #include "support/allocation_failure.h"
+#include "support/held.h"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +9,6 @@
 #include <memory>
 
 namespace {
-
-struct Release {
-    void operator()(IQXUnknown* object) const { object->Release(); }
-};
-template <class I>
-using Ref = std::unique_ptr<I, Release>;
 
 using IntMap = CTMap<int, int>;
 
@@ -146,14 +141,15 @@ TEST(ContainersMemoryTest, AVariantThatCannotBeCopiedLeavesTheMapUsable) {
     using Map = CTMap<const unsigned long*, CQXVariant>;
     CQXVariant text("a text that takes a block");
     for (auto key : {"one", "two"}) {
-        unsigned failures = FailEachAllocation([] { return NewMap<Map>(QXFoldedKey("one"), CQXVariant(1)); },
-                                               [&](auto& map) { map->SetAt(QXFoldedKey(key), text); },
-                                               [&](auto& map) {
-                                                   EXPECT_EQ(map->count, 1u);
-                                                   EXPECT_NE(map->Find(QXFoldedKey("one")), nullptr);
-                                                   EXPECT_EQ(map->SetAt(QXFoldedKey(key), text), 1);
-                                                   EXPECT_STREQ(map->Find(QXFoldedKey(key))->value.string, text.value.string);
-                                               });
+        unsigned failures =
+            FailEachAllocation([] { return NewMap<Map>(QXFoldedKey("one"), CQXVariant(1)); },
+                               [&](auto& map) { map->SetAt(QXFoldedKey(key), text); },
+                               [&](auto& map) {
+                                   EXPECT_EQ(map->count, 1u);
+                                   EXPECT_NE(map->Find(QXFoldedKey("one")), nullptr);
+                                   EXPECT_EQ(map->SetAt(QXFoldedKey(key), text), 1);
+                                   EXPECT_STREQ(map->Find(QXFoldedKey(key))->value.string, text.value.string);
+                               });
         bool replaces = strcmp(key, "one") == 0;
         EXPECT_EQ(failures, replaces ? 1u : 3u);  // the text alone, or the node, its key and the text
     }

@@ -1,6 +1,6 @@
 // Every allocation of the registry's, the frames' and the container's operations fails once.
-#include "objects/held.h"
 #include "support/allocation_failure.h"
+#include "support/held.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/enum.h>
@@ -21,52 +21,46 @@ namespace {
 
 constexpr char kClass[] = "CLSID_OFSERVICECONTAINER";
 
-struct Releaser {
-    void operator()(IQXUnknown* object) const { object->Release(); }
-};
-using ContainerPtr = std::unique_ptr<IQXServiceContainer, Releaser>;
+using ContainerRef = Ref<IQXServiceContainer>;
 
-ContainerPtr NewContainer() {
+ContainerRef NewContainer() {
     IQXUnknown* object;
     CreateObject(kClass, nullptr, qx_typeid<IQXServiceContainer>(), &object);
-    return ContainerPtr(static_cast<IQXServiceContainer*>(object));
+    return ContainerRef(static_cast<IQXServiceContainer*>(object));
 }
 
 // A container whose table exists.
-ContainerPtr UsedContainer() {
-    ContainerPtr container = NewContainer();
+ContainerRef UsedContainer() {
+    ContainerRef container = NewContainer();
     container->AddService("first", nullptr);
     return container;
 }
 
 class CPlain : public CQXUnknownImpl<IQXUnknown> {};
 
-using StreamPtr = std::unique_ptr<IXStream, Releaser>;
 constexpr char kFrame[] = "AllocationNobody\0\x03\0\0\0abc";
 constexpr int kFrameSize = sizeof kFrame - 1;
 
 // A stream at the start of the frame of an unknown class.
-StreamPtr NewFrame() {
-    StreamPtr stream(new_StreamOnMemory());
+Ref<IXStream> NewFrame() {
+    Ref<IXStream> stream(new_StreamOnMemory());
     stream->Write(kFrame, kFrameSize);
     stream->Seek(0, 0);
     return stream;
 }
 
-using ObjectPtr = std::unique_ptr<IPersistXStream, Releaser>;
-
 // The proxy for that frame.
-ObjectPtr NewProxy() {
+Ref<IPersistXStream> NewProxy() {
     IQXUnknown* object;
     ReadObjectFromXStream(NewFrame().get(), &object);
     IQXUnknown* persistent;
     object->QueryInterface(qx_typeid<IPersistXStream>(), &persistent);
     object->Release();
-    return ObjectPtr(static_cast<IPersistXStream*>(persistent));
+    return Ref<IPersistXStream>(static_cast<IPersistXStream*>(persistent));
 }
 
 void ExpectFrameOf(IPersistXStream* object) {
-    StreamPtr stream(new_StreamOnMemory());
+    Ref<IXStream> stream(new_StreamOnMemory());
     WriteObjectToXStream(stream.get(), object);
     ASSERT_EQ(stream->GetLength(), kFrameSize);
     char bytes[kFrameSize];
@@ -113,8 +107,8 @@ TEST(ObjectAllocationTest, AFailedContainerIsNotMade) {
 
 TEST(ObjectAllocationTest, AServiceThatCouldNotBeAddedIsNotThere) {
     Held<CPlain> plain;
-    auto add = [&](ContainerPtr& container) { container->AddService("name", plain); };
-    auto check = [&](ContainerPtr& container) {
+    auto add = [&](ContainerRef& container) { container->AddService("name", plain); };
+    auto check = [&](ContainerRef& container) {
         EXPECT_EQ(container->GetService("name", nullptr), 0);
         EXPECT_EQ(container->AddService("name", plain), 1);
         EXPECT_EQ(container->GetService("name", nullptr), 1);
@@ -126,27 +120,27 @@ TEST(ObjectAllocationTest, AServiceThatCouldNotBeAddedIsNotThere) {
 }
 
 TEST(ObjectAllocationTest, AnEnumeratorThatCouldNotBeMadeLeavesTheContainerUsable) {
-    auto act = [](ContainerPtr& container) {
+    auto act = [](ContainerRef& container) {
         CTEnum<const char*>* names;
         container->EnumServiceNames(&names);
-        std::unique_ptr<CTEnum<const char*>, Releaser> held(names);
+        Ref<CTEnum<const char*>> held(names);
         CTEnum<IQXUnknown*>* services;
         container->EnumServices(qx_typeid<IQXUnknown>(), &services);
         services->Release();
     };
-    auto check = [](ContainerPtr& container) { EXPECT_EQ(container->GetService("first", nullptr), 1); };
+    auto check = [](ContainerRef& container) { EXPECT_EQ(container->GetService("first", nullptr), 1); };
     EXPECT_EQ(FailEachAllocation(UsedContainer, act, check), 2u);
 }
 
 TEST(ObjectAllocationTest, AFrameThatCouldNotBeReadLeavesNoObject) {
     auto make = [] { return NewFrame(); };
     IQXUnknown* object = nullptr;
-    auto read = [&](StreamPtr& stream) {
+    auto read = [&](Ref<IXStream>& stream) {
         ReadObjectFromXStream(stream.get(), &object);
         object->Release();
         object = nullptr;
     };
-    auto check = [&](StreamPtr& stream) {
+    auto check = [&](Ref<IXStream>& stream) {
         EXPECT_EQ(object, nullptr);
         stream->Seek(0, 0);
         EXPECT_EQ(ReadObjectFromXStream(stream.get(), &object), 1);
@@ -157,13 +151,13 @@ TEST(ObjectAllocationTest, AFrameThatCouldNotBeReadLeavesNoObject) {
 }
 
 TEST(ObjectAllocationTest, AProxyThatCouldNotBeLoadedCanBeLoadedLater) {
-    StreamPtr payload(new_StreamOnMemory());
+    Ref<IXStream> payload(new_StreamOnMemory());
     payload->Write("abc", 3);
-    auto load = [&](ObjectPtr& proxy) {
+    auto load = [&](Ref<IPersistXStream>& proxy) {
         payload->Seek(0, 0);
         proxy->Load(payload.get());
     };
-    auto check = [&](ObjectPtr& proxy) {
+    auto check = [&](Ref<IPersistXStream>& proxy) {
         load(proxy);
         ExpectFrameOf(proxy.get());
     };
@@ -171,17 +165,17 @@ TEST(ObjectAllocationTest, AProxyThatCouldNotBeLoadedCanBeLoadedLater) {
 }
 
 TEST(ObjectAllocationTest, AnObjectWhoseFrameCouldNotBeWrittenCanBeWrittenElsewhere) {
-    auto write = [](ObjectPtr& proxy) {
-        StreamPtr stream(new_StreamOnMemory());
+    auto write = [](Ref<IPersistXStream>& proxy) {
+        Ref<IXStream> stream(new_StreamOnMemory());
         if (!stream) throw CXMemException();
         WriteObjectToXStream(stream.get(), proxy.get());
     };
-    EXPECT_EQ(FailEachAllocation(NewProxy, write, [](ObjectPtr& proxy) { ExpectFrameOf(proxy.get()); }), 2u);
+    EXPECT_EQ(FailEachAllocation(NewProxy, write, [](Ref<IPersistXStream>& proxy) { ExpectFrameOf(proxy.get()); }), 2u);
 }
 
 TEST(ObjectAllocationTest, MeasuringAndSkippingAFrameTakesNoMemory) {
-    ObjectPtr proxy = NewProxy();
-    StreamPtr stream = NewFrame();
+    Ref<IPersistXStream> proxy = NewProxy();
+    Ref<IXStream> stream = NewFrame();
     FailingAllocation failing(1);
     EXPECT_EQ(SizeOfObject(proxy.get()), static_cast<unsigned long>(kFrameSize));
     EXPECT_EQ(SkipObjectToXStream(stream.get()), 0u);

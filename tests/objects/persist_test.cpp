@@ -1,4 +1,4 @@
-#include "objects/held.h"
+#include "support/held.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/exception.h>

@@ -1,7 +1,7 @@
-#include "objects/held.h"
 #include "objects/module_copy.h"
 #include "objects/name_collision.h"
 #include "objects/ticket.h"
+#include "support/held.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/exception.h>

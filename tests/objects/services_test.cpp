@@ -1,6 +1,6 @@
-#include "objects/held.h"
 #include "objects/name_collision.h"
 #include "objects/services_fixture.h"
+#include "support/held.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // The slots of the interfaces, called as a compiler with the platform's own layout calls them.
-#include "objects/held.h"
 #include "objects/services_fixture.h"
+#include "support/held.h"
 
 #include <qxcore/persist.h>
 
