@@ -1,11 +1,11 @@
 // One mutex spans all processes that use the library, so these tests are a program of their own and run alone.
 #include "core/lock_child.h"
+#include "support/held.h"
 
 #include <gtest/gtest.h>
 #include <qxcore.h>
 
 #include <cstring>
-#include <memory>
 #include <string>
 #include <thread>
 
@@ -27,12 +27,6 @@ auto OnAnotherThread(Call call) {
     std::thread([&] { result = call(); }).join();
     return result;
 }
-
-struct ReleaseObject {
-    void operator()(IQXUnknown* object) const { object->Release(); }
-};
-using LockPtr = std::unique_ptr<ICritSect, ReleaseObject>;
-using EventPtr = std::unique_ptr<IEvent, ReleaseObject>;
 
 class ChildProcess {
 public:
@@ -86,7 +80,7 @@ TEST(LockTest, ThePlacementFormBuildsInTheGivenMemoryAndIgnoresTheSize) {
 }
 
 TEST(LockTest, ALockAnswersNoQueryAndLeavesTheOutPointer) {
-    LockPtr lock(CriticalSection_New());
+    Ref<ICritSect> lock(CriticalSection_New());
     IQXUnknown* out = lock.get();
     EXPECT_EQ(lock->QueryInterface(qx_typeid<IQXUnknown>(), &out), 0);
     EXPECT_EQ(lock->QueryInterface(qx_typeid<ICritSect>(), &out), 0);
@@ -95,7 +89,7 @@ TEST(LockTest, ALockAnswersNoQueryAndLeavesTheOutPointer) {
 }
 
 TEST(LockTest, ALockCountsFromOne) {
-    LockPtr lock(CriticalSection_New());
+    Ref<ICritSect> lock(CriticalSection_New());
     EXPECT_EQ(lock->AddRef(), 2u);
     EXPECT_EQ(lock->Release(), 1u);
 }
@@ -109,19 +103,19 @@ TEST(LockTest, WithNoLockAliveWaitAllAnswersOneAndWaitReleaseDoesNothing) {
 
 TEST(LockTest, TheMutexComesWithTheFirstLockAndGoesWithTheLast) {
     EXPECT_FALSE(MutexExists());
-    LockPtr first(CriticalSection_New());
+    Ref<ICritSect> first(CriticalSection_New());
     EXPECT_TRUE(MutexExists());
-    LockPtr second(CriticalSection_New());
+    Ref<ICritSect> second(CriticalSection_New());
     first.reset();
     EXPECT_TRUE(MutexExists());
     second.reset();
     EXPECT_FALSE(MutexExists());
-    LockPtr third(CriticalSection_New());
+    Ref<ICritSect> third(CriticalSection_New());
     EXPECT_TRUE(MutexExists());
 }
 
 TEST(LockTest, WithAThreadInsideALockWaitAllOnAnotherTimesOut) {
-    LockPtr lock(CriticalSection_New());
+    Ref<ICritSect> lock(CriticalSection_New());
     lock->Enter();
     EXPECT_EQ(OnAnotherThread([] { return Wait_All(0); }), 2);
     lock->Leave();
@@ -134,7 +128,7 @@ TEST(LockTest, WithAThreadInsideALockWaitAllOnAnotherTimesOut) {
 }
 
 TEST(LockTest, TheHolderOfAllLocksMayEnterAnyOfThem) {
-    LockPtr a(CriticalSection_New()), b(CriticalSection_New());
+    Ref<ICritSect> a(CriticalSection_New()), b(CriticalSection_New());
     EXPECT_EQ(Wait_All(0), 1);
     a->Enter();
     b->Enter();
@@ -147,8 +141,8 @@ TEST(LockTest, TheHolderOfAllLocksMayEnterAnyOfThem) {
 }
 
 TEST(LockTest, WaitAllStopsEnterOnOtherThreadsUntilWaitRelease) {
-    LockPtr lock(CriticalSection_New());
-    EventPtr entered(Event_New(0));
+    Ref<ICritSect> lock(CriticalSection_New());
+    Ref<IEvent> entered(Event_New(0));
     ASSERT_EQ(Wait_All(0), 1);
     std::thread other([&] {
         lock->Enter();
@@ -162,8 +156,8 @@ TEST(LockTest, WaitAllStopsEnterOnOtherThreadsUntilWaitRelease) {
 }
 
 TEST(LockTest, OneLockHoldsUpEveryOtherLock) {
-    LockPtr a(CriticalSection_New()), b(CriticalSection_New());
-    EventPtr entered(Event_New(0));
+    Ref<ICritSect> a(CriticalSection_New()), b(CriticalSection_New());
+    Ref<IEvent> entered(Event_New(0));
     a->Enter();
     std::thread other([&] {
         b->Enter();
@@ -177,7 +171,7 @@ TEST(LockTest, OneLockHoldsUpEveryOtherLock) {
 }
 
 TEST(LockTest, TheMutexSpansProcesses) {
-    LockPtr lock(CriticalSection_New());
+    Ref<ICritSect> lock(CriticalSection_New());
     ChildProcess child(kChildWaits);
     ASSERT_TRUE(child.inside);
     EXPECT_EQ(Wait_All(100), 2);
@@ -187,7 +181,7 @@ TEST(LockTest, TheMutexSpansProcesses) {
 }
 
 TEST(LockTest, AProcessThatDiesInsideALockLeavesItAbandoned) {
-    LockPtr lock(CriticalSection_New());
+    Ref<ICritSect> lock(CriticalSection_New());
     ChildProcess child(kChildDies);
     ASSERT_TRUE(child.inside);
     EXPECT_EQ(Wait_All(0), 2);
@@ -199,20 +193,20 @@ TEST(LockTest, AProcessThatDiesInsideALockLeavesItAbandoned) {
 }
 
 TEST(LockTest, AThreadThatDiesInsideALockLeavesItAbandoned) {
-    LockPtr lock(CriticalSection_New());
+    Ref<ICritSect> lock(CriticalSection_New());
     OnAnotherThread([] { return Wait_All(0); });
     EXPECT_EQ(Wait_All(0), 3);
     Wait_Release();
 }
 
 TEST(EventTest, ASignalledEventLetsOneWaitThrough) {
-    EventPtr event(Event_New(1));
+    Ref<IEvent> event(Event_New(1));
     EXPECT_EQ(event->Wait(0), 1);
     EXPECT_EQ(event->Wait(0), 2);
 }
 
 TEST(EventTest, AnUnsignalledEventTimesOutUntilItIsSet) {
-    EventPtr event(Event_New(0));
+    Ref<IEvent> event(Event_New(0));
     EXPECT_EQ(event->Wait(0), 2);
     EXPECT_NE(event->Set(), 0);
     EXPECT_EQ(event->Wait(0), 1);
@@ -222,7 +216,7 @@ TEST(EventTest, AnUnsignalledEventTimesOutUntilItIsSet) {
 }
 
 TEST(EventTest, AnEventAnswersNoQueryAndCounts) {
-    EventPtr event(Event_New(0));
+    Ref<IEvent> event(Event_New(0));
     IQXUnknown* out = event.get();
     EXPECT_EQ(event->QueryInterface(qx_typeid<IEvent>(), &out), 0);
     EXPECT_EQ(event->QueryInterface(qx_typeid<IQXUnknown>(), &out), 0);
@@ -232,7 +226,7 @@ TEST(EventTest, AnEventAnswersNoQueryAndCounts) {
 }
 
 TEST(EventTest, TheSlotsAreSetResetWaitBehindTheRoots) {
-    EventPtr event(Event_New(0));
+    Ref<IEvent> event(Event_New(0));
     auto slots = *reinterpret_cast<void***>(event.get());
     using Change = int (*)(IEvent*);
     using Wait = int (*)(IEvent*, unsigned);

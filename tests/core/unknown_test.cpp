@@ -236,6 +236,35 @@ TEST_F(UnknownTest, AParentedObjectCountsOnItsSecondField) {
 
 namespace {
 
+// Somebody queries and releases the object while it is being destroyed.
+template <class Base>
+class CQueriedAtItsEnd : public Base {
+public:
+    explicit CQueriedAtItsEnd(int* destroyed) : destroyed(destroyed) {}
+    ~CQueriedAtItsEnd() override {
+        ++*destroyed;
+        IQXUnknown* self = nullptr;
+        this->QueryInterface(qx_typeid<IQXUnknown>(), &self);
+        self->Release();
+    }
+    const char* Name() override { return ""; }
+
+private:
+    int* destroyed;
+};
+
+}  // namespace
+
+TEST_F(UnknownTest, AnObjectThatIsQueriedByItsDestructorEndsOnce) {
+    int destroyed = 0;
+    EXPECT_EQ((new CQueriedAtItsEnd<CQXUnknownImpl<INode>>(&destroyed))->Release(), 0u);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ((new CQueriedAtItsEnd<CQXUnknownImplParent<INode, INode>>(&destroyed))->Release(), 0u);
+    EXPECT_EQ(destroyed, 2);
+}
+
+namespace {
+
 class CContainedTicket : public CQXContainedObject<CContainedTicket>, public ITicket {
 public:
     ~CContainedTicket() override { g_events.push_back("contained destroyed"); }

@@ -3,16 +3,32 @@
 #include "support/import_slot.h"
 
 #include <atomic>
+#include <cstdlib>
 
 namespace {
 
-std::atomic<long> liveBlocks;
-thread_local unsigned untilFailure;  // 0: no failure is due
-thread_local bool failureHappened;
+constexpr int kMemories = 2;
 
-bool FailsNow() {
-    if (!untilFailure || --untilFailure) return false;
-    failureHappened = true;
+struct Due {
+    unsigned untilFailure;  // 0: no failure is due
+    bool happened;
+};
+
+std::atomic<long> live[kMemories];
+thread_local Due due[kMemories];
+
+std::atomic<long>& Live(Memory memory) {
+    return live[static_cast<int>(memory)];
+}
+
+Due& DueOf(Memory memory) {
+    return due[static_cast<int>(memory)];
+}
+
+bool FailsNow(Memory memory) {
+    Due& d = DueOf(memory);
+    if (!d.untilFailure || --d.untilFailure) return false;
+    d.happened = true;
     return true;
 }
 
@@ -20,31 +36,59 @@ decltype(&HeapAlloc) realHeapAlloc;
 decltype(&HeapFree) realHeapFree;
 decltype(&VirtualAlloc) realVirtualAlloc;
 decltype(&VirtualFree) realVirtualFree;
+decltype(&HeapCreate) realHeapCreate;
+decltype(&HeapDestroy) realHeapDestroy;
+decltype(&malloc) realMalloc;
+decltype(&free) realFree;
 
 void* WINAPI CountedHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
-    if (FailsNow()) return nullptr;
+    if (FailsNow(Memory::heaps)) return nullptr;
     void* block = realHeapAlloc(heap, flags, size);
-    if (block) ++liveBlocks;
+    if (block) ++Live(Memory::heaps);
     return block;
 }
 
 BOOL WINAPI CountedHeapFree(HANDLE heap, DWORD flags, void* block) {
-    if (block) --liveBlocks;
+    if (block) --Live(Memory::heaps);
     return realHeapFree(heap, flags, block);
 }
 
-// The guard-page heap reserves a region for each block, then commits it; on freeing it decommits.
+// The guard-page heap takes the record of a heap in one go; for each block it reserves a region, then commits it. On
+// freeing a block it decommits.
 void* WINAPI CountedVirtualAlloc(void* address, SIZE_T size, DWORD type, DWORD protection) {
-    bool reservesBlock = !address && type == MEM_RESERVE;
-    if (reservesBlock && FailsNow()) return nullptr;
+    if (!address && FailsNow(type == MEM_RESERVE ? Memory::heaps : Memory::runtime)) return nullptr;
     void* region = realVirtualAlloc(address, size, type, protection);
-    if (region && address && type == MEM_COMMIT) ++liveBlocks;
+    if (region && address && type == MEM_COMMIT) ++Live(Memory::heaps);
     return region;
 }
 
 BOOL WINAPI CountedVirtualFree(void* address, SIZE_T size, DWORD type) {
-    if (type == MEM_DECOMMIT) --liveBlocks;
+    if (type == MEM_DECOMMIT) --Live(Memory::heaps);
     return realVirtualFree(address, size, type);
+}
+
+HANDLE WINAPI CountedHeapCreate(DWORD options, SIZE_T initial, SIZE_T maximum) {
+    if (FailsNow(Memory::runtime)) return nullptr;
+    HANDLE heap = realHeapCreate(options, initial, maximum);
+    if (heap) ++Live(Memory::runtime);
+    return heap;
+}
+
+BOOL WINAPI CountedHeapDestroy(HANDLE heap) {
+    --Live(Memory::runtime);
+    return realHeapDestroy(heap);
+}
+
+void* CountedMalloc(size_t size) {
+    if (FailsNow(Memory::runtime)) return nullptr;
+    void* block = realMalloc(size);
+    if (block) ++Live(Memory::runtime);
+    return block;
+}
+
+void CountedFree(void* block) {
+    if (block) --Live(Memory::runtime);
+    realFree(block);
 }
 
 template <class Function>
@@ -62,6 +106,12 @@ void ReplaceOnce() {
         Replace(library, "HeapFree", CountedHeapFree, realHeapFree);
         Replace(library, "VirtualAlloc", CountedVirtualAlloc, realVirtualAlloc);
         Replace(library, "VirtualFree", CountedVirtualFree, realVirtualFree);
+        Replace(library, "HeapCreate", CountedHeapCreate, realHeapCreate);
+        Replace(library, "HeapDestroy", CountedHeapDestroy, realHeapDestroy);
+        Replace(library, "malloc", CountedMalloc, realMalloc);
+        Replace(library, "free", CountedFree, realFree);
+        // An exception is allocated where it is thrown and freed where it is caught.
+        Replace(GetModuleHandleA(nullptr), "free", CountedFree, realFree);
         return true;
     }();
     (void)done;
@@ -69,21 +119,20 @@ void ReplaceOnce() {
 
 }  // namespace
 
-long LiveBlocks() {
+long LiveBlocks(Memory memory) {
     ReplaceOnce();
-    return liveBlocks;
+    return Live(memory);
 }
 
-FailingAllocation::FailingAllocation(unsigned n) {
+FailingAllocation::FailingAllocation(unsigned n, Memory memory) : m_memory(memory) {
     ReplaceOnce();
-    failureHappened = false;
-    untilFailure = n;
+    DueOf(memory) = {n, false};
 }
 
 FailingAllocation::~FailingAllocation() {
-    untilFailure = 0;
+    DueOf(m_memory).untilFailure = 0;
 }
 
 bool FailingAllocation::Happened() const {
-    return failureHappened;
+    return DueOf(m_memory).happened;
 }

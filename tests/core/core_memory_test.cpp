@@ -1,0 +1,147 @@
+// What the core does when the n-th allocation fails: of a heap's blocks, and of what the core takes beside its heaps.
+#include "support/allocation_failure.h"
+#include "support/held.h"
+
+#include <gtest/gtest.h>
+#include <qxcore/heap.h>
+
+#include <cstring>
+#include <string>
+
+namespace {
+
+Ref<IHeap> NewHeap() {
+    return Ref<IHeap>(new_MemoryHeap(0));
+}
+
+int Nothing() {
+    return 0;
+}
+
+// Answers whether making T took memory of either kind.
+template <class T, class... Args>
+bool MakingAllocates(Args... args) {
+    FailingAllocation block(1), runtime(1, Memory::runtime);
+    T object(args...);
+    return block.Happened() || runtime.Happened();
+}
+
+qx_type_info RecordOf(const char* name) {
+    qx_type_info record = {};
+    strcpy(record.name, name);
+    return record;
+}
+
+}  // namespace
+
+TEST(CoreMemoryTest, AHeapThatCannotBeMadeLeavesNothing) {
+    auto make = [](int) { NewHeap(); };
+    auto check = [](int) {
+        Ref<IHeap> heap = NewHeap();
+        heap->Free(heap->Alloc(8));
+    };
+    EXPECT_EQ(FailEachAllocation(Nothing, make, check, false, Memory::runtime),
+              2u);  // the object and the system's heap
+    FailingAllocation block(1);
+    NewHeap();
+    EXPECT_FALSE(block.Happened());
+}
+
+TEST(CoreMemoryTest, AHeapThatCannotBeMadeCountsAsActivity) {
+    size_t before, after;
+    unsigned operationsBefore, operationsAfter;
+    Get_CoreActivity(&before, &operationsBefore);
+    {
+        FailingAllocation systemHeap(2, Memory::runtime);
+        EXPECT_THROW(new_MemoryHeap(1234), CXMemException);
+    }
+    Get_CoreActivity(&after, &operationsAfter);
+    EXPECT_EQ(after - before, 1234u);
+    EXPECT_EQ(operationsAfter - operationsBefore, 1u);
+}
+
+TEST(CoreMemoryTest, ABlockThatCannotBeMadeLeavesTheHeapUsable) {
+    auto check = [](Ref<IHeap>& heap) { heap->Free(heap->Alloc(100)); };
+    EXPECT_EQ(FailEachAllocation(
+                  NewHeap, [](Ref<IHeap>& heap) { heap->Free(heap->Alloc(100)); }, check),
+              1u);
+}
+
+TEST(CoreMemoryTest, ABlockThatCannotBeMovedKeepsItsContent) {
+    struct Block {
+        explicit Block(const char* text) : bytes(static_cast<char*>(Mem_DefaultHeap(0)->Alloc(100))) {
+            strcpy(bytes, text);
+        }
+        Block(Block&& other) noexcept : bytes(std::exchange(other.bytes, nullptr)) {}
+        ~Block() {
+            if (bytes) Mem_DefaultHeap(0)->Free(bytes);
+        }
+        char* bytes;
+    };
+    auto grow = [](Block& block) { block.bytes = static_cast<char*>(Mem_DefaultHeap(0)->Realloc(block.bytes, 200)); };
+    auto check = [](Block& block) { EXPECT_STREQ(block.bytes, "content"); };
+    EXPECT_EQ(FailEachAllocation([] { return Block("content"); }, grow, check), 1u);
+}
+
+TEST(CoreMemoryTest, EveryFormOfNewTakesOneBlockAndThrows) {
+    auto check = [](int) {};
+    EXPECT_EQ(FailEachAllocation(
+                  Nothing, [](int) { ::operator delete(::operator new(40)); }, check),
+              1u);
+    EXPECT_EQ(FailEachAllocation(
+                  Nothing, [](int) { ::operator delete[](::operator new[](40)); }, check),
+              1u);
+}
+
+TEST(CoreMemoryTest, NothrowNewAnswersNullAndLeavesNothing) {
+    for (unsigned n : {1u, 2u}) {
+        long before = LiveBlocks();
+        FailingAllocation failing(n);
+        void* block = ::operator new(40, std::nothrow);
+        EXPECT_EQ(block == nullptr, n == 1);
+        ::operator delete(block, std::nothrow);
+        EXPECT_EQ(LiveBlocks(), before);
+    }
+}
+
+TEST(CoreMemoryTest, ANameThatCannotBeInternedLeavesNothing) {
+    static const char kName[] = ".?AUIInternedWithFailures@@";
+    for (unsigned n : {1u, 2u}) {  // the item and the copy of its name
+        long before = LiveBlocks(Memory::runtime);
+        {
+            FailingAllocation failing(n, Memory::runtime);
+            EXPECT_THROW(__find_ti_item(kName), CXMemException);
+        }
+        EXPECT_EQ(LiveBlocks(Memory::runtime), before) << "allocation " << n;
+    }
+    _TI_Item* item = __find_ti_item(kName);
+    EXPECT_STREQ(item->name, kName);
+    FailingAllocation failing(1, Memory::runtime);
+    EXPECT_EQ(__find_ti_item(kName), item);
+}
+
+TEST(CoreMemoryTest, RecordsWhoseNamesCannotBeInternedCanBeComparedLater) {
+    qx_type_info a = RecordOf(".?AUIComparedLater@@"), b = RecordOf(".?AUIComparedLater@@"),
+                 other = RecordOf(".?AUIAnotherComparedLater@@");
+    for (unsigned n : {1u, 2u}) {
+        FailingAllocation failing(n, Memory::runtime);
+        EXPECT_THROW((void)(a == b), CXMemException);
+        EXPECT_EQ(a.item, nullptr);
+        EXPECT_EQ(b.item, nullptr);
+    }
+    EXPECT_TRUE(a == b);
+    for (unsigned n : {1u, 2u}) {
+        FailingAllocation failing(n, Memory::runtime);
+        EXPECT_THROW((void)(other == a), CXMemException);
+    }
+    EXPECT_FALSE(other == a);
+    EXPECT_NE(other.item, nullptr);
+}
+
+TEST(CoreMemoryTest, MakingAnExceptionTakesNoMemory) {
+    EXPECT_FALSE(MakingAllocates<CXException>(7));
+    EXPECT_FALSE(MakingAllocates<CXMemException>());
+    EXPECT_FALSE(MakingAllocates<CXEofException>());
+    EXPECT_FALSE((MakingAllocates<CXFileException>(6, "a name", 0)));
+    EXPECT_FALSE((MakingAllocates<CXIFaceException, qx_type_info const&>(qx_typeid<IHeap>())));
+}
