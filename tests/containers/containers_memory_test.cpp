@@ -25,6 +25,64 @@ std::unique_ptr<IntMap> NewIntMap(int n) {
     return map;
 }
 
+// Adds a second key to a map that has one, each allocation failing in turn. The map keeps the first and takes the
+// second afterwards.
+template <class K, class V>
+unsigned FailEachAddition(K first, K second, V value) {
+    using Map = CTMap<K, V>;
+    return FailEachAllocation([&] { return NewMap<Map>(first, value); }, [&](auto& map) { map->SetAt(second, value); },
+                              [&](auto& map) {
+                                  EXPECT_EQ(map->count, 1u);
+                                  EXPECT_NE(map->Find(first), nullptr);
+                                  EXPECT_EQ(map->Find(second), nullptr);
+                                  EXPECT_EQ(map->SetAt(second, value), 1);
+                                  EXPECT_EQ(map->count, 2u);
+                              });
+}
+
+// The same for a list of texts.
+template <class List>
+unsigned FailEachListAddition() {
+    return FailEachAllocation(
+        [] {
+            auto list = std::make_unique<List>();
+            list->AddTail("a");
+            return list;
+        },
+        [](auto& list) { list->AddTail("b"); },
+        [](auto& list) {
+            EXPECT_EQ(list->count, 1u);
+            EXPECT_EQ(list->head, list->tail);
+            list->AddTail("b");
+            auto at = list->GetHeadPosition();
+            EXPECT_STREQ(*list->GetNext(at), "a");
+            EXPECT_STREQ(*list->GetNext(at), "b");
+        });
+}
+
+// Stores an owned value, each allocation besides its own failing in turn.
+template <class K>
+unsigned FailEachOwnedStore(K first, K key) {
+    using Map = CTMap<K, Owned*>;
+    int destroyed = 0;
+    std::unique_ptr<Owned> value;
+    return FailEachAllocation(
+        [&] {
+            value = std::make_unique<Owned>(1, &destroyed);
+            destroyed = 0;
+            return NewMap<Map>(first, new Owned);
+        },
+        [&](auto& map) {
+            map->SetAt(key, value.get());
+            value.release();
+        },
+        [&](auto& map) {
+            EXPECT_EQ(map->count, 1u);
+            EXPECT_EQ(destroyed, 0);
+            value.reset();
+        });
+}
+
 // The keys 0 to n - 1 are found by hash and on a walk, and there is nothing else.
 void ExpectKeys(IntMap& map, int n) {
     EXPECT_EQ(map.count, static_cast<unsigned>(n));
@@ -67,19 +125,21 @@ TEST(ContainersMemoryTest, AMapWithoutATableFailsAndTriesAgain) {
 }
 
 TEST(ContainersMemoryTest, AFailedAdditionLeavesTheMapAsItWas) {
-    using Map = CTMap<const char*, int>;
-    unsigned failures =
-        FailEachAllocation([] { return NewMap<Map>("one", 1); }, [](auto& map) { map->SetAt("two", 2); },
-                           [](auto& map) {
-                               int value = 0;
-                               EXPECT_EQ(map->count, 1u);
-                               EXPECT_EQ(map->Lookup("two", value), 0);
-                               EXPECT_EQ(map->Lookup("one", value), 1);
-                               EXPECT_EQ(value, 1);
-                               EXPECT_EQ(map->SetAt("two", 2), 1);
-                               EXPECT_EQ(map->count, 2u);
-                           });
-    EXPECT_EQ(failures, 2u);  // the key and the node
+    struct Rectangle {
+        double left, top, right, bottom;
+    };
+    Counted object;
+    auto folded = QXFoldedKey;
+    // How many blocks an addition takes besides those of its value.
+    constexpr unsigned kNode = 1, kNodeAndKey = 2;
+    EXPECT_EQ((FailEachAddition<const char*, int>("one", "two", 1)), kNodeAndKey);
+    EXPECT_EQ((FailEachAddition<const char*, IQXUnknown*>("one", "two", &object)), kNodeAndKey);
+    EXPECT_EQ((FailEachAddition<const unsigned long*, IQXUnknown*>(folded("one"), folded("two"), &object)),
+              kNodeAndKey);
+    EXPECT_EQ((FailEachAddition<const unsigned long*, CQXVariant>(folded("one"), folded("two"), CQXVariant(1))),
+              kNodeAndKey);
+    EXPECT_EQ((FailEachAddition<unsigned, Rectangle>(1, 2, Rectangle{})), kNode);
+    EXPECT_EQ(object.refs, 1u);
 }
 
 TEST(ContainersMemoryTest, AFailedReplacementKeepsTheOldEntry) {
@@ -115,26 +175,9 @@ TEST(ContainersMemoryTest, AFailedAdditionTakesNoReference) {
 }
 
 TEST(ContainersMemoryTest, AnOwnedValueThatCouldNotBeStoredStaysWithTheCaller) {
-    using Map = CTMap<const char*, Owned*>;
-    for (auto key : {"one", "two"}) {
-        int destroyed = 0;
-        FailEachAllocation([] { return NewMap<Map>("one", new Owned); },
-                           [&](auto& map) {
-                               auto value = std::make_unique<Owned>(1, &destroyed);
-                               destroyed = 0;
-                               try {
-                                   map->SetAt(key, value.get());
-                               } catch (CXMemException&) {
-                                   EXPECT_EQ(destroyed, 0);
-                                   throw;
-                               }
-                               value.release();
-                           },
-                           [&](auto& map) {
-                               EXPECT_EQ(map->count, 1u);
-                               EXPECT_LE(destroyed, 1);  // by its caller
-                           });
-    }
+    EXPECT_EQ(FailEachOwnedStore("one", "one"), 0u);  // a replacement of the same text takes nothing
+    EXPECT_EQ(FailEachOwnedStore("one", "two"), 2u);
+    EXPECT_EQ(FailEachOwnedStore(1, 2), 1u);
 }
 
 TEST(ContainersMemoryTest, AVariantThatCannotBeCopiedLeavesTheMapUsable) {
@@ -174,22 +217,28 @@ TEST(ContainersMemoryTest, ALargeMapDoesWithoutItsIndex) {
 }
 
 TEST(ContainersMemoryTest, AFailedAdditionLeavesTheListAsItWas) {
-    unsigned failures = FailEachAllocation(
-        [] {
-            auto list = std::make_unique<CTPList<const char*>>();
-            list->AddTail("a");
-            return list;
-        },
-        [](auto& list) { list->AddTail("b"); },
-        [](auto& list) {
-            EXPECT_EQ(list->count, 1u);
-            EXPECT_EQ(list->head, list->tail);
-            list->AddTail("b");
-            auto at = list->GetHeadPosition();
-            EXPECT_STREQ(*list->GetNext(at), "a");
-            EXPECT_STREQ(*list->GetNext(at), "b");
-        });
-    EXPECT_EQ(failures, 2u);  // the node and the text
+    EXPECT_EQ(FailEachListAddition<CTPList<const char*>>(), 2u);  // the node and the text
+    EXPECT_EQ(FailEachListAddition<CTPList<char*>>(), 2u);
+    EXPECT_EQ(FailEachListAddition<CTListEnum<const char*>>(), 2u);
+}
+
+TEST(ContainersMemoryTest, ARecordThatCouldNotBeListedStaysWithTheCaller) {
+    int destroyed = 0;
+    auto act = [&](auto& list) {
+        auto record = std::make_unique<Owned>(1, &destroyed);
+        try {
+            list->AddTail(record.get());
+        } catch (CXMemException&) {
+            EXPECT_EQ(destroyed, 0);
+            throw;
+        }
+        record.release();
+    };
+    auto check = [&](auto& list) {
+        EXPECT_EQ(list->count, 0u);
+        destroyed = 0;
+    };
+    EXPECT_EQ(FailEachAllocation([] { return std::make_unique<CTPList<Owned*>>(); }, act, check), 2u);
 }
 
 TEST(ContainersMemoryTest, AnEnumeratorThatCannotBeMadeHoldsNothing) {
@@ -234,4 +283,18 @@ TEST(ContainersMemoryTest, AFailedAttachmentKeepsTheOldOne) {
     EXPECT_EQ(failures, 1u);  // the entry; its key stands in the table already
     EXPECT_EQ(old.refs, 1u);
     EXPECT_EQ(fresh.refs, 1u);
+}
+
+TEST(ContainersMemoryTest, AFailedFirstAttachmentLeavesNothingAttached) {
+    Counted object;
+    unsigned failures = FailEachAllocation([] { return std::make_unique<CAttachedInterfaces>(); },
+                                           [&](auto& table) { table->Register(&object, qx_typeid<IHeap>(), 1); },
+                                           [&](auto& table) {
+                                               EXPECT_EQ(object.refs, 1u);
+                                               EXPECT_EQ(table->Query(qx_typeid<IHeap>(), nullptr), 0);
+                                               EXPECT_EQ(table->Register(&object, qx_typeid<IHeap>(), 1), 1);
+                                               EXPECT_EQ(table->Query(qx_typeid<IHeap>(), nullptr), 1);
+                                           });
+    EXPECT_EQ(failures, 4u);  // the entry, the table, the node and the key
+    EXPECT_EQ(object.refs, 1u);
 }

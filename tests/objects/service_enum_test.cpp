@@ -172,3 +172,25 @@ TEST_F(ServiceEnumTest, AnEnumeratorHoldsNoReferenceOnTheContainer) {
     container->Release();
     names->Release();
 }
+
+TEST_F(ServiceEnumTest, ServicesOfAnotherModuleAnswerOurRecord) {
+    ASSERT_EQ(RegisterObject("TestInspector", "test_inspector_module.dll"), 1);
+    IQXUnknown* object;
+    ASSERT_EQ(CreateObject("TestInspector", nullptr, qx_typeid<IQXUnknown>(), &object), 1);
+    Ref<IQXUnknown> inspector(object);
+    Held<CPlain> plain(3);
+    container->AddService("theirs", object);
+    container->AddService("ours", plain);
+
+    CTEnum<IQXUnknown*>* services;
+    container->EnumServices(qx_typeid<IInspector>(), &services);
+    IQXUnknown* out[2] = {};
+    unsigned fetched = 0;
+    EXPECT_EQ(services->Next(2, out, &fetched), 1);
+    ASSERT_EQ(fetched, 1u);
+    EXPECT_EQ(static_cast<IInspector*>(out[0])->Inspect(plain), 3);
+    out[0]->Release();
+    services->Release();
+    container->RemoveAllServices();
+    EXPECT_EQ(UnregisterObject("TestInspector"), 1);
+}
