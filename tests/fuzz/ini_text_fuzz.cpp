@@ -1,5 +1,5 @@
-// Broken ini text: the reader ends, what it made can be walked and cleared, and nothing but its own exceptions comes
-// out. Odd rounds run under a double-byte code page.
+// Broken ini text, and broken text that it includes: the reader ends, what it made can be walked and cleared, and
+// nothing but its own exceptions comes out. Half of the rounds run under a double-byte code page.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>
@@ -9,6 +9,10 @@
 namespace {
 
 constexpr char kFile[] = "ini_text_fuzz.ini";
+constexpr char kIncluded[] =
+    "ini_text_part.ini";  // includes nothing: a file that includes itself is the caller's affair
+constexpr const char* kIncludes[] = {"#include ini_text_part.ini\r\n", "# INCLUDE \"ini_text_part.ini\" |k=i1|",
+                                     "#include .\\ini_text_part.ini|"};
 
 constexpr const char* kPieces[] = {
     "[\\]\r\n", "[\\a\\b]\r\n", "[",      "]",        "key=i5\r\n", "=",     "|",        ";",        "#include ",
@@ -16,16 +20,20 @@ constexpr const char* kPieces[] = {
     "\x83\x5C", "\x81\x40",     "\x83",   "\\",       "# x",        "e",     "p3,4\r\n", "z",        "\t ",
     "W-1\r\n",  "r1e400\r\n",   "T1,2,3", "u",        "P,,\r\n",    "k\r\n", "name=",    "[\\s]|k=", "[]"};
 
-std::string RandomText(Random& random) {
+std::string RandomText(Random& random, bool includes) {
     std::string text = random.Below(4) ? "[\\]\r\n" : "";
-    for (unsigned n = random.Below(60); n > 0; --n) text += kPieces[random.Below(std::size(kPieces))];
+    for (unsigned n = random.Below(60); n > 0; --n) {
+        text += kPieces[random.Below(std::size(kPieces))];
+        if (random.Below(20) == 0) text += '\0';
+        if (includes && random.Below(30) == 0) text += kIncludes[random.Below(std::size(kIncludes))];
+    }
     if (random.Below(20) == 0) text.insert(random.Below(unsigned(text.size()) + 1), 8150 + random.Below(100), 'x');
     if (random.Below(2)) Mutate(text, random);
     return text;
 }
 
-void WriteFile(const std::string& text) {
-    FILE* file = fopen(kFile, "wb");
+void WriteFile(const char* name, const std::string& text) {
+    FILE* file = fopen(name, "wb");
     fwrite(text.data(), 1, text.size(), file);
     fclose(file);
 }
@@ -53,8 +61,8 @@ unsigned Walk(IParam* node, unsigned depth) {
 
 bool Round(Random& random) {
     _setmbcp(random.Below(2) ? 932 : _MB_CP_SBCS);
-    // A file that includes itself is the caller's affair, so no include finds a file here.
-    WriteFile(RandomText(random));
+    WriteFile(kFile, RandomText(random, true));
+    WriteFile(kIncluded, RandomText(random, false));
     IParam* root = new_MemParam();
     try {
         Param_IniFile2Param(kFile, root);
@@ -72,5 +80,6 @@ bool Round(Random& random) {
 int main(int argc, char** argv) {
     int result = fuzz::Main(argc, argv, 3000, Round);
     remove(kFile);
+    remove(kIncluded);
     return result;
 }

@@ -165,13 +165,47 @@ void Step(IParam* root, Model& model, Random& random) {
     }
 }
 
+// Walks over the names of the root that go on while the tree changes under them: what one delivers is there.
+class Walks {
+public:
+    explicit Walks(IParam* root) : m_root(root) {}
+    ~Walks() {
+        for (CTEnum<const char*>* walk : m_walks) walk->Release();
+    }
+
+    bool Step(const Model& model, Random& random) {
+        size_t at = random.Below(std::size(m_walks));
+        CTEnum<const char*>*& walk = m_walks[at];
+        if (random.Below(6) == 0) {
+            walk->Release();
+            walk = Start(at);
+        } else if (random.Below(6) == 0) {
+            walk->Reset();
+        }
+        const char* name;
+        if (!walk->Next(1, &name, nullptr)) return true;
+        if (IsOfValues(at)) return Model::Find(model.values, name) != model.values.end();
+        return Model::Find(model.children, name) != model.children.end();
+    }
+
+private:
+    IParam* m_root;
+    CTEnum<const char*>* m_walks[4] = {Start(0), Start(1), Start(2), Start(3)};
+
+    static bool IsOfValues(size_t at) { return at % 2 == 0; }
+    CTEnum<const char*>* Start(size_t at) { return IsOfValues(at) ? m_root->EnumValues() : m_root->EnumSubParams(); }
+};
+
 bool Round(Random& random) {
     IParam* root = new_MemParam();
     Model model;
     bool same = true;
-    for (int i = 0; same && i < 40; ++i) {
-        Step(root, model, random);
-        same = Text(root) == model.Text();
+    {
+        Walks walks(root);
+        for (int i = 0; same && i < 40; ++i) {
+            Step(root, model, random);
+            same = Text(root) == model.Text() && walks.Step(model, random);
+        }
     }
     if (!same) fprintf(stderr, "tree:  %s\nmodel: %s\n", Text(root).c_str(), model.Text().c_str());
     root->Release();
