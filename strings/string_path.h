@@ -2,6 +2,7 @@
 #ifndef QXCORE_STRINGS_STRING_PATH_H
 #define QXCORE_STRINGS_STRING_PATH_H
 
+#include "strings/string_buffer.h"
 #include "strings/text_of.h"
 
 #include <qxcore/string.h>
@@ -93,7 +94,10 @@ void CTString<S, Ch>::ChangeFileExt(const Ch* ext) {
     size_t n = TextOf<Ch>::Length(ext);
     S store;
     ext = Aside(ext, n, store);
-    if (!GetFileExt()) AddFileExtDelim();
+    if (!GetFileExt()) {
+        ReallocBuffer(RoomFor(GetSize() + 1, n));  // for both, so that the dot does not come alone
+        AddFileExtDelim();
+    }
     const Ch* old = GetFileExt();
     ConcatCopyTo(old ? old - data : GetSize(), ext, n);
 }
