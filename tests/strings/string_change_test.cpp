@@ -2,7 +2,6 @@
 #include "strings/string_probe.h"
 
 #include <climits>
-#include <clocale>
 
 template <class S>
 struct StringChangeTest : BothStrings<S> {};
@@ -262,15 +261,6 @@ TYPED_TEST(StringChangeTest, UpperAndLowerWorkInADoubledBuffer) {
     s.Lower();
     EXPECT_EQ(Ascii(s), "abc1");
     EXPECT_EQ(Ascii(copy), "aBc1");
-}
-
-TYPED_TEST(StringChangeTest, AChangeThatFitsLeavesALockedStringLocked) {
-    TypeParam s(this->T("abc"));
-    s.GetBuffer(10);
-    s.Insert(0, L'x');
-    EXPECT_EQ(RefsOf(s), -1);
-    s.ReleaseBuffer();
-    EXPECT_EQ(Ascii(s), "xabc");
 }
 
 TEST(StringChangeNarrowTest, InsertTakesTheLowByteOfACharacterWhoseHighByteIsNoLeadByte) {

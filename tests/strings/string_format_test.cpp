@@ -1,7 +1,7 @@
 // Format and the sizes it sets aside.
 #include "strings/string_probe.h"
 
-#include <cfloat>
+#include <clocale>
 #include <cstdio>
 
 namespace {
@@ -277,6 +277,33 @@ TEST(StringFormatNarrowTest, SmallSIsNarrowAndLargeSIsWide) {
     EXPECT_STREQ(s, "narrow-wide");
     s.Format("%s: %d items, %.3f", "abc", 5, 1.5);
     EXPECT_STREQ(s, "abc: 5 items, 1.500");
+}
+
+TEST(StringFormatNarrowTest, BytesAboveAsciiPassInEachCodePage) {
+    for (int number : {1252, 932}) {
+        CodePage page(number);
+        std::string text = std::string("\xE4") + kSo + kA;
+        CXString s;
+        s.Format((text + "|%s|%7s|%.3s|%c").c_str(), text.c_str(), kSo, text.c_str(), 0xB1);
+        EXPECT_EQ(std::string(s), text + "|" + text + "|     " + kSo + "|" + text.substr(0, 3) + "|\xB1");
+        EXPECT_EQ(Probe().Sized("%s", text.c_str()), 5);
+    }
+}
+
+// A wide text counts its units, of which each may become two bytes.
+TEST(StringFormatNarrowTest, AWideTextThatTakesMoreBytesThanUnitsIsWhole) {
+    std::string old = setlocale(LC_CTYPE, nullptr);
+    ASSERT_TRUE(setlocale(LC_CTYPE, "Japanese_Japan.932"));
+    for (size_t n : {5u, 300u, 1000u}) {
+        std::wstring wide(n, L'\u3042');
+        std::string expected;
+        for (size_t i = 0; i < n; ++i) expected += kA;
+        EXPECT_EQ(Probe().Sized("%S", wide.c_str()), static_cast<int>(n));
+        CXString s;
+        s.Format("%S|%d", wide.c_str(), 7);
+        EXPECT_EQ(std::string(s), expected + "|7");
+    }
+    setlocale(LC_CTYPE, old.c_str());
 }
 
 TEST(StringFormatWideTest, SmallSIsWideAndLargeSIsNarrow) {
