@@ -1,5 +1,5 @@
 // The text as a file name.
-#include "strings/string_probe.h"
+#include "strings/string_model.h"
 
 template <class S>
 struct StringPathTest : BothStrings<S> {
@@ -144,6 +144,103 @@ TYPED_TEST(StringPathTest, ChangeFileExtTakesItsOwnTextAndNullSafely) {
     EXPECT_EQ(Ascii(s), "name.ame.e");
     s.ChangeFileExt(nullptr);
     EXPECT_EQ(Ascii(s), "name.ame.");
+}
+
+// Paths put together from parts, so that what each member has to give is known.
+template <class Kind>
+struct StringPathPartsTest : testing::Test {
+    using S = Kind::String;
+    using Text = std::basic_string<UnitOf<S>>;
+
+    struct Parts {
+        Text directory, delim;  // the delimiter goes, unless it is the directory's own ':'
+        Text name;
+        bool hasExt;
+        Text ext;
+        Text NameWithExt() const { return hasExt ? name + Units<S>(".") + ext : name; }
+        Text Whole() const { return directory + delim + NameWithExt(); }
+    };
+
+    template <class Check>
+    void ForPaths(Check check) {
+        CodePage page(Kind::kCodePage);
+        Text special;
+        for (auto& character : Kind::Special()) special += character;
+        auto slash = Units<S>("/"), backslash = Units<S>("\\"), none = Text();
+        std::pair<Text, Text> directories[] = {
+            {none, none},
+            {none, slash},
+            {none, backslash},
+            {Units<S>("c:"), none},
+            {Units<S>("c:"), backslash},
+            {Units<S>("c:\\dir.d"), backslash},
+            {Units<S>("c:") + special, slash},
+            {Units<S>("\\\\server\\share"), backslash},
+            {Units<S>("\\\\") + special, backslash},
+            {Units<S>("relative"), backslash},
+            {Units<S>("."), backslash},
+            {Units<S>(".."), slash},
+            {special + Units<S>("."), backslash},
+        };
+        for (auto& [directory, delim] : directories) {
+            for (auto& name : {none, Units<S>("name"), special, Units<S>("n") + special}) {
+                check(Parts{directory, delim, name, false, none});
+                for (auto& ext : {none, Units<S>("txt"), special}) {
+                    check(Parts{directory, delim, name, true, ext});
+                    check(Parts{directory, delim, name + Units<S>(".x"), true, ext});
+                }
+            }
+        }
+    }
+
+    // What a buffer form gives; empty where it leaves the buffer alone.
+    static Text Given(const S& path, int (S::*get)(UnitOf<S>*) const) {
+        UnitOf<S> buf[64] = {};
+        int size = (path.*get)(nullptr);
+        EXPECT_EQ((path.*get)(buf), size);
+        EXPECT_EQ(Text(buf).size(), static_cast<size_t>(size));
+        return buf;
+    }
+};
+TYPED_TEST_SUITE(StringPathPartsTest, TextKinds);
+
+TYPED_TEST(StringPathPartsTest, EachPartIsTakenFromEachKindOfPath) {
+    using S = TestFixture::S;
+    using Text = TestFixture::Text;
+    this->ForPaths([this](const auto& parts) {
+        S path(parts.Whole().c_str());
+        SCOPED_TRACE(testing::PrintToString(parts.Whole()));
+        EXPECT_EQ(this->Given(path, &S::GetFilePath), parts.directory);
+        EXPECT_EQ(Text(path.FilePath()), parts.directory);
+        EXPECT_EQ(this->Given(path, &S::GetFileName), parts.name);
+        EXPECT_EQ(Text(path.GetFileName()), parts.NameWithExt());
+        EXPECT_EQ(Text(path.FileName()), parts.NameWithExt());
+        auto ext = path.GetFileExt();
+        EXPECT_EQ(ext != nullptr, parts.hasExt);
+        EXPECT_EQ(ext ? Text(ext) : Text(), parts.ext);
+        EXPECT_EQ(this->Given(path, &S::GetFileExt), parts.ext);
+        EXPECT_EQ(Text(path.FileExt()), parts.ext);
+    });
+}
+
+TYPED_TEST(StringPathPartsTest, DelimitersAndExtensionsArePutBehindEachKindOfPath) {
+    using S = TestFixture::S;
+    using Text = TestFixture::Text;
+    this->ForPaths([](const auto& parts) {
+        SCOPED_TRACE(testing::PrintToString(parts.Whole()));
+        auto dot = Units<S>("."), backslash = Units<S>("\\"), ext = Units<S>("e");
+        bool endsInDelim = parts.NameWithExt().empty() && !parts.delim.empty();
+        bool endsInDot = parts.hasExt && parts.ext.empty();
+        S path(parts.Whole().c_str()), copy(path);
+        EXPECT_EQ(Text(S(path).AddDirDelim()), parts.Whole() + (endsInDelim ? Text() : backslash));
+        EXPECT_EQ(Text(S(path).AddFileExtDelim()), parts.Whole() + (endsInDot ? Text() : dot));
+        for (auto& given : {ext, dot + ext}) {
+            S changed(path);
+            changed.ChangeFileExt(given.c_str());
+            EXPECT_EQ(Text(changed), parts.directory + parts.delim + parts.name + dot + ext);
+        }
+        EXPECT_EQ(Text(copy), parts.Whole());
+    });
 }
 
 struct StringPathJapaneseTest : JapaneseTest {};
