@@ -232,6 +232,11 @@ int NarrowText::Load(HINSTANCE module, unsigned id, char* buf, int size) {
     return LoadStringA(module, id, buf, size);
 }
 
+int NarrowText::LargestLoaded() {
+    CPINFO ansi;
+    return GetCPInfo(CP_ACP, &ansi) ? static_cast<int>(ansi.MaxCharSize) : kCharUnits;
+}
+
 int NarrowText::Print(char* buf, size_t size, const char* format, char* args) {
     return _vsnprintf(buf, size, format, args);
 }

@@ -51,6 +51,8 @@ struct NarrowText {
     static void Upper(char* s);
     static void Lower(char* s);
     static int Load(HINSTANCE module, unsigned id, char* buf, int size);
+    // The most units that a character of a string resource may become.
+    static int LargestLoaded();
 
     static int Print(char* buf, size_t size, const char* format, char* args);
     static int PrintedSize(const char* format, char* args);

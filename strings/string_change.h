@@ -162,7 +162,7 @@ void CTString<S, Ch>::Lower() {
     TextOf<Ch>::Lower(__CXBuff<S, Ch*>(Self(), Doubled(GetSize())).buffer);
 }
 
-// A text that fills the buffer, but for a unit that a double-byte character would need, may have been cut.
+// A text that fills the buffer, but for less than the largest character may need, may have been cut.
 template <class S, class Ch>
 int CTString<S, Ch>::Load(HINSTANCE module, unsigned id) {
     constexpr int kStep = 256;
@@ -170,7 +170,7 @@ int CTString<S, Ch>::Load(HINSTANCE module, unsigned id) {
         S text;
         int loaded = TextOf<Ch>::Load(module, id, __CXBuff<S, Ch*>(text, size).buffer, size);
         if (loaded <= 0) return 0;
-        if (loaded < size - TextOf<Ch>::kCharUnits) {
+        if (loaded < size - TextOf<Ch>::LargestLoaded()) {
             *this = text;
             return 1;
         }

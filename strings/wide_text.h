@@ -48,6 +48,7 @@ struct WideText {
     static int Load(HINSTANCE module, unsigned id, wchar_t* buf, int size) {
         return LoadStringW(module, id, buf, size);
     }
+    static int LargestLoaded() { return 1; }
 
     static int Print(wchar_t* buf, size_t size, const wchar_t* format, char* args) {
         return _vsnwprintf(buf, size, format, args);
