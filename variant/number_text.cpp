@@ -43,23 +43,28 @@ bool ScanByRuntime(const char* text, const char* format, T& number) {
     return true;
 }
 
-// The digits of a number, built from the end of a buffer.
-class DigitBuffer {
-public:
-    explicit DigitBuffer(unsigned number) {
-        do {
-            *--start = static_cast<char>('0' + number % 10);
-            number /= 10;
-        } while (number);
+int CountDigits(unsigned number) {
+    constexpr unsigned kPowersOfTen[] = {10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+    int digits = 1;
+    for (unsigned power : kPowersOfTen) {
+        if (number < power) break;
+        ++digits;
     }
-    void Put(char c) { *--start = c; }
-    char* NewText() const { return static_cast<char*>(CopyBytes(start, static_cast<size_t>(end - start) + 1)); }
+    return digits;
+}
 
-private:
-    char buffer[12] = {};
-    char* const end = buffer + sizeof buffer - 1;
-    char* start = end;
-};
+char* NewDigits(unsigned magnitude, bool negative) {
+    int length = CountDigits(magnitude) + negative;
+    auto text = static_cast<char*>(AllocValue(static_cast<size_t>(length) + 1));
+    char* at = text + length;
+    *at = 0;
+    do {
+        *--at = static_cast<char>('0' + magnitude % 10);
+        magnitude /= 10;
+    } while (magnitude);
+    if (negative) *--at = '-';
+    return text;
+}
 
 char* NewFormatted(const char* format, double number) {
     CXString text;
@@ -93,14 +98,12 @@ bool ScanNumber(const char* text, float& number) {
 }
 
 char* NewNumberText(int number) {
-    if (number >= 0) return NewNumberText(static_cast<unsigned>(number));
-    DigitBuffer digits(0u - static_cast<unsigned>(number));
-    digits.Put('-');
-    return digits.NewText();
+    bool negative = number < 0;
+    return NewDigits(negative ? 0u - static_cast<unsigned>(number) : static_cast<unsigned>(number), negative);
 }
 
 char* NewNumberText(unsigned number) {
-    return DigitBuffer(number).NewText();
+    return NewDigits(number, false);
 }
 
 char* NewNumberText(double number) {
