@@ -132,7 +132,7 @@ int CIQXSummaryInfo::Write(const char* name, const CQXVariant& value) {
     PROPVARIANT written = {};
     written.vt = VT_LPSTR;
     written.pszVal = text;
-    HRESULT status = set->WriteMultiple(1, &spec, &written, number);
+    HRESULT status = set->WriteMultiple(1, &spec, &written, spec.propid);
     set->Commit(STGC_DEFAULT);
     return SUCCEEDED(status);
 }
