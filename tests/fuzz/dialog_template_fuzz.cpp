@@ -19,10 +19,10 @@ void Prepare() {
     for (auto [source, target] : {std::pair("Open", "Auf"), {"Name:", "Ein viel l\xE4ngerer Name:"}, {"x", ""}}) {
         g_Wld.m_Contexts.SetAt(source, new CContext(source, target));
     }
-    g_Wld.SetDialogFont(0, 9, nullptr);
+    g_Wld.SetDialogFont(RUSSIAN_CHARSET, 9, "No Such Font");
     auto geometry = new QXDlgPos;
     geometry->m_Size = {3, -4};
-    geometry->m_Rects.SetAt(1, CIRect{1, 2, 3, 4});
+    geometry->m_Rects.SetAt(1, CIRect{1, 2, -30, 40});
     g_Wld.m_DlgPos.SetAt(kHash, geometry);
 }
 
@@ -55,12 +55,29 @@ DialogModel Expected(DialogModel d) {
         if (text == L"Name:") text = L"Ein viel l\u00E4ngerer Name:";
     };
     if (d.font) d.style |= 0x40;
+    if (d.font && g_Wld.m_bDialogFont) {
+        d.font = FontModel{9, 0, 0, L"No Such Font"};
+        if (d.extended) d.font->weight = 9, d.font->italicAndCharset = RUSSIAN_CHARSET << 8;
+    }
     d.count = static_cast<uint16_t>(d.controls.size());
     translate(d.caption);
     for (ControlModel& c : d.controls) {
         auto& atom = c.windowClass.number;
         if (atom && (*atom == 0x80 || *atom == 0x82) && !c.title.number) translate(c.title.text);
     }
+    return d;
+}
+
+// The dialog 3 wider and 4 lower; in control 1 the left edge 1, the top 2, the right -30 and the bottom 40 further.
+DialogModel Moved(DialogModel d) {
+    d.cx = static_cast<int16_t>(d.cx + 3);
+    d.cy = static_cast<int16_t>(d.cy - 4);
+    if (d.controls.size() < 2) return d;
+    ControlModel& c = d.controls[1];
+    c.x = static_cast<int16_t>(c.x + 1);
+    c.y = static_cast<int16_t>(c.y + 2);
+    c.cx = static_cast<int16_t>(c.cx - 31);
+    c.cy = static_cast<int16_t>(c.cy + 38);
     return d;
 }
 
@@ -93,16 +110,19 @@ bool Round(Random& random) {
     DialogModel dialog = AnyDialog(random);
     auto written = WriteTemplate(dialog);
     std::string bytes(written.begin(), written.end());
-    std::optional<DialogModel> expected;
+    g_Wld.m_bDialogFont = random.Below(2);
+    std::optional<DialogModel> expected, moved;
     if (random.Below(4) == 0) {
         bytes.resize((bytes.size() + 3) / 4 * 4);
         expected = Expected(dialog);
+        moved = Moved(*expected);
     } else {
         Mutate(bytes, random);
     }
     if (bytes.size() > kLongest) return true;
     return Try(bytes, expected, [](auto b, int* size) { return TranslateTemplate(g_Wld, b, size, "a#1#2\xFD\xFD"); }) &&
-           Try(bytes, {}, [](auto b, int* size) { return TranslateTemplatePosition(g_Wld, b, kHash, size, nullptr); });
+           Try(bytes, moved,
+               [](auto b, int* size) { return TranslateTemplatePosition(g_Wld, b, kHash, size, nullptr); });
 }
 
 }  // namespace
