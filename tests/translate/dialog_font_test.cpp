@@ -150,6 +150,22 @@ TEST(DialogFontTest, AnInstalledFamilyIsRefinedToTheFaceThatHasTheScript) {
     EXPECT_EQ(FontOf(dictionary).lfCharSet, installed.script);
 }
 
+TEST(DialogFontTest, AFullNameIsRefinedToItsFaceWhenThatHasTheScript) {
+    // Wine brings this family along, and finds a font by its full name too.
+    const char* fullName = "Tahoma Bold";
+    CWld dictionary;
+    dictionary.SetDialogFont(kRussian, 10, fullName);
+    EXPECT_STREQ(dictionary.m_szFontName, "Tahoma");
+    EXPECT_STREQ(FontOf(dictionary).lfFaceName, "Tahoma");
+    EXPECT_EQ(dictionary.m_nFontScript, kRussian);
+    // The script 0 is not looked for, and of another one nothing is found.
+    for (int script : {0, 123}) {
+        dictionary.SetDialogFont(script, 10, fullName);
+        EXPECT_STREQ(dictionary.m_szFontName, fullName) << script;
+        EXPECT_EQ(dictionary.m_nFontScript, script);
+    }
+}
+
 TEST(DialogFontTest, TheFaceFoundOverwritesAFamilyNameInAnotherSpelling) {
     // Families are found without regard to case, but the full name must hold the wanted name as it is spelled.
     Installed installed = SomeFontWithAScript();
