@@ -35,15 +35,16 @@ HANDLE OpenPlain(char** arguments) {
 int g_step;
 int g_deadlyStep;
 
-// One replacement for each function: it dies when its turn has come, and otherwise calls the real one.
+// One replacement for each function: it calls the real one, and dies when its turn has come.
 template <int N>
 struct DeadlyCall {
     static inline void* real;
 
     static void* Call(void* a, void* b, void* c, void* d, void* e, void* f, void* g) {
-        if (++g_step == g_deadlyStep) TerminateProcess(GetCurrentProcess(), kDied);
         auto call = reinterpret_cast<void* (*)(void*, void*, void*, void*, void*, void*, void*)>(real);
-        return call(a, b, c, d, e, f, g);
+        void* result = call(a, b, c, d, e, f, g);
+        if (++g_step == g_deadlyStep) TerminateProcess(GetCurrentProcess(), kDied);
+        return result;
     }
 };
 
@@ -61,6 +62,7 @@ void PatchAll(std::unique_ptr<ReplacedImport> (&patches)[kCallCount], std::integ
 }
 
 int Save(const char* path, unsigned size, int step) {
+    Fio_LockFile(path);  // as a program does with the document that it shows
     static std::unique_ptr<ReplacedImport> patches[kCallCount];
     PatchAll(patches, std::make_integer_sequence<int, kCallCount>());
     g_deadlyStep = step;

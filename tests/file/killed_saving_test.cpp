@@ -51,6 +51,7 @@ TEST_F(KilledSavingTest, AtEveryStepTheOldOrTheNewContentIsThereWhole) {
     EXPECT_EQ(counts[kLost], 0);
     EXPECT_GT(counts[kOldInPlace], 10);
     EXPECT_EQ(counts[kNewInTheTemporary], 1);  // between the delete and the rename
+    EXPECT_GT(counts[kNewInPlace], 1);         // while the lock is taken again
     EXPECT_EQ(order.back(), kNewInPlace);
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end(), [](Outcome a, Outcome b) {
         auto rank = [](Outcome o) { return o == kOldInPlace ? 0 : o == kNewInTheTemporary ? 1 : 2; };
