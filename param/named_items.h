@@ -16,10 +16,10 @@ class NamedItems {
 public:
     using Argument = typename QXValueRule<Item>::Argument;
 
-    NamedItems() : m_names(new NameList) {}
+    NamedItems() = default;
     NamedItems(const NamedItems&) = delete;
     NamedItems& operator=(const NamedItems&) = delete;
-    ~NamedItems() { m_names->Clear(); }
+    ~NamedItems() { ClearNames(); }
 
     Item* Find(const char* name) { return m_items.Find(Key(name)); }
 
@@ -28,7 +28,7 @@ public:
         if (m_items.destroyed) return false;
         unsigned key = Key(name);
         if (m_items.Find(key)) return m_items.SetAt(key, item) != 0;
-        NameList::Name* added = m_names->Add(name);
+        NameList::Name* added = Names().Add(name);
         try {
             return m_items.SetAt(key, item) != 0;
         } catch (...) {
@@ -40,23 +40,32 @@ public:
     // The name may be one that an enumerator delivered.
     void Remove(const char* name) {
         unsigned key = Key(name);
-        m_names->Remove(name);
+        if (m_names) m_names->Remove(name);
         m_items.RemoveKey(key);
     }
 
     // The items go, and the name space is as new.
     void Clear() {
-        m_names->Clear();
+        ClearNames();
         m_items.RemoveAll();
         m_items.destroyed = 0;
     }
 
     // Walks the live list. Null while the items are being cleared.
-    CTEnum<const char*>* Enumerate() { return m_items.destroyed ? nullptr : m_names->Enumerate(); }
+    CTEnum<const char*>* Enumerate() { return m_items.destroyed ? nullptr : Names().Enumerate(); }
 
 private:
     CTMap<unsigned, Item> m_items;
-    Reference<NameList> m_names;
+    Reference<NameList> m_names;  // made by the first name or walk: an empty node costs its fields alone
+
+    NameList& Names() {
+        if (!m_names) m_names = Reference<NameList>(new NameList);
+        return *m_names.Get();
+    }
+    // Walks that someone still holds keep the list.
+    void ClearNames() {
+        if (m_names) m_names->Clear();
+    }
 
     static unsigned Key(const char* name) { return QXHashFolded(name).hash; }
 };

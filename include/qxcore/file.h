@@ -71,6 +71,8 @@ QX_DECLARE_TYPEID(IXOutFile, ".?AVIXOutFile@@");
 QXCORE_API IXFile* Fio_Open(const char* path, int flags);
 // Opens a file that replaces the target on Commit, through a temporary file in the target's directory. QXFIO_KEEP
 // starts with the old content, at its end. QXFIO_TEMPORARY loses the target: Commit finds nothing to rename.
+// A target that exists is locked (Fio_LockFile); Commit, or the last Release without it, unlocks a target that exists
+// then, so one that vanished meanwhile stays locked.
 // Null only when the heap gives no memory. A target that may not be written is CXException code 9; a directory in
 // which no temporary file can be made is CXException 9, 13, 7 or 2.
 QXCORE_API IXOutFile* Fio_OpenOut(const char* path, int flags);
