@@ -197,9 +197,7 @@ TEST_F(StorageTest, ANewFileIsFreeAgainAfterAFailedCreation) {
 }
 
 TEST_F(StorageTest, ATemporaryStorageWithoutMemoryLeavesNoFile) {
-    char usual[MAX_PATH] = {};
-    GetEnvironmentVariableA("TMP", usual, MAX_PATH);
-    SetEnvironmentVariableA("TMP", Directory().c_str());
+    TemporaryFilesIn here(Directory());
     auto create = [](int) {
         Owned<IXStorage> storage(new_Storage(nullptr, QXSTG_TEMPORARY));
         if (!storage) return;
@@ -210,7 +208,6 @@ TEST_F(StorageTest, ATemporaryStorageWithoutMemoryLeavesNoFile) {
     };
     EXPECT_GE(FailEachAllocation([] { return 0; }, create, create, true), 1u);
     EXPECT_TRUE(RemoveDirectoryA(Directory().c_str())) << "something is left";
-    SetEnvironmentVariableA("TMP", usual);
 }
 
 TEST(StorageMemoryTest, AForeignStorageIsNotReferencedWhenMemoryIsShort) {

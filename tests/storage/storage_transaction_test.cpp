@@ -237,40 +237,6 @@ TEST(StorageLifeTest, AChildClosesBeforeItsParent) {
     EXPECT_EQ(log, "Commit(child) Release(child) Commit(root) Release(root) ");
 }
 
-TEST(StorageFailureTest, EveryStatusIsMapped) {
-    FakeStorage ole;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-    for (const StatusRow& row : FailingStatusRows()) {
-        SCOPED_TRACE(row.status);
-        ole.status = static_cast<HRESULT>(row.status);
-        std::string code = std::to_string(row.code);
-        EXPECT_EQ(Thrown([&] { storage->CreateStorage("part", 0); }), code + " 0 part");
-        EXPECT_EQ(Thrown([&] { storage->OpenStorage("part"); }), code + " 0 part");
-        EXPECT_EQ(Thrown([&] { storage->DeleteStorage("part"); }), code + " 4 ");
-        EXPECT_EQ(Thrown([&] { storage->DeleteStream("part"); }), code + " 4 ");
-        EXPECT_EQ(Thrown([&] { storage->EnumStorages(); }), code);
-        EXPECT_EQ(Thrown([&] { storage->EnumStreams(); }), code);
-        EXPECT_EQ(storage->CreateStream("part"), nullptr);
-        EXPECT_EQ(storage->OpenStream("part"), nullptr);
-    }
-}
-
-TEST(StorageFailureTest, AForeignStorageThatTellsNothingIsRefusedWithoutAName) {
-    FakeStorage ole;
-    for (const StatusRow& row : FailingStatusRows()) {
-        ole.statStatus = static_cast<HRESULT>(row.status);
-        EXPECT_EQ(Thrown([&] { new_StorageByOleStorage(&ole); }), std::to_string(row.code) + " 0 ");
-        EXPECT_EQ(ole.references, 1u);
-    }
-}
-
-TEST(StorageFailureTest, ADeletionAnswersTheStatus) {
-    FakeStorage ole;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-    ole.status = S_FALSE;
-    EXPECT_EQ(storage->DeleteStream("part"), S_FALSE);
-}
-
 TEST_F(StorageTest, AForeignStorageIsReferencedAndHasNoPath) {
     IStorage* ole = nullptr;
     std::wstring path = Widen(Path("raw.stg"));
