@@ -1,4 +1,5 @@
 #include "containers/watched.h"
+#include "support/slot.h"
 
 #include <gtest/gtest.h>
 
@@ -153,8 +154,7 @@ TEST_F(AttachedTest, AnUncountedEntryOfItsOwnDoesNotKeepTheCarrierAlive) {
 
 TEST_F(AttachedTest, RegisterInterfaceIsTheSlotBehindTheRoots) {
     auto registrar = static_cast<IRegisterIface*>(carrier);
-    void** slots = *reinterpret_cast<void***>(registrar);
-    auto attach = reinterpret_cast<int (*)(void*, IQXUnknown*, qx_type_info const&, int)>(slots[3]);
+    auto attach = Slot<int(void*, IQXUnknown*, qx_type_info const&, int)>(registrar, 3);
     EXPECT_EQ(attach(registrar, &object, qx_typeid<IFirst>(), 1), 1);
     EXPECT_EQ(object.refs, 2u);
     EXPECT_STREQ(qx_typeid<IRegisterIface>().name, ".?AUIRegisterIface@@");

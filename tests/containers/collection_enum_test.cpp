@@ -1,5 +1,6 @@
 // The enumerators that lists and maps give out.
 #include "containers/watched.h"
+#include "support/slot.h"
 
 #include <gtest/gtest.h>
 
@@ -191,10 +192,9 @@ TYPED_TEST(CollectionEnumTest, AnEmptyCollectionDeliversNothing) {
 }
 
 TYPED_TEST(CollectionEnumTest, TheSlotsBehindTheRootsAreNextSkipReset) {
-    void** slots = *reinterpret_cast<void***>(this->names);
-    auto next = reinterpret_cast<int (*)(void*, unsigned, const char**, unsigned*)>(slots[3]);
-    auto skip = reinterpret_cast<int (*)(void*, unsigned)>(slots[4]);
-    auto reset = reinterpret_cast<void (*)(void*)>(slots[5]);
+    auto next = Slot<int(void*, unsigned, const char**, unsigned*)>(this->names, 3);
+    auto skip = Slot<int(void*, unsigned)>(this->names, 4);
+    auto reset = Slot<void(void*)>(this->names, 5);
     EXPECT_EQ(skip(this->names, 1), 1);
     EXPECT_EQ(next(this->names, 1, this->out, &this->fetched), 1);
     EXPECT_STREQ(this->out[0], "b");

@@ -1,4 +1,5 @@
 #include "core/block_tag.h"
+#include "support/slot.h"
 
 #include <gtest/gtest.h>
 #include <qxcore.h>
@@ -307,17 +308,13 @@ TEST_F(HeapTest, TheHostsActivityVariableIsLeftAlone) {
 }
 
 TEST_F(HeapTest, TheSlotsStandInTheirOrder) {
-    // AddRef, Release, QueryInterface, then the heap's own five: called here through the bare table.
-    auto slots = *reinterpret_cast<void***>(heap);
-    using Alloc = void* (*)(IHeap*, size_t);
-    using Free = int (*)(IHeap*, void*);
-    using GetSize = size_t (*)(IHeap*, void*);
-    using GetHeaderSize = size_t (*)(IHeap*);
-    using Count = unsigned (*)(IHeap*);
-    EXPECT_EQ(reinterpret_cast<Count>(slots[0])(heap), 2u);
-    EXPECT_EQ(reinterpret_cast<Count>(slots[1])(heap), 1u);
-    void* block = reinterpret_cast<Alloc>(slots[3])(heap, 50);
-    EXPECT_GE(reinterpret_cast<GetSize>(slots[6])(heap, block), 50u);
-    EXPECT_EQ(reinterpret_cast<GetHeaderSize>(slots[7])(heap), 8u);
-    EXPECT_EQ(reinterpret_cast<Free>(slots[4])(heap, block), 1);
+    using Count = unsigned(void*);
+    EXPECT_EQ(Slot<Count>(heap, 0)(heap), 2u);
+    EXPECT_EQ(Slot<Count>(heap, 1)(heap), 1u);
+    EXPECT_EQ(Slot<int(void*, qx_type_info const&, IQXUnknown**)>(heap, 2)(heap, qx_typeid<IHeap>(), nullptr), 1);
+    void* block = Slot<void*(void*, size_t)>(heap, 3)(heap, 50);
+    block = Slot<void*(void*, void*, size_t)>(heap, 5)(heap, block, 60);
+    EXPECT_GE(Slot<size_t(void*, void*)>(heap, 6)(heap, block), 60u);
+    EXPECT_EQ(Slot<size_t(void*)>(heap, 7)(heap), 8u);
+    EXPECT_EQ(Slot<int(void*, void*)>(heap, 4)(heap, block), 1);
 }

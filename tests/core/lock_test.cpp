@@ -1,6 +1,7 @@
 // One mutex spans all processes that use the library, so these tests are a program of their own and run alone.
 #include "core/lock_child.h"
 #include "support/held.h"
+#include "support/slot.h"
 
 #include <gtest/gtest.h>
 #include <qxcore.h>
@@ -155,6 +156,20 @@ TEST(LockTest, WaitAllStopsEnterOnOtherThreadsUntilWaitRelease) {
     other.join();
 }
 
+TEST(LockTest, TheSlotsAreEnterLeaveBehindTheRoots) {
+    Ref<ICritSect> lock(CriticalSection_New());
+    ICritSect* table = lock.get();
+    Slot<void(void*)>(table, 3)(table);
+    EXPECT_EQ(OnAnotherThread([] { return Wait_All(0); }), 2);
+    Slot<void(void*)>(table, 4)(table);
+    EXPECT_EQ(OnAnotherThread([] {
+                  int answer = Wait_All(0);
+                  Wait_Release();
+                  return answer;
+              }),
+              1);
+}
+
 TEST(LockTest, OneLockHoldsUpEveryOtherLock) {
     Ref<ICritSect> a(CriticalSection_New()), b(CriticalSection_New());
     Ref<IEvent> entered(Event_New(0));
@@ -227,14 +242,14 @@ TEST(EventTest, AnEventAnswersNoQueryAndCounts) {
 
 TEST(EventTest, TheSlotsAreSetResetWaitBehindTheRoots) {
     Ref<IEvent> event(Event_New(0));
-    auto slots = *reinterpret_cast<void***>(event.get());
-    using Change = int (*)(IEvent*);
-    using Wait = int (*)(IEvent*, unsigned);
-    reinterpret_cast<Change>(slots[3])(event.get());
-    EXPECT_EQ(reinterpret_cast<Wait>(slots[5])(event.get(), 0), 1);
-    reinterpret_cast<Change>(slots[3])(event.get());
-    reinterpret_cast<Change>(slots[4])(event.get());
-    EXPECT_EQ(reinterpret_cast<Wait>(slots[5])(event.get(), 0), 2);
+    IEvent* table = event.get();
+    auto set = Slot<int(void*)>(table, 3), reset = Slot<int(void*)>(table, 4);
+    auto wait = Slot<int(void*, unsigned)>(table, 5);
+    set(table);
+    EXPECT_EQ(wait(table, 0), 1);
+    set(table);
+    reset(table);
+    EXPECT_EQ(wait(table, 0), 2);
 }
 
 namespace {

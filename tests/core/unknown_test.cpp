@@ -124,18 +124,6 @@ TEST_F(UnknownTest, ThePublicThreeForwardThroughTheTable) {
     EXPECT_EQ(object.internalCalls, 2);
 }
 
-TEST_F(UnknownTest, TheRootsSlotsAreAddRefReleaseQueryInterface) {
-    CTicket ticket;
-    auto slots = *reinterpret_cast<void***>(static_cast<IQXUnknown*>(&ticket));
-    using Count = unsigned (*)(IQXUnknown*);
-    using Query = int (*)(IQXUnknown*, qx_type_info const&, IQXUnknown**);
-    using Number = int (*)(IQXUnknown*);
-    EXPECT_EQ(reinterpret_cast<Count>(slots[0])(&ticket), 2u);
-    EXPECT_EQ(reinterpret_cast<Count>(slots[1])(&ticket), 1u);
-    EXPECT_EQ(reinterpret_cast<Query>(slots[2])(&ticket, qx_typeid<ITicket>(), nullptr), 1);
-    EXPECT_EQ(reinterpret_cast<Number>(slots[3])(&ticket), 42);
-}
-
 namespace {
 
 struct INode : IQXUnknown {

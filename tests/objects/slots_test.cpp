@@ -1,15 +1,11 @@
-// The slots of the interfaces, called as a compiler with the platform's own layout calls them.
+// The slots of the interfaces.
 #include "objects/services_fixture.h"
 #include "support/held.h"
+#include "support/slot.h"
 
 #include <qxcore/persist.h>
 
 namespace {
-
-template <class Function>
-Function* Slot(IQXUnknown* object, int index) {
-    return reinterpret_cast<Function*>((*reinterpret_cast<void***>(object))[index]);
-}
 
 struct CRecorder : CQXUnknownImpl<IPersistXStream> {
     const char* GetClassName() override { return "Recorder"; }
