@@ -71,12 +71,7 @@ void CQXServiceContainer::TellRemoved(IQXUnknown* object) {
 }
 
 int CLSID_OFSERVICECONTAINER(IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {
-    *out = nullptr;
-    if (outer && id != qx_typeid<IQXUnknown>()) return 0;
-    auto object = new CQXAggObject<CQXServiceContainer>(outer);
-    int known = object->QueryInterface(id, out);
-    object->Release();
-    return known;
+    return QXCreateAggregate<CQXServiceContainer>(outer, id, out);
 }
 
 void RegisterServiceContainer(HINSTANCE ownModule) {

@@ -1,4 +1,6 @@
 // Interfaces that a caller attaches to an object at run time, so that the object's QueryInterface answers them.
+//
+// Errors: CXMemException, with the table as it was. Threading: the object's.
 #ifndef QXCORE_ATTACHED_H
 #define QXCORE_ATTACHED_H
 

@@ -8,6 +8,7 @@
 #include <qxcore/unknown.h>
 
 // A recursive lock. It answers no query, not even for IQXUnknown, and leaves the out pointer alone.
+// Threading: Enter and Leave from any thread, in pairs; counting is plain, as everywhere.
 class ICritSect : public IQXUnknown {
 public:
     virtual void Enter() = 0;
@@ -25,7 +26,8 @@ enum : int {
     QXWAIT_ABANDONED = 3  // acquired from an owner that died
 };
 
-// An auto-reset event. It answers no query, like ICritSect.
+// An auto-reset event: one wait passes for each Set. It answers no query, like ICritSect.
+// Threading: Set, Reset and Wait from any thread; counting is plain, as everywhere.
 class IEvent : public IQXUnknown {
 public:
     virtual int Set() = 0;    // the system's result
@@ -38,7 +40,7 @@ protected:
 };
 QX_DECLARE_TYPEID(IEvent, ".?AVIEvent@@");
 
-// A new lock with one reference. Make and release locks on one thread at a time.
+// A new lock with one reference. Throws CXMemException. Make and release locks on one thread at a time.
 QXCORE_API ICritSect* CriticalSection_New();
 // For callers that manage the memory: with null memory the object's size goes to *size and the answer is null;
 // else the lock is built there and `size` is ignored. Its last Release frees the memory through the global delete,

@@ -20,14 +20,28 @@ using QXCreator = int (*)(IQXUnknown* outer, qx_type_info const& id, IQXUnknown*
 #define QX_CREATOR(name) \
     extern "C" __declspec(dllexport) int name(IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out)
 
-// The body of a creator whose class cannot be aggregated: a new T, asked for `id`.
+// Asks a new object for `id`; the creator's own reference goes.
+template <class T>
+int QXAnswerCreation(T* created, qx_type_info const& id, IQXUnknown** out) {
+    int known = created->QueryInterface(id, out);
+    created->Release();
+    return known;
+}
+
+// The body of a creator whose class cannot be aggregated. Throws CXMemException.
 template <class T>
 int QXCreateInstance(IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {
-    if (outer) return 0;
-    T* object = new T;
-    int known = object->QueryInterface(id, out);
-    object->Release();
-    return known;
+    *out = nullptr;
+    return outer ? 0 : QXAnswerCreation(new T, id, out);
+}
+
+// The body of a creator whose class T can be aggregated: it derives from CQXContainedObject<T>. Given an outer object
+// it answers IQXUnknown only. Throws CXMemException.
+template <class T>
+int QXCreateAggregate(IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {
+    *out = nullptr;
+    if (outer && id != qx_typeid<IQXUnknown>()) return 0;
+    return QXAnswerCreation(new CQXAggObject<T>(outer), id, out);
 }
 
 // Registers a class of a loaded module. 0 if the module does not export the name.

@@ -1,4 +1,6 @@
 // Enumerators over texts of their own: a text split at separators, a block of zero-terminated texts.
+//
+// Errors: a constructor throws CXMemException. Threading: one enumerator serves one thread at a time.
 #ifndef QXCORE_STRING_ENUM_H
 #define QXCORE_STRING_ENUM_H
 

@@ -1,4 +1,4 @@
-// Threads that start with a hand-shake.
+// Threads that start with a hand-shake. Threading: any thread.
 #ifndef QXCORE_THREAD_H
 #define QXCORE_THREAD_H
 

@@ -277,6 +277,19 @@ TEST(RegistryTest, AClassWithoutAggregationRefusesAnOuterObject) {
     EXPECT_EQ(object, nullptr);
 }
 
+TEST(RegistryTest, ARefusedCreationClearsTheOutPointer) {
+    Held<COuter> outer;
+    IQXUnknown* object = kUnset;
+    EXPECT_EQ(QXCreateInstance<COuter>(outer, qx_typeid<IQXUnknown>(), &object), 0);
+    EXPECT_EQ(object, nullptr);
+    object = kUnset;
+    EXPECT_EQ(QXCreateInstance<COuter>(nullptr, qx_typeid<ITicket>(), &object), 0);
+    EXPECT_EQ(object, nullptr);
+    object = kUnset;
+    EXPECT_EQ(CLSID_OFSERVICECONTAINER(outer, qx_typeid<IQXServiceContainer>(), &object), 0);
+    EXPECT_EQ(object, nullptr);
+}
+
 // ---- forgetting
 
 TEST(RegistryTest, AnUnknownNameCannotBeForgotten) {
