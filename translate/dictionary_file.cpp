@@ -135,11 +135,12 @@ private:
 void AddText(CWld& dictionary, FileText& source, FileText& target) {
     source.Unescape();
     target.Unescape();
-    if (dictionary.m_Contexts.Find(source.text)) return;
+    unsigned hash = QXHashText(source.text).hash;
+    if (dictionary.m_Contexts.FindHash(hash)) return;
     auto context = std::make_unique<CContext>(nullptr, nullptr);
     context->source = source.text;
     context->target = target.text;
-    if (dictionary.m_Contexts.SetAt(source.text, context.get())) context.release();
+    if (dictionary.m_Contexts.SetAtHash(hash, source.text, context.get())) context.release();
 }
 
 }  // namespace

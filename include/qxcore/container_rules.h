@@ -33,30 +33,43 @@ inline const unsigned long* QXFoldedKey(const char* text) {
     return reinterpret_cast<const unsigned long*>(text);
 }
 
+// Room tells the bytes that a copy of the key needs, and Put makes one in a place of that size. Copy makes one in a
+// block of its own, which Free releases, and which it tells from one put into `room`.
 template <class K>
 struct QXKeyRule {
     static_assert(std::is_integral_v<K> && sizeof(K) <= sizeof(unsigned), "a key is a text or a 32-bit integer");
     static unsigned Hash(K key) { return static_cast<unsigned>(key); }
     static bool Same(K, K) { return true; }  // of two keys with one hash: whether the text of one serves for both
+    static size_t Room(K) { return 0; }
+    static K Put(K key, void*) { return key; }
     static K Copy(K key) { return key; }
-    static void Free(K) {}
+    static void Free(K, const void*) {}
 };
 
 template <>
 struct QXKeyRule<const char*> {
     static unsigned Hash(const char* key) { return QXHashText(key).hash; }
     static bool Same(const char* a, const char* b) { return strcmp(a, b) == 0; }
+    static size_t Room(const char* key) { return strlen(key) + 1; }
+    static const char* Put(const char* key, void* room) { return strcpy(static_cast<char*>(room), key); }
     static const char* Copy(const char* key) { return QXCopyText(key); }
-    static void Free(const char* key) { delete[] key; }
+    static void Free(const char* key, const void* room) {
+        if (key != room) delete[] key;
+    }
 };
 
 template <>
 struct QXKeyRule<const unsigned long*> {
+    using Texts = QXKeyRule<const char*>;
     static const char* Text(const unsigned long* key) { return reinterpret_cast<const char*>(key); }
     static unsigned Hash(const unsigned long* key) { return QXHashFolded(Text(key)).hash; }
     static bool Same(const unsigned long* a, const unsigned long* b) { return strcmp(Text(a), Text(b)) == 0; }
-    static const unsigned long* Copy(const unsigned long* key) { return QXFoldedKey(QXCopyText(Text(key))); }
-    static void Free(const unsigned long* key) { delete[] Text(key); }
+    static size_t Room(const unsigned long* key) { return Texts::Room(Text(key)); }
+    static const unsigned long* Put(const unsigned long* key, void* room) {
+        return QXFoldedKey(Texts::Put(Text(key), room));
+    }
+    static const unsigned long* Copy(const unsigned long* key) { return QXFoldedKey(Texts::Copy(Text(key))); }
+    static void Free(const unsigned long* key, const void* room) { Texts::Free(Text(key), room); }
 };
 
 // Take makes the stored value from an Argument, Replace puts another in its place, Drop lets it go, and AddRef gives a
@@ -126,23 +139,7 @@ struct QXValueRule<const char*> : QXTextValue<const char*> {};
 template <>
 struct QXValueRule<char*> : QXTextValue<char*> {};
 
-// A stored key or value. It lives in a node and nowhere else.
-template <class K>
-class QXHeldKey {
-public:
-    explicit QXHeldKey(K key) : key(QXKeyRule<K>::Copy(key)) {}
-    QXHeldKey(QXHeldKey&& other) noexcept : key(other.key) { other.key = K(); }
-    QXHeldKey& operator=(QXHeldKey&& other) noexcept {
-        K old = key;
-        key = other.key;
-        other.key = old;
-        return *this;
-    }
-    ~QXHeldKey() { QXKeyRule<K>::Free(key); }
-
-    K key;
-};
-
+// A stored value. It lives in a node and nowhere else.
 template <class V>
 class QXHeldValue {
 public:

@@ -22,12 +22,30 @@ class CTMap {
     using Argument = typename Values::Argument;
 
 public:
+    // The text of the key stands behind the node, in the same block; one that replaced it has a block of its own.
     struct Node {
-        Node(QXHeldKey<K>&& key, Argument value, unsigned hash) : value(value), key(std::move(key)), hash(hash) {}
+        struct KeyRoom {
+            size_t bytes;
+        };
+        static void* operator new(size_t size, KeyRoom room) { return ::operator new(size + room.bytes); }
+        static void operator delete(void* block, KeyRoom) { ::operator delete(block); }
+        static void operator delete(void* block) { ::operator delete(block); }
+
+        // REQUIRES: made by new (KeyRoom{Room(key)}).
+        Node(K key, Argument value, unsigned hash) : value(value), key(Keys::Put(key, this + 1)), hash(hash) {}
+        Node(const Node&) = delete;
+        Node& operator=(const Node&) = delete;
+        ~Node() { Keys::Free(key, this + 1); }
+
+        void SetKey(K text) {
+            K fresh = Keys::Copy(text);
+            Keys::Free(key, this + 1);
+            key = fresh;
+        }
 
         Node* next = nullptr;
         QXHeldValue<V> value;
-        QXHeldKey<K> key;
+        K key;
         unsigned hash;
     };
 
@@ -63,7 +81,8 @@ public:
     }
 
     // Adds or replaces; a replaced entry takes the new text as its key. 0 after the final clearing.
-    int SetAt(K key, Argument value);
+    int SetAt(K key, Argument value) { return SetAtHash(Keys::Hash(key), key, value); }
+    int SetAtHash(unsigned hash, K key, Argument value);
     // 0 if absent, or after the final clearing.
     int RemoveKey(K key);
 
@@ -75,7 +94,7 @@ public:
         if (addRef) Values::AddRef(*value);
         return value;
     }
-    K* GetNextKey(position& at) { return Advance(at) ? &at.node->key.key : nullptr; }
+    K* GetNextKey(position& at) { return Advance(at) ? &at.node->key : nullptr; }
 
     // The final clearing: the map takes nothing more afterwards, until its owner sets `destroyed` back to 0. A map
     // that was never used stays as it is.
@@ -118,15 +137,14 @@ void CTMap<K, V>::MakeNewTable() {
 }
 
 template <class K, class V>
-int CTMap<K, V>::SetAt(K key, Argument value) {
+int CTMap<K, V>::SetAtHash(unsigned hash, K key, Argument value) {
     if (!MakeTable()) return 0;
-    unsigned hash = Keys::Hash(key);
     if (Node* node = NodeOf(hash)) {
-        if (!Keys::Same(node->key.key, key)) node->key = QXHeldKey<K>(key);
+        if (!Keys::Same(node->key, key)) node->SetKey(key);
         Values::Replace(node->value.value, value);
         return 1;
     }
-    auto node = new Node(QXHeldKey<K>(key), value, hash);
+    auto node = new (typename Node::KeyRoom{Keys::Room(key)}) Node(key, value, hash);
     Node*& chain = buckets[hash % bucketCount];
     node->next = chain;
     chain = node;

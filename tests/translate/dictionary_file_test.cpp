@@ -437,5 +437,5 @@ TEST(DictionaryFileTest, ReadingSurvivesEveryFailingAllocation) {
         EXPECT_STREQ("Auf", d->Translate("Open", 1));
     };
     // A geometry file that cannot be opened for want of memory counts as missing.
-    EXPECT_GT(FailEachAllocation(make, read, isUsable, true), 15u) << "five blocks a pair";
+    EXPECT_GT(FailEachAllocation(make, read, isUsable, true), 15u) << "four blocks a pair";
 }
