@@ -18,8 +18,7 @@ enum : int {
 // Origins of Seek.
 enum : int { QXSEEK_START = 0, QXSEEK_CURRENT = 1, QXSEEK_END = 2 };
 
-class IXFile : public IQXUnknown {
-public:
+struct IXFile : IQXUnknown {
     // Bytes delivered: fewer than asked for at the end of the file, 0 behind it. An unreadable buffer or page is
     // code 12.
     virtual unsigned Read(void* buffer, unsigned count) = 0;
@@ -50,12 +49,11 @@ public:
 protected:
     ~IXFile() = default;
 };
-QX_DECLARE_TYPEID(IXFile, ".?AVIXFile@@");
+QX_DECLARE_TYPEID(IXFile, ".?AUIXFile@@");
 
 // A file that appears whole or not at all. Only Commit puts what was written in the target's place; the last Release
 // without it abandons everything and leaves the target as it was.
-class IXOutFile : public IXFile {
-public:
+struct IXOutFile : IXFile {
     // Closes the file and puts it in the target's place: the target is deleted, then the new file renamed. A failure
     // between the two leaves the new content in the temporary file beside the target. A second call does nothing.
     // Data operations after it raise code 10.
@@ -64,7 +62,7 @@ public:
 protected:
     ~IXOutFile() = default;
 };
-QX_DECLARE_TYPEID(IXOutFile, ".?AVIXOutFile@@");
+QX_DECLARE_TYPEID(IXOutFile, ".?AUIXOutFile@@");
 
 // Opens a file; one reference for the caller. Null only when the heap gives no memory. A null path makes a temporary
 // file. The last Release closes; it raises code 2 when the file cannot be closed or cut to its length.

@@ -108,6 +108,6 @@ TEST_F(SlotsTest, AMemoryFileHasTheSameTable) {
 }
 
 TEST_F(SlotsTest, TheIdentitiesAreThoseOfClasses) {
-    EXPECT_STREQ(qx_typeid<IXFile>().name, ".?AVIXFile@@");
-    EXPECT_STREQ(qx_typeid<IXOutFile>().name, ".?AVIXOutFile@@");
+    EXPECT_STREQ(qx_typeid<IXFile>().name, ".?AUIXFile@@");
+    EXPECT_STREQ(qx_typeid<IXOutFile>().name, ".?AUIXOutFile@@");
 }
