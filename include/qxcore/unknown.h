@@ -8,6 +8,8 @@
 
 #include <qxcore/typeid.h>
 
+#include <type_traits>
+
 struct IQXUnknown {
     // Takes a reference. The result is the count, for diagnosis only.
     virtual unsigned AddRef() = 0;
@@ -103,7 +105,9 @@ private:
 //
 // T derives from CQXContainedObject<T> and from its interface, and has the non-virtual
 //     int ContainedQueryInterface(qx_type_info const& id, IQXUnknown** out);
-// which answers T's own interface and adds the reference itself.
+// which answers T's own interface and adds the reference itself. It may leave the root's three operations of its
+// interface open; a T that is reached through them while it is being destroyed implements them, each by that of
+// CQXContainedObject.
 template <class T>
 class CQXContainedObject {
 public:
@@ -113,6 +117,17 @@ public:
     virtual ~CQXContainedObject() = default;
 
     IQXUnknown* outer = nullptr;  // not counted; set by CQXAggObject
+};
+
+// Such a T as a whole class: the root's operations of its interface go to the controlling object too.
+template <class T>
+class CQXContainedWhole : public T {
+public:
+    unsigned AddRef() override { return this->outer->AddRef(); }
+    unsigned Release() override { return this->outer->Release(); }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+        return this->outer->QueryInterface(id, out);
+    }
 };
 
 // The controlling object around a T by value. It starts with one reference.
@@ -149,7 +164,8 @@ private:
     unsigned m_refs = 1;
 
 public:
-    T contained;
+    // A T that implements the root's operations itself is whole already.
+    std::conditional_t<std::is_abstract_v<T>, CQXContainedWhole<T>, T> contained;
 };
 
 // A handle on its owner that extends no lifetime: counting does nothing, a query reaches the owner.
