@@ -25,14 +25,8 @@ else()
     target_compile_options(qxcore PRIVATE
       -fsanitize=undefined -fno-sanitize=vptr -fsanitize-undefined-trap-on-error)
   endif()
-  # Nothing is exported but what is marked, and a module that links the library takes every global
-  # allocation function from it, also where only the runtime library asks for one.
+  # Nothing is exported but what is marked.
   target_link_options(qxcore PRIVATE -Wl,--exclude-all-symbols)
-  target_link_options(qxcore INTERFACE
-    -Wl,--undefined=_Znwy,--undefined=_Znay,--undefined=_ZdlPv,--undefined=_ZdaPv
-    -Wl,--undefined=_ZdlPvy,--undefined=_ZdaPvy
-    -Wl,--undefined=_ZnwyRKSt9nothrow_t,--undefined=_ZnayRKSt9nothrow_t
-    -Wl,--undefined=_ZdlPvRKSt9nothrow_t,--undefined=_ZdaPvRKSt9nothrow_t)
   # Debug information goes to a file of its own beside the library.
   add_custom_command(TARGET qxcore POST_BUILD
     COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:qxcore> $<TARGET_FILE:qxcore>.debug

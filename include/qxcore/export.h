@@ -14,4 +14,6 @@
 #define QXCORE_NOINLINE __attribute__((noinline))
 #endif
 
+#include <qxcore/new_delete.h>
+
 #endif
