@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <new>
 
 namespace {
@@ -28,10 +29,10 @@ void QXMapIndex::Start(unsigned nodes) noexcept {
     Allocate(bits < kMinimumBits ? kMinimumBits : bits);
 }
 
-void QXMapIndex::Put(unsigned hash, void* node) {
-    unsigned at = Home(hash);
+void QXMapIndex::Put(const Slot& slot) {
+    unsigned at = Home(slot.hash);
     while (slots[at].node) at = (at + 1) & mask;
-    slots[at] = {node, hash};
+    slots[at] = slot;
 }
 
 void QXMapIndex::Grow() noexcept {
@@ -42,16 +43,17 @@ void QXMapIndex::Grow() noexcept {
         return;
     }
     for (unsigned at = 0;; ++at) {
-        if (old[at].node) Put(old[at].hash, old[at].node);
+        if (old[at].node) Put(old[at]);
         if (at == oldMask) break;
     }
     delete[] old;
 }
 
-void QXMapIndex::Add(unsigned hash, void* node) noexcept {
+void QXMapIndex::Add(unsigned hash, void* node, const void* target) noexcept {
     if (used > mask / 2) Grow();
     if (!slots) return;
-    Put(hash, node);
+    auto distance = reinterpret_cast<intptr_t>(target) - reinterpret_cast<intptr_t>(node);
+    Put({node, hash, static_cast<int>(distance / kGrain)});
     ++used;
 }
 

@@ -206,12 +206,19 @@ bool CTMap<K, V>::Advance(position& at) {
 // The index begins when chains are longer than one on average, and is tried again from time to time without memory.
 template <class K, class V>
 void CTMap<K, V>::Index(Node* added) {
+    auto add = [this](Node* node) {
+        if constexpr (std::is_pointer_v<V>) {
+            m_index.Add(node->hash, node, node->value.value);
+        } else {
+            m_index.Add(node->hash, node, node);
+        }
+    };
     if (m_index.InUse()) {
-        m_index.Add(added->hash, added);
+        add(added);
     } else if (count % bucketCount == 0) {
         m_index.Start(count);
         position at;
-        while (m_index.InUse() && Advance(at)) m_index.Add(at.node->hash, at.node);
+        while (m_index.InUse() && Advance(at)) add(at.node);
     }
 }
 
