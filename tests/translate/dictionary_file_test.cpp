@@ -297,6 +297,12 @@ TEST(DictionaryFileTest, MissingFileGivesZeroAndChangesNothing) {
     EXPECT_EQ("Auf", d["Open"]);
 }
 
+TEST(DictionaryFileTest, UrlThatCannotBeReachedGivesZero) {
+    CWld d;
+    EXPECT_EQ(0, d.Init("ftp://127.0.0.1:1/app.wld"));
+    EXPECT_EQ(0, d.m_bInit);
+}
+
 TEST(DictionaryFileTest, EmptyFileIsAnEmptyDictionary) {
     FileDictionary d;
     EXPECT_EQ(1, d.Init(""));
