@@ -11,6 +11,12 @@ TEST(UnloadTest, UnloadingForgetsAllClassesAndLoadingStartsAfresh) {
     EXPECT_EQ(run.output.find("still live"), std::string::npos) << run.output;
 }
 
+TEST(UnloadTest, TheEntryHookIsCalledFirstAndTheRegistryOutlivesCom) {
+    DebuggedRun run = RunDebugged("test_unload_child.exe order");
+    ASSERT_TRUE(run.started);
+    EXPECT_EQ(run.exitCode, 0u);
+}
+
 TEST(UnloadTest, CallsAfterTheEndOfTheLibraryFailWithoutHarm) {
     DebuggedRun run = RunDebugged("test_unload_child.exe late");
     ASSERT_TRUE(run.started);
