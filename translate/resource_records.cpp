@@ -10,6 +10,7 @@
 #include <algorithm>
 
 constinit RecordBounds g_recordBounds;
+constinit QX_RESITEM* g_latestRecord = nullptr;
 
 namespace {
 
@@ -18,8 +19,6 @@ constexpr size_t kKeyOffset = sizeof(QX_RESITEM) - sizeof(QX_RESITEM::key);
 static_assert(sizeof(QX_RESITEM) == 200);
 
 constinit COList g_resItems;
-// The one found last: hosts find, measure and load one resource after the other.
-constinit QX_RESITEM* g_latestRecord = nullptr;
 
 // The record that `matches`; null without one. No two records match.
 template <class Matches>
@@ -100,7 +99,7 @@ HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* t
     return record ? reinterpret_cast<HRSRC>(record) : handle;
 }
 
-QX_RESITEM* RecordOf(const void* handle) {
+QX_RESITEM* SearchRecord(const void* handle) {
     if (!MayBeRecord(handle)) return nullptr;
     return FindRecord([&](QX_RESITEM* r) { return r == handle; });
 }

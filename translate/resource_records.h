@@ -26,8 +26,14 @@ struct QX_RESITEM : QX_LISTITEM {
 // type, comes back as it is. A wide name is taken as the bytes it consists of.
 HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* type);
 
+// The one found last: hosts find, measure and load one resource after the other.
+extern QX_RESITEM* g_latestRecord;
+QX_RESITEM* SearchRecord(const void* handle);
+
 // The record behind a handle, or null for any other handle.
-QX_RESITEM* RecordOf(const void* handle);
+inline QX_RESITEM* RecordOf(const void* handle) {
+    return handle == g_latestRecord ? g_latestRecord : SearchRecord(handle);
+}
 
 // Bounds of the records' addresses, so that nearly all handles of others are told by two comparisons.
 struct RecordBounds {
