@@ -10,33 +10,33 @@ namespace {
 // All modules and all processes share this mutex; the name is fixed.
 constexpr char kAllLocksName[] = "QX_Fix_Fucking_NT_Bugs_Mutex";
 
-constinit int g_critSectCount = 0;
-constinit HANDLE g_allLocksMutex = nullptr;  // null while no lock lives, or when the system refused it
+constinit int critSectCount = 0;
+constinit HANDLE allLocksMutex = nullptr;  // null while no lock lives, or when the system refused it
 
 class CCritSect : public CUnqueried<ICritSect> {
 public:
     CCritSect() {
         InitializeCriticalSection(&section);
         ready = 1;
-        if (g_critSectCount == 0) g_allLocksMutex = CreateMutexA(nullptr, FALSE, kAllLocksName);
-        ++g_critSectCount;
+        if (critSectCount == 0) allLocksMutex = CreateMutexA(nullptr, FALSE, kAllLocksName);
+        ++critSectCount;
     }
     ~CCritSect() override {
         DeleteCriticalSection(&section);
-        if (--g_critSectCount == 0 && g_allLocksMutex) {
-            CloseHandle(g_allLocksMutex);
-            g_allLocksMutex = nullptr;
+        if (--critSectCount == 0 && allLocksMutex) {
+            CloseHandle(allLocksMutex);
+            allLocksMutex = nullptr;
         }
     }
 
     // The mutex is taken first and released last, so its owner stops every lock there is.
     void Enter() override {
-        if (g_allLocksMutex) WaitForSingleObject(g_allLocksMutex, INFINITE);
+        if (allLocksMutex) WaitForSingleObject(allLocksMutex, INFINITE);
         EnterCriticalSection(&section);
     }
     void Leave() override {
         LeaveCriticalSection(&section);
-        if (g_allLocksMutex) ReleaseMutex(g_allLocksMutex);
+        if (allLocksMutex) ReleaseMutex(allLocksMutex);
     }
 
 private:
@@ -57,10 +57,10 @@ ICritSect* _CriticalSection_New_For_Core(void* memory, int* size) {
 }
 
 int Wait_All(int timeout) {
-    if (!g_allLocksMutex) return QXWAIT_ACQUIRED;
-    return WaitResult(WaitForSingleObject(g_allLocksMutex, static_cast<DWORD>(timeout)));
+    if (!allLocksMutex) return QXWAIT_ACQUIRED;
+    return WaitResult(WaitForSingleObject(allLocksMutex, static_cast<DWORD>(timeout)));
 }
 
 void Wait_Release() {
-    if (g_allLocksMutex) ReleaseMutex(g_allLocksMutex);
+    if (allLocksMutex) ReleaseMutex(allLocksMutex);
 }

@@ -11,9 +11,9 @@ constexpr const char* kDefaultDictionary = "app.wld";
 
 int Supp_Init(const char* name) {
     if (!g_Wld.Init(name ? name : kDefaultDictionary)) return 0;
-    for (const char* library : kPatchModules) _InitResTranslation(GetModuleHandleA(library));
-    for (ListedModule& excluded : g_excludeModules) excluded.Find();
-    for (ListedModule& extra : g_extraModules) _InitResTranslation(extra.module);
+    for (const char* library : g_aPatchModules) _InitResTranslation(GetModuleHandleA(library));
+    for (ListedModule& excluded : g_aExcludeModules) excluded.Find();
+    for (ListedModule& extra : g_aExtraModules) _InitResTranslation(extra.module);
     return 1;
 }
 
@@ -26,11 +26,11 @@ int Supp_InitResTranslation(HINSTANCE module) {
 }
 
 void Supp_SetTranslationEnable(int enable) {
-    g_translationEnable = enable;
+    g_bTranslationEnable = enable;
 }
 
 int Supp_IsTranslationEnable() {
-    return g_translationEnable;
+    return g_bTranslationEnable;
 }
 
 HFONT Supp_GetFont() {

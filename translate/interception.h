@@ -35,13 +35,13 @@ enum Intercepted : int {
 };
 
 // What each installation found, null where it found nothing.
-extern std::atomic<void*> g_realProcs[kInterceptedCount];
+extern std::atomic<void*> g_RealProcs[kInterceptedCount];
 
 // The real function: as the last installation found it, else as the library imports it, so that a module in which
 // nothing could be patched takes nothing from those patched before.
 template <class Function>
 Function* RealProc(Intercepted which, Function* ownImport) {
-    void* found = g_realProcs[which].load(std::memory_order_relaxed);
+    void* found = g_RealProcs[which].load(std::memory_order_relaxed);
     return found ? reinterpret_cast<Function*>(found) : ownImport;
 }
 #define QX_REAL(function) RealProc(k##function, ::function)

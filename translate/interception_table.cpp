@@ -14,7 +14,7 @@
 #include <cstdio>
 #include <iterator>
 
-constinit std::atomic<void*> g_realProcs[kInterceptedCount] = {};
+constinit std::atomic<void*> g_RealProcs[kInterceptedCount] = {};
 
 namespace {
 
@@ -66,8 +66,8 @@ void TellModule(HMODULE module) {
 }
 
 void UnpatchListedModules() {
-    for (const char* name : kPatchModules) _DeInitResTranslation(GetModuleHandleA(name));
-    for (ListedModule& extra : g_extraModules) _DeInitResTranslation(extra.module);
+    for (const char* name : g_aPatchModules) _DeInitResTranslation(GetModuleHandleA(name));
+    for (ListedModule& extra : g_aExtraModules) _DeInitResTranslation(extra.module);
 }
 
 }  // namespace
@@ -80,7 +80,7 @@ int _InitResTranslation(HMODULE module) {
     if (module == OwnModule()) return 1;
     InterceptedImports imports;
     ExchangeImports(module, ImportWay::Patch, imports.rows, kInterceptedCount);
-    for (int i = 0; i < kInterceptedCount; ++i) g_realProcs[i] = imports.rows[i].result;
+    for (int i = 0; i < kInterceptedCount; ++i) g_RealProcs[i] = imports.rows[i].result;
     return 1;
 }
 

@@ -19,12 +19,12 @@ struct ListedModule {
 };
 
 // The class libraries that load resources on a host's behalf.
-inline constexpr const char* kPatchModules[] = {
+inline constexpr const char* g_aPatchModules[] = {
     "mfc80u.dll", "mfc42d", "mfco42d", "mfc42", "cfc42",  "comdlg32", "mfc70d",
     "mfco70d",    "mfc70",  "mfco70",  "mfc71", "mfco71", "mfc80",
 };
-extern ListedModule g_excludeModules[5];
-extern ListedModule g_extraModules[1];
+extern ListedModule g_aExcludeModules[5];
+extern ListedModule g_aExtraModules[1];
 
 // Looks for the extra modules that are not known.
 void RefreshExtraModules();
@@ -33,7 +33,7 @@ void RefreshExtraModules();
 // out.
 inline bool IsListedExclusion(const void* module) {
     auto is = [module](const ListedModule& row) { return row.module.load(std::memory_order_relaxed) == module; };
-    auto& [a, b, c, d, e] = g_excludeModules;
+    auto& [a, b, c, d, e] = g_aExcludeModules;
     return is(a) || is(b) || is(c) || is(d) || is(e);
 }
 
@@ -46,13 +46,13 @@ inline bool IsExcluded(const void* module) {
 }
 
 // The master switch of the interception.
-extern std::atomic<int> g_translationEnable;
+extern std::atomic<int> g_bTranslationEnable;
 
 // Whether a call that concerns this module is translated. For a null module only the switch counts. Resource
 // functions ask with the addresses of loaded resources too; one within a page cannot be a module's.
 inline bool IsTranslationActive(const void* module) {
     constexpr uintptr_t kWithinPage = 0xFFF;
-    if (!g_translationEnable.load(std::memory_order_relaxed)) return false;
+    if (!g_bTranslationEnable.load(std::memory_order_relaxed)) return false;
     if (!module || (reinterpret_cast<uintptr_t>(module) & kWithinPage) != 0) return true;
     return !IsExcluded(module);
 }

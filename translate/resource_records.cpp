@@ -18,14 +18,14 @@ constexpr uint32_t kMarker = 0xFFFFFFFF;
 constexpr size_t kKeyOffset = sizeof(QX_RESITEM) - sizeof(QX_RESITEM::key);
 static_assert(sizeof(QX_RESITEM) == 200);
 
-constinit COList g_resItems;
+constinit COList g_ResItems;
 
 // The record that `matches`; null without one. No two records match.
 template <class Matches>
 QX_RESITEM* FindRecord(Matches matches) {
     if (g_latestRecord && matches(g_latestRecord)) return g_latestRecord;
-    QX_LISTITEM* item = g_resItems.head;
-    for (unsigned left = g_resItems.count; left > 0; --left, item = item->next) {
+    QX_LISTITEM* item = g_ResItems.head;
+    for (unsigned left = g_ResItems.count; left > 0; --left, item = item->next) {
         auto record = static_cast<QX_RESITEM*>(item);
         if (matches(record)) return g_latestRecord = record;
     }
@@ -57,7 +57,7 @@ QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t ty
     record->size = 0;
     record->hash = *key ? HashResourceKey(key) : 0;
     memcpy(memory + kKeyOffset, key, keySize);
-    g_resItems.Append(record);
+    g_ResItems.Append(record);
     g_latestRecord = record;
     auto address = reinterpret_cast<uintptr_t>(record);
     g_recordBounds.lowest = std::min(g_recordBounds.lowest, address);
@@ -115,8 +115,8 @@ HGLOBAL LoadRecord(QX_RESITEM* record) {
 }
 
 void FreeResourceRecords() {
-    while (QX_LISTITEM* last = g_resItems.tail) {
-        g_resItems.Unlink(last);
+    while (QX_LISTITEM* last = g_ResItems.tail) {
+        g_ResItems.Unlink(last);
         LocalFree(last);
     }
     g_latestRecord = nullptr;
