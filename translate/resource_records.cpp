@@ -10,7 +10,7 @@
 #include <algorithm>
 
 constinit RecordBounds g_recordBounds;
-constinit QX_RESITEM* g_latestRecord = nullptr;
+constinit std::atomic<QX_RESITEM*> g_latestRecord = nullptr;
 
 namespace {
 
@@ -23,11 +23,14 @@ constinit COList g_ResItems;
 // The record that `matches`; null without one. No two records match.
 template <class Matches>
 QX_RESITEM* FindRecord(Matches matches) {
-    if (g_latestRecord && matches(g_latestRecord)) return g_latestRecord;
+    QX_RESITEM* latest = g_latestRecord.load(std::memory_order_relaxed);
+    if (latest && matches(latest)) return latest;
     QX_LISTITEM* item = g_ResItems.head;
     for (unsigned left = g_ResItems.count; left > 0; --left, item = item->next) {
         auto record = static_cast<QX_RESITEM*>(item);
-        if (matches(record)) return g_latestRecord = record;
+        if (!matches(record)) continue;
+        g_latestRecord.store(record, std::memory_order_relaxed);
+        return record;
     }
     return nullptr;
 }
@@ -58,7 +61,7 @@ QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t ty
     record->hash = *key ? HashResourceKey(key) : 0;
     memcpy(memory + kKeyOffset, key, keySize);
     g_ResItems.Append(record);
-    g_latestRecord = record;
+    g_latestRecord.store(record, std::memory_order_relaxed);
     auto address = reinterpret_cast<uintptr_t>(record);
     g_recordBounds.lowest = std::min(g_recordBounds.lowest, address);
     g_recordBounds.highest = std::max(g_recordBounds.highest, address);

@@ -5,6 +5,7 @@
 #include <qxcore/listitem.h>
 #include <qxcore/platform.h>
 
+#include <atomic>
 #include <cstdint>
 
 // The resource types that get a record.
@@ -26,13 +27,15 @@ struct QX_RESITEM : QX_LISTITEM {
 // type, comes back as it is. A wide name is taken as the bytes it consists of.
 HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* type);
 
-// The one found last: hosts find, measure and load one resource after the other.
-extern QX_RESITEM* g_latestRecord;
+// The one found last: hosts find, measure and load one resource after the other. Threads that only look records up
+// may do so side by side, each with what it has read here once.
+extern std::atomic<QX_RESITEM*> g_latestRecord;
 QX_RESITEM* SearchRecord(const void* handle);
 
 // The record behind a handle, or null for any other handle.
 inline QX_RESITEM* RecordOf(const void* handle) {
-    return handle == g_latestRecord ? g_latestRecord : SearchRecord(handle);
+    QX_RESITEM* latest = g_latestRecord.load(std::memory_order_relaxed);
+    return handle == latest ? latest : SearchRecord(handle);
 }
 
 // Bounds of the records' addresses, so that nearly all handles of others are told by two comparisons.

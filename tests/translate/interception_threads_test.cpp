@@ -1,5 +1,6 @@
 // Many threads translate through the layer while nobody adds to the dictionary, and modules come and go.
 #include "translate/caller.h"
+#include "translate/own_process.h"
 
 #include <atomic>
 #include <thread>
@@ -67,6 +68,29 @@ TEST_F(InterceptionThreadsTest, StringsAreRightWhileModulesComeAndGo) {
         } while (!done);
     });
     loader.join();
+    EXPECT_EQ(wrong, 0);
+}
+
+// A record keeps the block of its first load, so no other test's dialog may be loaded here.
+TEST_F(InterceptionThreadsTest, EachThreadFindsTheRecordItAsksFor) {
+    IN_A_PROCESS_OF_ITS_OWN();
+    auto find = CALL(caller, FindResourceA);
+    auto load = CALL(caller, LoadResource);
+    constexpr int kIds[] = {200, 230};
+    HRSRC records[2];
+    HGLOBAL blocks[2];
+    for (int i = 0; i < 2; ++i) {
+        records[i] = find(caller, MAKEINTRESOURCEA(kIds[i]), RT_DIALOG);
+        blocks[i] = load(caller, records[i]);
+    }
+    std::atomic<int> wrong = 0;
+    RunEverywhere([&] {
+        for (int i = 0; i < 2; ++i) {
+            wrong += find(caller, MAKEINTRESOURCEA(kIds[i]), RT_DIALOG) != records[i];
+            wrong += load(caller, records[i]) != blocks[i];
+        }
+    });
+    EXPECT_NE(blocks[0], blocks[1]);
     EXPECT_EQ(wrong, 0);
 }
 
