@@ -18,7 +18,8 @@ std::vector<std::string> MakeKeys(const char* kind, int n, unsigned seed) {
     std::mt19937 random(seed);
     std::vector<std::string> keys;
     for (int i = 0; i < n; ++i) {
-        std::string key = std::string(kind) + "/" + std::to_string(random()) + "/" + std::to_string(i);
+        std::string key =
+            std::string(kind) + "/" + std::to_string(random()) + "/" + std::to_string(i);
         key.resize(28 + random() % 5, '.');
         keys.push_back(key);
     }
@@ -44,8 +45,8 @@ private:
 };
 
 template <class Peer>
-void BenchLookup(const char* what, const char* peerName, CTMap<const char*, int>& map, const Peer& peer,
-                 const std::vector<std::string>& keys) {
+void BenchLookup(const char* what, const char* peerName, CTMap<const char*, int>& map,
+                 const Peer& peer, const std::vector<std::string>& keys) {
     Probe ours(keys), theirs(keys);
     bench::Compare(
         what, peerName,

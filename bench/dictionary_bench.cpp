@@ -1,7 +1,7 @@
 // The dictionary beside what a program would take instead: lookup, loading, menus.
 //
-// A native gettext is measured by gettext_peer, whose figures come in as QXCORE_GETTEXT="ENTRIES:HIT:MISS ..." in
-// nanoseconds; bench/dictionary runs both.
+// A native gettext is measured by gettext_peer, whose figures come in as
+// QXCORE_GETTEXT="ENTRIES:HIT:MISS ..." in nanoseconds; bench/dictionary runs both.
 #include "bench/measure.h"
 #include "bench/ui_texts.h"
 
@@ -28,7 +28,8 @@ std::string TempPath(const char* name) {
 std::string WriteDictionary(unsigned entries) {
     std::string path = TempPath(("qxbench" + std::to_string(entries) + ".wld").c_str());
     std::ofstream file(path, std::ios::binary);
-    for (auto& text : UiTexts(entries)) file << '"' << text << "\"\r\n\"" << UiTranslation(text) << "\"\r\n";
+    for (auto& text : UiTexts(entries))
+        file << '"' << text << "\"\r\n\"" << UiTranslation(text) << "\"\r\n";
     return path;
 }
 
@@ -64,8 +65,8 @@ GettextFigures Gettext(unsigned entries) {
 
 void TellGettext(const char* what, double ours, double gettext) {
     if (gettext <= 0) return;
-    printf("%-52s %10.2f ns   %-28s %10.2f ns   ratio %6.3f\n", what, ours * 1e9, "dgettext (native)", gettext,
-           ours * 1e9 / gettext);
+    printf("%-52s %10.2f ns   %-28s %10.2f ns   ratio %6.3f\n", what, ours * 1e9,
+           "dgettext (native)", gettext, ours * 1e9 / gettext);
 }
 
 // Each lookup takes another text, in an order that no cache foresees.
@@ -90,8 +91,9 @@ void BenchLookup(unsigned entries) {
     for (bool hit : {true, false}) {
         char what[64];
         snprintf(what, sizeof what, "Translate, %u entries, %s", entries, hit ? "hit" : "miss");
-        auto ours = InTurn(hit ? texts : unknown,
-                           [&](const std::string& text) { return dictionary.Translate(text.c_str(), 0); });
+        auto ours = InTurn(hit ? texts : unknown, [&](const std::string& text) {
+            return dictionary.Translate(text.c_str(), 0);
+        });
         auto peer = InTurn(hit ? texts : unknown, [&](const std::string& text) {
             auto found = table.find(text);
             return found == table.end() ? text.c_str() : found->second.c_str();
@@ -120,9 +122,10 @@ void BenchLoading(unsigned entries) {
     }
     DeleteFileA(path.c_str());
     double perPair = bench::Median(ours) / entries;
-    printf("load %6u pairs: %7.2f million pairs a second %10.2f ns   %-28s %10.2f ns   ratio %6.3f\n", entries,
-           1 / perPair / 1e6, perPair * 1e9, "getline + unordered_map", bench::Median(peer) / entries * 1e9,
-           bench::Median(ratios));
+    printf(
+        "load %6u pairs: %7.2f million pairs a second %10.2f ns   %-28s %10.2f ns   ratio %6.3f\n",
+        entries, 1 / perPair / 1e6, perPair * 1e9, "getline + unordered_map",
+        bench::Median(peer) / entries * 1e9, bench::Median(ratios));
 }
 
 // A menu of 20 items: the whole translation beside the same calls without a lookup.
@@ -136,7 +139,8 @@ void BenchMenu() {
     auto texts = UiTexts(kItems);
     for (int i = 0; i < kItems; ++i) AppendMenuA(menu, 0, 100 + i, texts[i].c_str());
     bench::Compare(
-        "Translate(HMENU), 20 items", "the same calls, no lookup", [&] { dictionary.Translate(menu); },
+        "Translate(HMENU), 20 items", "the same calls, no lookup",
+        [&] { dictionary.Translate(menu); },
         [&] {
             int count = GetMenuItemCount(menu);
             for (int i = 0; i < count; ++i) {
@@ -144,7 +148,8 @@ void BenchMenu() {
                 GetMenuStringA(menu, i, text, sizeof text, MF_BYPOSITION);
                 UINT state = GetMenuState(menu, i, MF_BYPOSITION);
                 GetSubMenu(menu, i);
-                ModifyMenuA(menu, i, MF_BYPOSITION | (state & (MF_GRAYED | MF_CHECKED)), GetMenuItemID(menu, i), text);
+                ModifyMenuA(menu, i, MF_BYPOSITION | (state & (MF_GRAYED | MF_CHECKED)),
+                            GetMenuItemID(menu, i), text);
             }
         });
     DestroyMenu(menu);

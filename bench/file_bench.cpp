@@ -1,4 +1,5 @@
-// Files beside the platform's read calls, the runtime's, the same slide of views in raw calls, and plain copies.
+// Files beside the platform's read calls, the runtime's, the same slide of views in raw calls, and
+// plain copies.
 #include "bench/measure.h"
 
 #include <qxcore.h>
@@ -35,7 +36,8 @@ public:
 
     const char* Path() const { return m_path; }
     HANDLE OpenRaw() const {
-        return CreateFileA(m_path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+        return CreateFileA(m_path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
+                           nullptr);
     }
 
 private:
@@ -45,7 +47,8 @@ private:
 // The slide that CXFile makes, written out in the platform's calls.
 class RawSlide {
 public:
-    explicit RawSlide(HANDLE file) : m_mapping(CreateFileMappingA(file, nullptr, PAGE_READONLY, 0, 0, nullptr)) {
+    explicit RawSlide(HANDLE file)
+        : m_mapping(CreateFileMappingA(file, nullptr, PAGE_READONLY, 0, 0, nullptr)) {
         Map(0);
     }
     ~RawSlide() {
@@ -65,7 +68,8 @@ public:
 
 private:
     void Map(unsigned offset) {
-        m_view = static_cast<const char*>(MapViewOfFile(m_mapping, FILE_MAP_READ, 0, offset, kChunk));
+        m_view =
+            static_cast<const char*>(MapViewOfFile(m_mapping, FILE_MAP_READ, 0, offset, kChunk));
         m_offset = offset;
     }
 
@@ -143,7 +147,8 @@ void BenchBlocks(const SampleFile& sample) {
                    [&] { slide.Read(buffer.data(), kBlock); });
     bench::Compare("CXFile, 64 KiB of 64 MiB in turn", "ReadFile", ours,
                    [&] { ReadRaw(plain, buffer.data(), kBlock); });
-    bench::Compare("CXFile, 64 KiB of 64 MiB in turn", "fread", ours, [&] { ReadStdio(stdio, buffer.data(), kBlock); });
+    bench::Compare("CXFile, 64 KiB of 64 MiB in turn", "fread", ours,
+                   [&] { ReadStdio(stdio, buffer.data(), kBlock); });
     unsigned at = 0;
     bench::Compare("CXFile, 64 KiB of 64 MiB in turn", "memcpy of the cached bytes", ours, [&] {
         memcpy(buffer.data(), &cached[at], kBlock);
@@ -213,12 +218,13 @@ void BenchLines() {
 void BenchWrites() {
     IXFile* file = Fio_Open(nullptr, QXFIO_OUTPUT | QXFIO_TEMPORARY);
     FILE* stdio = tmpfile();
-    bench::Compare("CXFile WriteLong, one view", "fwrite of 4 bytes",
-                   bench::Pass(
-                       kValues, [=] { file->Seek(0, QXSEEK_START); }, [=](int i) { file->WriteLong(i); }),
-                   bench::Pass(
-                       kValues, [=] { rewind(stdio); }, [=](int i) { bench::Keep(fwrite(&i, 1, 4, stdio)); }),
-                   kValues);
+    bench::Compare(
+        "CXFile WriteLong, one view", "fwrite of 4 bytes",
+        bench::Pass(
+            kValues, [=] { file->Seek(0, QXSEEK_START); }, [=](int i) { file->WriteLong(i); }),
+        bench::Pass(
+            kValues, [=] { rewind(stdio); }, [=](int i) { bench::Keep(fwrite(&i, 1, 4, stdio)); }),
+        kValues);
     fclose(stdio);
     file->Release();
 }

@@ -1,7 +1,9 @@
-// A native peer of the dictionary's benchmark: dgettext on a compiled catalogue with the same texts.
+// A native peer of the dictionary's benchmark: dgettext on a compiled catalogue with the same
+// texts.
 //
-// gettext_peer DIRECTORY: writes and compiles catalogues there and prints "ENTRIES:HIT:MISS ..." in nanoseconds. The
-// locale of the environment must exist, or the system's own short cut for untranslated programs is measured.
+// gettext_peer DIRECTORY: writes and compiles catalogues there and prints "ENTRIES:HIT:MISS ..." in
+// nanoseconds. The locale of the environment must exist, or the system's own short cut for
+// untranslated programs is measured.
 #include "bench/ui_texts.h"
 
 #include <libintl.h>
@@ -25,7 +27,8 @@ bool MakeCatalogue(const std::string& directory, const std::string& domain, unsi
     std::string source = directory + "/" + domain + ".po";
     std::ofstream file(source);
     file << "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n";
-    for (auto& text : UiTexts(entries)) file << "msgid \"" << text << "\"\nmsgstr \"" << UiTranslation(text) << "\"\n";
+    for (auto& text : UiTexts(entries))
+        file << "msgid \"" << text << "\"\nmsgstr \"" << UiTranslation(text) << "\"\n";
     file.close();
     return system(("msgfmt -o " + folder + "/" + domain + ".mo " + source).c_str()) == 0;
 }
@@ -63,7 +66,8 @@ int main(int argc, char** argv) {
         if (dgettext(domain.c_str(), texts[0].c_str()) != UiTranslation(texts[0])) return 3;
         auto unknown = texts;
         for (auto& text : unknown) text += '.';
-        printf("%u:%.1f:%.1f ", entries, NanosecondsOf(domain.c_str(), texts), NanosecondsOf(domain.c_str(), unknown));
+        printf("%u:%.1f:%.1f ", entries, NanosecondsOf(domain.c_str(), texts),
+               NanosecondsOf(domain.c_str(), unknown));
     }
     puts("");
 }

@@ -1,5 +1,5 @@
-// A native peer of the parameter benchmark: inih on the same text, which it hands out key by key. Prints the
-// nanoseconds that it takes for all of it.
+// A native peer of the parameter benchmark: inih on the same text, which it hands out key by key.
+// Prints the nanoseconds that it takes for all of it.
 #include "bench/ini_text.h"
 
 #include <ini.h>
@@ -26,7 +26,9 @@ int main() {
     for (int round = 0; round < kRounds; ++round) {
         int values = 0;
         auto start = Clock::now();
-        if (ini_parse_string(text.c_str(), Count, &values) != 0 || values != kIniSections * kIniKeys) return 1;
+        if (ini_parse_string(text.c_str(), Count, &values) != 0 ||
+            values != kIniSections * kIniKeys)
+            return 1;
         rounds.push_back(std::chrono::duration<double, std::nano>(Clock::now() - start).count());
     }
     std::nth_element(rounds.begin(), rounds.begin() + kRounds / 2, rounds.end());

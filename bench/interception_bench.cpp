@@ -1,5 +1,5 @@
-// What the interception costs: each call of a patched module beside the real one, dialogs beside creating them, and
-// patching beside looking the functions up.
+// What the interception costs: each call of a patched module beside the real one, dialogs beside
+// creating them, and patching beside looking the functions up.
 #include "bench/measure.h"
 #include "bench/ui_texts.h"
 
@@ -12,8 +12,8 @@ namespace {
 
 constexpr unsigned kEntries = 10000;
 
-// The program's own imports are what is patched. A compiler takes an import slot for a constant, so each is read
-// behind its back, and once as it was before.
+// The program's own imports are what is patched. A compiler takes an import slot for a constant, so
+// each is read behind its back, and once as it was before.
 #define SLOT_OF(function)                                    \
     QXCORE_NOINLINE decltype(&function) SlotOf##function() { \
         decltype(&function) volatile slot = &function;       \
@@ -69,12 +69,14 @@ const HINSTANCE g_self = GetModuleHandleA(nullptr);
 
 void FillDictionary() {
     for (auto& text : UiTexts(kEntries)) {
-        g_Wld.m_Contexts.SetAt(text.c_str(), new CContext(text.c_str(), UiTranslation(text).c_str()));
+        g_Wld.m_Contexts.SetAt(text.c_str(),
+                               new CContext(text.c_str(), UiTranslation(text).c_str()));
     }
     for (int i = 0; i < 20; ++i) {
         std::string text = "Text of the item " + std::to_string(i);
-        g_Wld.m_Contexts.SetAt(text.c_str(),
-                               new CContext(text.c_str(), ("Translated item " + std::to_string(i)).c_str()));
+        g_Wld.m_Contexts.SetAt(
+            text.c_str(),
+            new CContext(text.c_str(), ("Translated item " + std::to_string(i)).c_str()));
     }
 }
 
@@ -98,7 +100,8 @@ void CompareStrings() {
     auto wide = CALL_OF(LoadStringW);
     wchar_t buffer[256];
     bench::Compare(
-        "LoadStringW, translated", "the real call", [&] { bench::Keep(wide.patched(g_self, 1, buffer, 256)); },
+        "LoadStringW, translated", "the real call",
+        [&] { bench::Keep(wide.patched(g_self, 1, buffer, 256)); },
         [&] { bench::Keep(wide.real(g_self, 1, buffer, 256)); });
 }
 
@@ -119,7 +122,8 @@ void CompareExcluded() {
     CopyFileA((std::string(system) + "\\version.dll").c_str(), path.c_str(), FALSE);
     HMODULE excluded = LoadLibraryA(path.c_str());
     CompareLoad("LoadStringA, excluded module, no such string", CALL_OF(LoadStringA), excluded, 1);
-    CompareSize("SizeofResource, excluded module", excluded, FindResourceA(excluded, MAKEINTRESOURCEA(1), RT_VERSION));
+    CompareSize("SizeofResource, excluded module", excluded,
+                FindResourceA(excluded, MAKEINTRESOURCEA(1), RT_VERSION));
     FreeLibrary(excluded);
     DeleteFileA(path.c_str());
 }
@@ -135,22 +139,26 @@ void CompareResources() {
     HRSRC record = find.patched(g_self, name, type);
     HRSRC real = find.real(g_self, name, type);
     bench::Compare(
-        "FindResourceA, dialog", "the real call", [&] { bench::Keep(find.patched(g_self, name, type)); },
+        "FindResourceA, dialog", "the real call",
+        [&] { bench::Keep(find.patched(g_self, name, type)); },
         [&] { bench::Keep(find.real(g_self, name, type)); });
     bench::Compare(
         "FindResourceA, raw data", "the real call",
         [&] { bench::Keep(find.patched(g_self, MAKEINTRESOURCEA(300), RT_RCDATA)); },
         [&] { bench::Keep(find.real(g_self, MAKEINTRESOURCEA(300), RT_RCDATA)); });
     bench::Compare(
-        "LoadResource, dialog, again", "the real call", [&] { bench::Keep(load.patched(g_self, record)); },
+        "LoadResource, dialog, again", "the real call",
+        [&] { bench::Keep(load.patched(g_self, record)); },
         [&] { bench::Keep(load.real(g_self, real)); });
     bench::Compare(
-        "SizeofResource, dialog", "the real call", [&] { bench::Keep(size.patched(g_self, record)); },
+        "SizeofResource, dialog", "the real call",
+        [&] { bench::Keep(size.patched(g_self, record)); },
         [&] { bench::Keep(size.real(g_self, real)); });
     Supp_SetTranslationEnable(0);
     CompareSize("SizeofResource, switched off", g_self, real);
     Supp_SetTranslationEnable(1);
-    CompareSize("SizeofResource, raw data", g_self, find.real(g_self, MAKEINTRESOURCEA(300), RT_RCDATA));
+    CompareSize("SizeofResource, raw data", g_self,
+                find.real(g_self, MAKEINTRESOURCEA(300), RT_RCDATA));
     HGLOBAL block = load.patched(g_self, record);
     bench::Compare(
         "LockResource", "the real call", [&] { bench::Keep(lock.patched(block)); },
@@ -163,17 +171,21 @@ void CompareResources() {
 void CompareMenus() {
     auto call = CALL_OF(LoadMenuA);
     bench::Compare(
-        "LoadMenuA, 20 items", "the real call", [&] { DestroyMenu(call.patched(g_self, MAKEINTRESOURCEA(100))); },
+        "LoadMenuA, 20 items", "the real call",
+        [&] { DestroyMenu(call.patched(g_self, MAKEINTRESOURCEA(100))); },
         [&] { DestroyMenu(call.real(g_self, MAKEINTRESOURCEA(100))); });
 }
 
 void CompareDialogs() {
     auto create = CALL_OF(CreateDialogIndirectParamA);
     auto byName = CALL_OF(CreateDialogParamA);
-    HRSRC found = RealOf<decltype(FindResourceA)>("FindResourceA")(g_self, MAKEINTRESOURCEA(200), RT_DIALOG);
-    auto dialog = static_cast<unsigned char*>(RealOf<decltype(LoadResource)>("LoadResource")(g_self, found));
+    HRSRC found =
+        RealOf<decltype(FindResourceA)>("FindResourceA")(g_self, MAKEINTRESOURCEA(200), RT_DIALOG);
+    auto dialog =
+        static_cast<unsigned char*>(RealOf<decltype(LoadResource)>("LoadResource")(g_self, found));
     auto source = reinterpret_cast<const DLGTEMPLATE*>(dialog);
-    HWND parent = CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    HWND parent =
+        CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     bench::Compare(
         "dialog template, 20 controls", "creating the dialog",
         [&] {
@@ -197,23 +209,26 @@ void CompareDialogs() {
 template <class C, class Finish, class... Args>
 void CompareCall(const char* what, C call, Finish finish, Args... args) {
     bench::Compare(
-        what, "the real call", [&] { finish(call.patched(args...)); }, [&] { finish(call.real(args...)); });
+        what, "the real call", [&] { finish(call.patched(args...)); },
+        [&] { finish(call.real(args...)); });
 }
 
 void CompareFurtherFinds() {
     auto keep = [](HRSRC found) { bench::Keep(found); };
-    CompareCall("FindResourceW, dialog", CALL_OF(FindResourceW), keep, g_self, MAKEINTRESOURCEW(200),
-                MAKEINTRESOURCEW(5));
-    CompareCall("FindResourceExA, dialog", CALL_OF(FindResourceExA), keep, g_self, MAKEINTRESOURCEA(5),
-                MAKEINTRESOURCEA(200), WORD(0));
-    CompareCall("FindResourceExW, dialog", CALL_OF(FindResourceExW), keep, g_self, MAKEINTRESOURCEW(5),
-                MAKEINTRESOURCEW(200), WORD(0));
+    CompareCall("FindResourceW, dialog", CALL_OF(FindResourceW), keep, g_self,
+                MAKEINTRESOURCEW(200), MAKEINTRESOURCEW(5));
+    CompareCall("FindResourceExA, dialog", CALL_OF(FindResourceExA), keep, g_self,
+                MAKEINTRESOURCEA(5), MAKEINTRESOURCEA(200), WORD(0));
+    CompareCall("FindResourceExW, dialog", CALL_OF(FindResourceExW), keep, g_self,
+                MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(200), WORD(0));
 }
 
 void CompareFurtherMenus() {
-    HRSRC found = RealOf<decltype(FindResourceA)>("FindResourceA")(g_self, MAKEINTRESOURCEA(100), RT_MENU);
+    HRSRC found =
+        RealOf<decltype(FindResourceA)>("FindResourceA")(g_self, MAKEINTRESOURCEA(100), RT_MENU);
     const void* menu = RealOf<decltype(LoadResource)>("LoadResource")(g_self, found);
-    CompareCall("LoadMenuW, 20 items", CALL_OF(LoadMenuW), DestroyMenu, g_self, MAKEINTRESOURCEW(100));
+    CompareCall("LoadMenuW, 20 items", CALL_OF(LoadMenuW), DestroyMenu, g_self,
+                MAKEINTRESOURCEW(100));
     CompareCall("LoadMenuIndirectA, 20 items", CALL_OF(LoadMenuIndirectA), DestroyMenu, menu);
 }
 
@@ -225,25 +240,28 @@ LRESULT CALLBACK RefuseWindows(int code, WPARAM, LPARAM) {
 void CompareModalCalls() {
     HHOOK hook = SetWindowsHookExA(WH_CBT, RefuseWindows, nullptr, GetCurrentThreadId());
     auto keep = [](INT_PTR answer) { bench::Keep(answer); };
-    HRSRC found = RealOf<decltype(FindResourceA)>("FindResourceA")(g_self, MAKEINTRESOURCEA(200), RT_DIALOG);
-    auto dialog = static_cast<const DLGTEMPLATE*>(RealOf<decltype(LoadResource)>("LoadResource")(g_self, found));
+    HRSRC found =
+        RealOf<decltype(FindResourceA)>("FindResourceA")(g_self, MAKEINTRESOURCEA(200), RT_DIALOG);
+    auto dialog = static_cast<const DLGTEMPLATE*>(
+        RealOf<decltype(LoadResource)>("LoadResource")(g_self, found));
     HWND none = nullptr;
     LPARAM zero = 0;
-    CompareCall("CreateDialogParamW, up to its window", CALL_OF(CreateDialogParamW), DestroyWindow, g_self,
+    CompareCall("CreateDialogParamW, up to its window", CALL_OF(CreateDialogParamW), DestroyWindow,
+                g_self, MAKEINTRESOURCEW(200), none, Silent, zero);
+    CompareCall("CreateDialogIndirectParamW, up to its window", CALL_OF(CreateDialogIndirectParamW),
+                DestroyWindow, g_self, dialog, none, Silent, zero);
+    CompareCall("DialogBoxParamA, up to its window", CALL_OF(DialogBoxParamA), keep, g_self,
+                MAKEINTRESOURCEA(200), none, Silent, zero);
+    CompareCall("DialogBoxParamW, up to its window", CALL_OF(DialogBoxParamW), keep, g_self,
                 MAKEINTRESOURCEW(200), none, Silent, zero);
-    CompareCall("CreateDialogIndirectParamW, up to its window", CALL_OF(CreateDialogIndirectParamW), DestroyWindow,
+    CompareCall("DialogBoxIndirectParamA, up to its window", CALL_OF(DialogBoxIndirectParamA), keep,
                 g_self, dialog, none, Silent, zero);
-    CompareCall("DialogBoxParamA, up to its window", CALL_OF(DialogBoxParamA), keep, g_self, MAKEINTRESOURCEA(200),
-                none, Silent, zero);
-    CompareCall("DialogBoxParamW, up to its window", CALL_OF(DialogBoxParamW), keep, g_self, MAKEINTRESOURCEW(200),
-                none, Silent, zero);
-    CompareCall("DialogBoxIndirectParamA, up to its window", CALL_OF(DialogBoxIndirectParamA), keep, g_self, dialog,
-                none, Silent, zero);
-    CompareCall("DialogBoxIndirectParamW, up to its window", CALL_OF(DialogBoxIndirectParamW), keep, g_self, dialog,
-                none, Silent, zero);
+    CompareCall("DialogBoxIndirectParamW, up to its window", CALL_OF(DialogBoxIndirectParamW), keep,
+                g_self, dialog, none, Silent, zero);
     const char* text = "Text of the item 1";
     CompareCall("MessageBoxA, up to its window", CALL_OF(MessageBoxA), keep, none, text, text, 0u);
-    CompareCall("MessageBoxExA, up to its window", CALL_OF(MessageBoxExA), keep, none, text, text, 0u, WORD(0));
+    CompareCall("MessageBoxExA, up to its window", CALL_OF(MessageBoxExA), keep, none, text, text,
+                0u, WORD(0));
     auto indirect = CALL_OF(MessageBoxIndirectA);
     auto box = [&](decltype(MessageBoxIndirectA)* call) {
         MSGBOXPARAMSA parameters = {};
@@ -261,7 +279,8 @@ void ComparePatching() {
     HMODULE module = LoadLibraryA("comdlg32.dll");
     HMODULE user = GetModuleHandleA("user32.dll");
     auto lookUp = [&] {
-        for (int i = 0; i < 24; ++i) bench::Keep(GetProcAddress(user, "CreateDialogIndirectParamA"));
+        for (int i = 0; i < 24; ++i)
+            bench::Keep(GetProcAddress(user, "CreateDialogIndirectParamA"));
     };
     bench::Compare(
         "patching and restoring one module", "24 x GetProcAddress",
@@ -271,10 +290,12 @@ void ComparePatching() {
         },
         lookUp, 2);
     bench::Compare(
-        "restoring alone, nothing patched", "24 x GetProcAddress", [&] { _DeInitResTranslation(module); }, lookUp);
+        "restoring alone, nothing patched", "24 x GetProcAddress",
+        [&] { _DeInitResTranslation(module); }, lookUp);
     // Each patched module is told to the debugger, which costs what the system takes for it.
     bench::Compare(
-        "patching alone, patched already", "OutputDebugStringA", [&] { _InitResTranslation(module); },
+        "patching alone, patched already", "OutputDebugStringA",
+        [&] { _InitResTranslation(module); },
         [&] { OutputDebugStringA("-----wld init: C:\\windows\\system32\\comdlg32.dll\n"); });
 }
 

@@ -1,9 +1,10 @@
-// Measures two ways of doing one thing, alternately in one run, and prints both figures and their ratio.
+// Measures two ways of doing one thing, alternately in one run, and prints both figures and their
+// ratio.
 //
 //     bench::Compare("string copy, 32 characters", "std::string", [&] { ... }, [&] { ... });
 //
-// A body runs the operation once; Keep() stops the compiler from dropping a result. Figures are medians over
-// alternating samples, so a drift of the machine's speed hits both sides alike.
+// A body runs the operation once; Keep() stops the compiler from dropping a result. Figures are
+// medians over alternating samples, so a drift of the machine's speed hits both sides alike.
 #ifndef QXCORE_BENCH_MEASURE_H
 #define QXCORE_BENCH_MEASURE_H
 
@@ -91,10 +92,11 @@ Figures MeasurePair(Ours&& ours, Peer&& peer) {
 
 // One line of the report. `perOperation` divides the figures where a body does several operations.
 template <class Ours, class Peer>
-Figures Compare(const char* what, const char* peerName, Ours&& ours, Peer&& peer, double perOperation = 1) {
+Figures Compare(const char* what, const char* peerName, Ours&& ours, Peer&& peer,
+                double perOperation = 1) {
     Figures f = MeasurePair(ours, peer);
-    printf("%-52s %10.2f ns   %-28s %10.2f ns   ratio %6.3f\n", what, f.ours / perOperation * 1e9, peerName,
-           f.peer / perOperation * 1e9, f.ratio);
+    printf("%-52s %10.2f ns   %-28s %10.2f ns   ratio %6.3f\n", what, f.ours / perOperation * 1e9,
+           peerName, f.peer / perOperation * 1e9, f.ratio);
     fflush(stdout);
     return f;
 }

@@ -1,6 +1,7 @@
 // Parameter trees and ini text beside what a program would take instead.
 //
-// A native inih is measured by inih_peer, whose nanoseconds for the text come in as QXCORE_INIH; bench/param runs both.
+// A native inih is measured by inih_peer, whose nanoseconds for the text come in as QXCORE_INIH;
+// bench/param runs both.
 #include "bench/ini_text.h"
 #include "bench/measure.h"
 
@@ -47,10 +48,12 @@ class TextInMemory {
 public:
     explicit TextInMemory(const std::string& text) {
         for (size_t at = 0x10000000; !m_bytes && at < 0x70000000; at += 0x10000) {
-            m_bytes = VirtualAlloc(reinterpret_cast<void*>(at), text.size(), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+            m_bytes = VirtualAlloc(reinterpret_cast<void*>(at), text.size(),
+                                   MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
         }
         memcpy(m_bytes, text.data(), text.size());
-        path = "fmem::" + std::to_string(reinterpret_cast<size_t>(m_bytes)) + "," + std::to_string(text.size());
+        path = "fmem::" + std::to_string(reinterpret_cast<size_t>(m_bytes)) + "," +
+               std::to_string(text.size());
     }
     ~TextInMemory() { VirtualFree(m_bytes, 0, MEM_RELEASE); }
     TextInMemory(const TextInMemory&) = delete;
@@ -82,13 +85,14 @@ void BenchIniText() {
     // What a file costs before its first byte is read.
     bench::Compare("ini text of a file to a null sink", "opening and closing it", toSink,
                    [] { Fio_Open(kFile, 0)->Release(); });
-    bench::Figures f =
-        bench::Compare("ini text of a file to a null sink", "the same from memory", toSink, memoryToSink);
+    bench::Figures f = bench::Compare("ini text of a file to a null sink", "the same from memory",
+                                      toSink, memoryToSink);
     printf("    %.0f MB/s, from memory %.0f MB/s\n", megabytes(f.ours), megabytes(f.peer));
     const char* inih = getenv("QXCORE_INIH");
     if (double nanoseconds = inih ? atof(inih) : 0; nanoseconds > 0) {
-        printf("%-52s %10.2f ns   %-28s %10.2f ns   ratio %6.3f\n", "ini text from memory to a null sink", f.peer * 1e9,
-               "inih callbacks (native)", nanoseconds, f.peer * 1e9 / nanoseconds);
+        printf("%-52s %10.2f ns   %-28s %10.2f ns   ratio %6.3f\n",
+               "ini text from memory to a null sink", f.peer * 1e9, "inih callbacks (native)",
+               nanoseconds, f.peer * 1e9 / nanoseconds);
     }
 #if defined(QXCORE_BENCH_SIMPLEINI)
     auto simple = [&] {
@@ -96,10 +100,12 @@ void BenchIniText() {
         ini.LoadFile(kFile);
     };
     bench::Compare("ini text of a file to a null sink", "SimpleIni LoadFile", toSink, simple);
-    f = bench::Compare("ini text of a file into a tree in memory", "SimpleIni LoadFile", toTree, simple);
+    f = bench::Compare("ini text of a file into a tree in memory", "SimpleIni LoadFile", toTree,
+                       simple);
     printf("    %.0f MB/s, SimpleIni %.0f MB/s\n", megabytes(f.ours), megabytes(f.peer));
 #else
-    bench::Compare("ini text of a file into a tree in memory", "the same to a null sink", toTree, toSink);
+    bench::Compare("ini text of a file into a tree in memory", "the same to a null sink", toTree,
+                   toSink);
 #endif
 
     char path[MAX_PATH];
@@ -114,7 +120,8 @@ void BenchIniText() {
         },
         [&] {
             char value[64];
-            bench::Keep(GetPrivateProfileStringA("\\section80", "key50", "", value, sizeof value, path));
+            bench::Keep(
+                GetPrivateProfileStringA("\\section80", "key50", "", value, sizeof value, path));
         });
     tree->Release();
     remove(kFile);

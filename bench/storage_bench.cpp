@@ -44,14 +44,15 @@ void BenchTypedValues() {
     std::stringstream standard(std::ios::in | std::ios::out | std::ios::binary);
     auto write = bench::Pass(kValues, Rewind(ours), [=](int i) { ours->WriteLong(i); });
     auto read = bench::Pass(kValues, Rewind(ours), [=](int) { bench::Keep(ours->ReadLong()); });
-    auto platformWrite =
-        bench::Pass(kValues, Rewind(platform.ole), [&](int i) { platform.ole->Write(&i, sizeof i, nullptr); });
+    auto platformWrite = bench::Pass(kValues, Rewind(platform.ole),
+                                     [&](int i) { platform.ole->Write(&i, sizeof i, nullptr); });
     auto platformRead = bench::Pass(kValues, Rewind(platform.ole), [&](int value) {
         platform.ole->Read(&value, sizeof value, nullptr);
         bench::Keep(value);
     });
-    auto standardWrite = bench::Pass(kValues, Rewind(standard),
-                                     [&](int i) { standard.write(reinterpret_cast<const char*>(&i), sizeof i); });
+    auto standardWrite = bench::Pass(kValues, Rewind(standard), [&](int i) {
+        standard.write(reinterpret_cast<const char*>(&i), sizeof i);
+    });
     auto standardRead = bench::Pass(kValues, Rewind(standard), [&](int value) {
         standard.read(reinterpret_cast<char*>(&value), sizeof value);
         bench::Keep(value);
@@ -63,16 +64,19 @@ void BenchTypedValues() {
     ours->Release();
 }
 
-// Where a block lies decides how fast it is copied, so one of the plain copies uses a block of the library's heap.
+// Where a block lies decides how fast it is copied, so one of the plain copies uses a block of the
+// library's heap.
 void BenchBlocks() {
     IXStream* ours = new_StreamOnMemory();
     PlatformStream platform;
     std::stringstream standard(std::ios::in | std::ios::out | std::ios::binary);
     constexpr size_t kArea = size_t(kBlock) * kBlocks;
     auto sameHeap = static_cast<char*>(Mem_DefaultHeap(0)->Alloc(kArea));
-    auto aligned = static_cast<char*>(VirtualAlloc(nullptr, kArea, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
+    auto aligned =
+        static_cast<char*>(VirtualAlloc(nullptr, kArea, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
     std::string source(kBlock, 's'), target(kBlock, 't');
-    auto write = bench::Pass(kBlocks, Rewind(ours), [&](int) { ours->Write(source.data(), kBlock); });
+    auto write =
+        bench::Pass(kBlocks, Rewind(ours), [&](int) { ours->Write(source.data(), kBlock); });
     auto read = bench::Pass(kBlocks, Rewind(ours), [&](int) { ours->Read(target.data(), kBlock); });
     auto copyInto = [&](char* area) {
         return bench::Pass(
@@ -90,16 +94,24 @@ void BenchBlocks() {
                 bench::Keep(target[0]);
             });
     };
-    auto platformWrite =
-        bench::Pass(kBlocks, Rewind(platform.ole), [&](int) { platform.ole->Write(source.data(), kBlock, nullptr); });
-    auto standardWrite = bench::Pass(kBlocks, Rewind(standard), [&](int) { standard.write(source.data(), kBlock); });
+    auto platformWrite = bench::Pass(kBlocks, Rewind(platform.ole), [&](int) {
+        platform.ole->Write(source.data(), kBlock, nullptr);
+    });
+    auto standardWrite =
+        bench::Pass(kBlocks, Rewind(standard), [&](int) { standard.write(source.data(), kBlock); });
     write();
-    bench::Compare("memory stream, Write of 64 KiB", "memcpy, block of the heap", write, copyInto(sameHeap), kBlocks);
-    bench::Compare("memory stream, Write of 64 KiB", "memcpy, aligned to a page", write, copyInto(aligned), kBlocks);
-    bench::Compare("memory stream, Write of 64 KiB", "OLE memory stream", write, platformWrite, kBlocks);
-    bench::Compare("memory stream, Write of 64 KiB", "std::stringstream", write, standardWrite, kBlocks);
-    bench::Compare("memory stream, Read of 64 KiB", "memcpy, block of the heap", read, copyFrom(sameHeap), kBlocks);
-    bench::Compare("memory stream, Read of 64 KiB", "memcpy, aligned to a page", read, copyFrom(aligned), kBlocks);
+    bench::Compare("memory stream, Write of 64 KiB", "memcpy, block of the heap", write,
+                   copyInto(sameHeap), kBlocks);
+    bench::Compare("memory stream, Write of 64 KiB", "memcpy, aligned to a page", write,
+                   copyInto(aligned), kBlocks);
+    bench::Compare("memory stream, Write of 64 KiB", "OLE memory stream", write, platformWrite,
+                   kBlocks);
+    bench::Compare("memory stream, Write of 64 KiB", "std::stringstream", write, standardWrite,
+                   kBlocks);
+    bench::Compare("memory stream, Read of 64 KiB", "memcpy, block of the heap", read,
+                   copyFrom(sameHeap), kBlocks);
+    bench::Compare("memory stream, Read of 64 KiB", "memcpy, aligned to a page", read,
+                   copyFrom(aligned), kBlocks);
     VirtualFree(aligned, 0, MEM_RELEASE);
     Mem_DefaultHeap(0)->Free(sameHeap);
     ours->Release();
@@ -115,12 +127,15 @@ void BenchStorageStream() {
     for (int i = 0; i < kPieces; ++i) ours->Write(bytes, kPiece);
     ULONG count;
 
-    bench::Compare("storage stream, Read of 4 KiB", "raw IStream",
-                   bench::Pass(kPieces, Rewind(ours), [=](int) { ours->Read(bytes, kPiece); }),
-                   bench::Pass(kPieces, Rewind(raw), [&](int) { raw->Read(bytes, kPiece, &count); }), kPieces);
-    bench::Compare("storage stream, Write of 4 KiB", "raw IStream",
-                   bench::Pass(kPieces, Rewind(ours), [=](int) { ours->Write(bytes, kPiece); }),
-                   bench::Pass(kPieces, Rewind(raw), [&](int) { raw->Write(bytes, kPiece, &count); }), kPieces);
+    bench::Compare(
+        "storage stream, Read of 4 KiB", "raw IStream",
+        bench::Pass(kPieces, Rewind(ours), [=](int) { ours->Read(bytes, kPiece); }),
+        bench::Pass(kPieces, Rewind(raw), [&](int) { raw->Read(bytes, kPiece, &count); }), kPieces);
+    bench::Compare(
+        "storage stream, Write of 4 KiB", "raw IStream",
+        bench::Pass(kPieces, Rewind(ours), [=](int) { ours->Write(bytes, kPiece); }),
+        bench::Pass(kPieces, Rewind(raw), [&](int) { raw->Write(bytes, kPiece, &count); }),
+        kPieces);
     bench::Compare("storage stream, ReadLong", "raw IStream, 4 bytes",
                    bench::Pass(kValues, Rewind(ours), [=](int) { bench::Keep(ours->ReadLong()); }),
                    bench::Pass(kValues, Rewind(raw),
@@ -129,9 +144,11 @@ void BenchStorageStream() {
                                    bench::Keep(value);
                                }),
                    kValues);
-    bench::Compare("storage stream, WriteLong", "raw IStream, 4 bytes",
-                   bench::Pass(kValues, Rewind(ours), [=](int i) { ours->WriteLong(i); }),
-                   bench::Pass(kValues, Rewind(raw), [&](int i) { raw->Write(&i, sizeof i, &count); }), kValues);
+    bench::Compare(
+        "storage stream, WriteLong", "raw IStream, 4 bytes",
+        bench::Pass(kValues, Rewind(ours), [=](int i) { ours->WriteLong(i); }),
+        bench::Pass(kValues, Rewind(raw), [&](int i) { raw->Write(&i, sizeof i, &count); }),
+        kValues);
     raw->Release();
     ours->Release();
     storage->Release();

@@ -51,8 +51,8 @@ void BenchCopies(const CXString& ours, const String& peer) {
             bench::Keep(copy);
         });
     bench::Compare(
-        "string returned by value, 32 characters", "std::string", [&] { bench::Keep(ByValue(ours)); },
-        [&] { bench::Keep(ByValue(peer)); });
+        "string returned by value, 32 characters", "std::string",
+        [&] { bench::Keep(ByValue(ours)); }, [&] { bench::Keep(ByValue(peer)); });
     bench::Compare(
         "string from text, 32 characters", "std::string", [&] { bench::Keep(CXString(kText)); },
         [&] { bench::Keep(String(kText)); });
@@ -68,9 +68,11 @@ void BenchReading(const CXString& ours, const String& peer) {
         "length, 32 characters", "strlen", [&] { bench::Keep(ours.GetLength()); },
         [&] { bench::Keep(strlen(peer.c_str())); });
     bench::Compare(
-        "find a word", "std::string", [&] { bench::Keep(ours.Find("text")); }, [&] { bench::Keep(peer.find("text")); });
+        "find a word", "std::string", [&] { bench::Keep(ours.Find("text")); },
+        [&] { bench::Keep(peer.find("text")); });
     bench::Compare(
-        "find a character", "std::string", [&] { bench::Keep(ours.Find(L'x')); }, [&] { bench::Keep(peer.find('x')); });
+        "find a character", "std::string", [&] { bench::Keep(ours.Find(L'x')); },
+        [&] { bench::Keep(peer.find('x')); });
     String samePeer(kText);
     bench::Compare(
         "compare, 32 equal characters", "std::string", [&] { bench::Keep(ours.Compare(kText)); },
@@ -95,7 +97,9 @@ void BenchFormat() {
         s.Format(kFormat, "name", 42, 3.25);
         bench::Keep(s);
     };
-    auto runtime = [&] { bench::Keep(_snprintf(buffer, sizeof buffer, kFormat, "name", 42, 3.25)); };
+    auto runtime = [&] {
+        bench::Keep(_snprintf(buffer, sizeof buffer, kFormat, "name", 42, 3.25));
+    };
     bench::Compare("Format into a reused buffer", "_snprintf", intoReused, runtime);
     bench::Compare("Format into a fresh string", "_snprintf", fresh, runtime);
 #if defined(QXCORE_BENCH_FMT)

@@ -9,9 +9,10 @@
 // About 30 characters each, no two alike.
 inline std::vector<std::string> UiTexts(unsigned count) {
     static const char* const kWords[] = {
-        "Open", "the",    "file",   "Save",    "all",  "drawing", "in",    "layer",  "Select", "colour", "of",
-        "line", "Cannot", "find",   "printer", "page", "window",  "print", "object", "style",  "Edit",   "text",
-        "at",   "point",  "Insert", "block",   "size", "new",     "Close", "view",   "to",     "scale"};
+        "Open",   "the",    "file",   "Save",  "all",    "drawing", "in",      "layer",
+        "Select", "colour", "of",     "line",  "Cannot", "find",    "printer", "page",
+        "window", "print",  "object", "style", "Edit",   "text",    "at",      "point",
+        "Insert", "block",  "size",   "new",   "Close",  "view",    "to",      "scale"};
     std::mt19937 random(1);
     std::vector<std::string> texts;
     texts.reserve(count);

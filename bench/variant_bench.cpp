@@ -60,12 +60,16 @@ void BenchCopy() {
     std::any anyNumber(5), anyText(std::string{kText});
     Standard standardNumber(5), standardText(std::string{kText});
 
-    bench::Compare("variant copy, int", "VariantCopy", CopyAndDrop(number), CopyAndDropOle(oleNumber));
+    bench::Compare("variant copy, int", "VariantCopy", CopyAndDrop(number),
+                   CopyAndDropOle(oleNumber));
     bench::Compare("variant copy, int", "std::any", CopyAndDrop(number), CopyAndDrop(anyNumber));
-    bench::Compare("variant copy, int", "std::variant", CopyAndDrop(number), CopyAndDrop(standardNumber));
-    bench::Compare("variant copy, text of 32", "VariantCopy", CopyAndDrop(text), CopyAndDropOle(oleText));
+    bench::Compare("variant copy, int", "std::variant", CopyAndDrop(number),
+                   CopyAndDrop(standardNumber));
+    bench::Compare("variant copy, text of 32", "VariantCopy", CopyAndDrop(text),
+                   CopyAndDropOle(oleText));
     bench::Compare("variant copy, text of 32", "std::any", CopyAndDrop(text), CopyAndDrop(anyText));
-    bench::Compare("variant copy, text of 32", "std::variant", CopyAndDrop(text), CopyAndDrop(standardText));
+    bench::Compare("variant copy, text of 32", "std::variant", CopyAndDrop(text),
+                   CopyAndDrop(standardText));
 }
 
 auto ConvertTo(unsigned short type, const CQXVariant& source) {
@@ -93,7 +97,8 @@ void BenchConversion() {
                    ConvertToOle(VT_R8, oleNumber));
     bench::Compare("convert int to text", "VariantChangeType", ConvertTo(QXVT_STRING, number),
                    ConvertToOle(VT_BSTR, oleNumber));
-    bench::Compare("convert text to int", "VariantChangeType", ConvertTo(QXVT_INT, text), ConvertToOle(VT_I4, oleText));
+    bench::Compare("convert text to int", "VariantChangeType", ConvertTo(QXVT_INT, text),
+                   ConvertToOle(VT_I4, oleText));
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
-// The hash of 16 bytes is a sum of products that need not wait for each other, so a text is taken in aligned blocks
-// of 16. Bytes of a block that lie before the text count as zeros, which add nothing; those from its end on count as
-// zeros too, which multiply the hash by 257 each, and dividing by that afterwards is exact since 257 is odd. An
-// aligned block never reaches into a page that the text does not touch.
+// The hash of 16 bytes is a sum of products that need not wait for each other, so a text is taken
+// in aligned blocks of 16. Bytes of a block that lie before the text count as zeros, which add
+// nothing; those from its end on count as zeros too, which multiply the hash by 257 each, and
+// dividing by that afterwards is exact since 257 is odd. An aligned block never reaches into a page
+// that the text does not touch.
 #include <qxcore/hash.h>
 
 #include <bit>
@@ -43,7 +44,8 @@ struct InversePowers {
 };
 constexpr InversePowers kInverse;
 
-// Read from 16 - n on: n bytes kept and the rest cleared; from 32 - n on: n bytes cleared and the rest kept.
+// Read from 16 - n on: n bytes kept and the rest cleared; from 32 - n on: n bytes cleared and the
+// rest kept.
 struct Masks {
     signed char bytes[3 * kBlock];
     constexpr Masks() : bytes{} {
@@ -71,20 +73,22 @@ struct Folded {
     static __m128i Of(__m128i bytes) {
         __m128i fromA = _mm_cmpgt_epi8(bytes, _mm_set1_epi8('A' - 1)),
                 toZ = _mm_cmplt_epi8(bytes, _mm_set1_epi8('Z' + 1));
-        return _mm_add_epi8(bytes, _mm_and_si128(_mm_and_si128(fromA, toZ), _mm_set1_epi8('a' - 'A')));
+        return _mm_add_epi8(bytes,
+                            _mm_and_si128(_mm_and_si128(fromA, toZ), _mm_set1_epi8('a' - 'A')));
     }
 };
 
-// The hash of 16 bytes as the sum of two 32-bit numbers, in the low halves of the lanes. Neighbours are joined to
-// c0 * 257 + c1 first; `even` and `odd` are every second such pair.
+// The hash of 16 bytes as the sum of two 32-bit numbers, in the low halves of the lanes. Neighbours
+// are joined to c0 * 257 + c1 first; `even` and `odd` are every second such pair.
 __m128i BlockSum(__m128i bytes) {
     const __m128i joining = _mm_set1_epi32(1 << 16 | kBase);
     __m128i low = _mm_madd_epi16(_mm_srai_epi16(_mm_unpacklo_epi8(bytes, bytes), 8), joining);
     __m128i high = _mm_madd_epi16(_mm_srai_epi16(_mm_unpackhi_epi8(bytes, bytes), 8), joining);
     __m128i even = _mm_add_epi64(_mm_mul_epu32(low, Pair(Power(kBase, 14), Power(kBase, 10))),
                                  _mm_mul_epu32(high, Pair(Power(kBase, 6), Power(kBase, 2))));
-    __m128i odd = _mm_add_epi64(_mm_mul_epu32(_mm_srli_epi64(low, 32), Pair(Power(kBase, 12), Power(kBase, 8))),
-                                _mm_mul_epu32(_mm_srli_epi64(high, 32), Pair(Power(kBase, 4), 1)));
+    __m128i odd = _mm_add_epi64(
+        _mm_mul_epu32(_mm_srli_epi64(low, 32), Pair(Power(kBase, 12), Power(kBase, 8))),
+        _mm_mul_epu32(_mm_srli_epi64(high, 32), Pair(Power(kBase, 4), 1)));
     return _mm_add_epi64(even, odd);
 }
 
@@ -122,14 +126,17 @@ struct Plain {
     static char Of(char byte) { return byte; }
 };
 struct Folded {
-    static char Of(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte; }
+    static char Of(char byte) {
+        return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
+    }
 };
 
 template <class Case>
 QXTextHash Hash(const char* text) {
     QXTextHash hash{0, 1};
     for (; *text; ++text) {
-        hash.hash = hash.hash * kBase + static_cast<unsigned>(static_cast<signed char>(Case::Of(*text)));
+        hash.hash =
+            hash.hash * kBase + static_cast<unsigned>(static_cast<signed char>(Case::Of(*text)));
         hash.power *= kBase;
     }
     return hash;

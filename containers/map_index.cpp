@@ -57,8 +57,8 @@ void QXMapIndex::Add(unsigned hash, void* node, const void* target) noexcept {
     ++used;
 }
 
-// Closes the gap, so that no search ends early: a later slot of the run moves up when its home does not lie behind
-// the gap.
+// Closes the gap, so that no search ends early: a later slot of the run moves up when its home does
+// not lie behind the gap.
 void QXMapIndex::Remove(unsigned hash) noexcept {
     unsigned gap = Home(hash);
     while (slots[gap].hash != hash || !slots[gap].node) {

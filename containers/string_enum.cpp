@@ -14,7 +14,8 @@ const char* NextCharacter(const char* at) {
 bool IsSeparator(const char* at, const char* separators) {
     ptrdiff_t size = NextCharacter(at) - at;
     for (; *separators; separators = NextCharacter(separators)) {
-        if (NextCharacter(separators) - separators == size && memcmp(at, separators, size) == 0) return true;
+        if (NextCharacter(separators) - separators == size && memcmp(at, separators, size) == 0)
+            return true;
     }
     return false;
 }

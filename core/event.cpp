@@ -8,7 +8,8 @@ namespace {
 
 class CEvent : public CUnqueried<IEvent> {
 public:
-    explicit CEvent(int initialState) : handle(CreateEventA(nullptr, FALSE, initialState, nullptr)) {
+    explicit CEvent(int initialState)
+        : handle(CreateEventA(nullptr, FALSE, initialState, nullptr)) {
         if (!handle) throw CXMemException();
         ready = 1;
     }

@@ -13,7 +13,8 @@ constexpr size_t kAlign = 16;
 constexpr unsigned char kSlack = 0xFD;  // fills the rounding behind a block
 constexpr unsigned kQuarantine = 4096;  // freed blocks that stay unmapped
 
-// Stands at the start of a block's region; the block itself ends where the region's last page begins.
+// Stands at the start of a block's region; the block itself ends where the region's last page
+// begins.
 struct GuardBlock : QX_LISTITEM {
     size_t size;
     size_t pages;  // committed ones
@@ -73,8 +74,8 @@ void Unmap(GuardBlock* header) {
 }  // namespace
 
 HANDLE SystemHeapCreate() {
-    auto heap =
-        static_cast<GuardHeap*>(VirtualAlloc(nullptr, sizeof(GuardHeap), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    auto heap = static_cast<GuardHeap*>(
+        VirtualAlloc(nullptr, sizeof(GuardHeap), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     if (heap) InitializeCriticalSection(&heap->lock);
     return heap;
 }
@@ -95,7 +96,8 @@ void* SystemHeapAlloc(HANDLE handle, size_t size) {
     if (size > SIZE_MAX / 2) return nullptr;
     size_t rounded = RoundUp(size, kAlign);
     size_t pages = RoundUp(sizeof(GuardBlock) + rounded, kPage) / kPage;
-    auto region = static_cast<char*>(VirtualAlloc(nullptr, (pages + 1) * kPage, MEM_RESERVE, PAGE_NOACCESS));
+    auto region =
+        static_cast<char*>(VirtualAlloc(nullptr, (pages + 1) * kPage, MEM_RESERVE, PAGE_NOACCESS));
     if (!region) return nullptr;
     if (!VirtualAlloc(region, pages * kPage, MEM_COMMIT, PAGE_READWRITE)) {
         VirtualFree(region, 0, MEM_RELEASE);

@@ -11,7 +11,8 @@ namespace {
 constexpr char kAllLocksName[] = "QX_Fix_Fucking_NT_Bugs_Mutex";
 
 constinit int critSectCount = 0;
-constinit HANDLE allLocksMutex = nullptr;  // null while no lock lives, or when the system refused it
+constinit HANDLE allLocksMutex =
+    nullptr;  // null while no lock lives, or when the system refused it
 
 class CCritSect : public CUnqueried<ICritSect> {
 public:

@@ -31,7 +31,8 @@ CHeap** OwnerOf(void* block) {
 template <class Request>
 void* CMemManager::TryAgain(Request request) {
     void* result = nullptr;
-    for (unsigned attempt = 0; !result && sink && sink->OnLowMemory(attempt); ++attempt) result = request();
+    for (unsigned attempt = 0; !result && sink && sink->OnLowMemory(attempt); ++attempt)
+        result = request();
     return result;
 }
 
@@ -82,7 +83,8 @@ CHeap::~CHeap() {
 
 void* CHeap::AllocAgain(size_t total) {
     bool wrapped = total < kHeaderSize;
-    void* block = wrapped ? nullptr : g_memory.TryAgain([&] { return SystemHeapAlloc(handle, total); });
+    void* block =
+        wrapped ? nullptr : g_memory.TryAgain([&] { return SystemHeapAlloc(handle, total); });
     if (!block) throw CXMemException();
     return block;
 }
@@ -91,7 +93,8 @@ void CHeap::ReportLiveBlocks(int index) const {
     LiveBlocks live = SystemHeapLive(handle);
     if (live.count == 0) return;
     char line[128];
-    snprintf(line, sizeof line, "qxcore: %u blocks of %u bytes are still live on permanent heap %d\n",
+    snprintf(line, sizeof line,
+             "qxcore: %u blocks of %u bytes are still live on permanent heap %d\n",
              static_cast<unsigned>(live.count), static_cast<unsigned>(live.bytes), index);
     OutputDebugStringA(line);
 }

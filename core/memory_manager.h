@@ -9,7 +9,8 @@
 
 class CHeap : public CQXUnknownImpl<IHeap>, public QX_LISTITEM {
 public:
-    // Throws CXMemException when the system refuses and the sink gives up. `size` counts as activity and no more.
+    // Throws CXMemException when the system refuses and the sink gives up. `size` counts as
+    // activity and no more.
     CHeap(size_t size, bool pinned);
     ~CHeap() override;
 

@@ -1,7 +1,8 @@
 // The global allocation functions of every module that links the library.
 //
-// A block of `new` carries two heap words: that of the heap's Alloc, and its own right before the caller's bytes.
-// The tag there says who frees it: -1 the runtime, 0 the default heap, anything else that heap.
+// A block of `new` carries two heap words: that of the heap's Alloc, and its own right before the
+// caller's bytes. The tag there says who frees it: -1 the runtime, 0 the default heap, anything
+// else that heap.
 #include "core/memory_manager.h"
 #include "core/runtime_block.h"
 
@@ -40,8 +41,8 @@ void Deallocate(void* block) noexcept {
 
 }  // namespace
 
-// A compiler of the Microsoft ABI declares these operators itself, before any attribute of ours, so there the linker is
-// told to export them, by their decorated names.
+// A compiler of the Microsoft ABI declares these operators itself, before any attribute of ours, so
+// there the linker is told to export them, by their decorated names.
 #if defined(_MSC_VER)
 #define QXCORE_OPERATOR_API
 #pragma comment(linker, "/EXPORT:??2@YAPEAX_K@Z")

@@ -1,4 +1,5 @@
-// The system heap under every CHeap: the platform's calls, or the guard-page heap of hardened builds.
+// The system heap under every CHeap: the platform's calls, or the guard-page heap of hardened
+// builds.
 #ifndef QXCORE_CORE_SYSTEM_HEAP_H
 #define QXCORE_CORE_SYSTEM_HEAP_H
 
@@ -14,8 +15,8 @@ struct LiveBlocks {
 
 #if defined(QXCORE_GUARD_HEAP)
 
-// Each block ends at an unmapped page; a freed block stays unmapped while it is in quarantine. A write behind the
-// block's last byte within its 16-byte rounding is found when the block is freed.
+// Each block ends at an unmapped page; a freed block stays unmapped while it is in quarantine. A
+// write behind the block's last byte within its 16-byte rounding is found when the block is freed.
 HANDLE SystemHeapCreate();
 bool SystemHeapDestroy(HANDLE heap);
 void* SystemHeapAlloc(HANDLE heap, size_t size);  // zero-filled
@@ -29,7 +30,8 @@ inline HANDLE SystemHeapCreate() {
     constexpr DWORD kGrowable = 2;  // HEAP_GROWABLE
     HANDLE heap = HeapCreate(kGrowable, 0, 0);
     ULONG lowFragmentation = 2;
-    HeapSetInformation(heap, HeapCompatibilityInformation, &lowFragmentation, sizeof lowFragmentation);
+    HeapSetInformation(heap, HeapCompatibilityInformation, &lowFragmentation,
+                       sizeof lowFragmentation);
     return heap;
 }
 inline bool SystemHeapDestroy(HANDLE heap) {

@@ -18,10 +18,13 @@ void QXCreateObjName(const char* base, char* out, unsigned long) {
     sprintf(out, "%i%i", number, static_cast<int>(GetCurrentProcessId()));
 }
 
-void* QXCreateThread(const char* name, unsigned (*proc)(void*), void* arg, unsigned long* threadId) {
+void* QXCreateThread(const char* name, unsigned (*proc)(void*), void* arg,
+                     unsigned long* threadId) {
     unsigned id = 0;
-    // On 64-bit Windows all calling conventions are one, so the procedure goes to the runtime as it is.
-    auto thread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, proc, arg, CREATE_SUSPENDED, &id));
+    // On 64-bit Windows all calling conventions are one, so the procedure goes to the runtime as it
+    // is.
+    auto thread =
+        reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, proc, arg, CREATE_SUSPENDED, &id));
     if (!thread) return nullptr;
     char eventName[kObjNameSize];
     QXCreateObjName(name, eventName, id);

@@ -35,11 +35,14 @@ LockRecord* FindRecord(const char* path) {
 }
 
 KernelHandle OpenForLock(const char* path, DWORD access, DWORD sharing) {
-    constexpr DWORD kAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE | FILE_FLAG_NO_BUFFERING;
-    return KernelHandle(CreateFileA(path, access, sharing, nullptr, OPEN_EXISTING, kAttributes, nullptr));
+    constexpr DWORD kAttributes =
+        FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE | FILE_FLAG_NO_BUFFERING;
+    return KernelHandle(
+        CreateFileA(path, access, sharing, nullptr, OPEN_EXISTING, kAttributes, nullptr));
 }
 
-// False when somebody else has the file open. A file that does not exist is locked when the lock is next taken.
+// False when somebody else has the file open. A file that does not exist is locked when the lock is
+// next taken.
 bool TakeDiskLock(LockRecord& record) {
     if (record.hold || !Fio_IsFileExist(record.path)) return true;
     if (!OpenForLock(record.path, GENERIC_READ | GENERIC_WRITE, 0)) return false;

@@ -4,7 +4,8 @@
 
 #include <qxcore/fileops.h>
 
-// This program's own lock on a file is lifted while the object lives. The text of the path must live as long.
+// This program's own lock on a file is lifted while the object lives. The text of the path must
+// live as long.
 class LiftedLock {
 public:
     explicit LiftedLock(const char* path) : m_path(path) { Fio_ChangeNELock(m_path, 1); }

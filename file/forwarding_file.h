@@ -8,14 +8,17 @@
 
 #include <utility>
 
-// Every data operation of interface I goes to the inner file; only GetPath is the object's own. Exceptions pass
-// through with the inner file's path. Without an inner file data operations raise code 10.
+// Every data operation of interface I goes to the inner file; only GetPath is the object's own.
+// Exceptions pass through with the inner file's path. Without an inner file data operations raise
+// code 10.
 template <class I, class InnerFile>
 class CForwardingFile : public CQXUnknownImpl<I> {
 public:
     unsigned Read(void* buffer, unsigned count) override { return Inner().Read(buffer, count); }
     void Write(const void* buffer, unsigned count) override { Inner().Write(buffer, count); }
-    unsigned long long Seek(long long offset, int origin) override { return Inner().Seek(offset, origin); }
+    unsigned long long Seek(long long offset, int origin) override {
+        return Inner().Seek(offset, origin);
+    }
     unsigned long long Tell() override { return Inner().Tell(); }
     int Flush() override { return Inner().Flush(); }
     unsigned char ReadByte() override { return Inner().ReadByte(); }

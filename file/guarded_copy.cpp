@@ -59,10 +59,12 @@ ptrdiff_t qx_guarded_copy_line(char* to, const char* from, size_t count) {
 
 #else
 
-// The compiler has no guarded blocks, but its functions and the platform share one unwind table, so the copies are
-// written in assembler and name their handler there. The data behind the handler is the address where the function
-// goes on after a fault; the stack is then what it was at the faulting instruction.
-extern "C" EXCEPTION_DISPOSITION qx_guarded_copy_fault(EXCEPTION_RECORD* record, void*, CONTEXT* context,
+// The compiler has no guarded blocks, but its functions and the platform share one unwind table, so
+// the copies are written in assembler and name their handler there. The data behind the handler is
+// the address where the function goes on after a fault; the stack is then what it was at the
+// faulting instruction.
+extern "C" EXCEPTION_DISPOSITION qx_guarded_copy_fault(EXCEPTION_RECORD* record, void*,
+                                                       CONTEXT* context,
                                                        DISPATCHER_CONTEXT* dispatcher) {
     if (record->ExceptionFlags & EXCEPTION_NONCONTINUABLE) return ExceptionContinueSearch;
     context->Rip = dispatcher->ImageBase + *static_cast<const uint32_t*>(dispatcher->HandlerData);

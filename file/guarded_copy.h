@@ -1,7 +1,8 @@
 // Copies that survive an unreadable page.
 //
-// A mapped file raises a fault of the processor where its disk fails, and a memory file's address may be wrong. These
-// copies answer false then, having copied some of the bytes or none; the process goes on. Safe in every thread.
+// A mapped file raises a fault of the processor where its disk fails, and a memory file's address
+// may be wrong. These copies answer false then, having copied some of the bytes or none; the
+// process goes on. Safe in every thread.
 #ifndef QXCORE_FILE_GUARDED_COPY_H
 #define QXCORE_FILE_GUARDED_COPY_H
 
@@ -32,8 +33,8 @@ inline bool GuardedCopy(void* to, const void* from, size_t count) {
     }
 }
 
-// Copies up to and with the next line feed, at most `count` bytes. Answers how many, or, where one cannot be copied,
-// the complement of the number before it.
+// Copies up to and with the next line feed, at most `count` bytes. Answers how many, or, where one
+// cannot be copied, the complement of the number before it.
 inline ptrdiff_t GuardedCopyLine(char* to, const void* from, size_t count) {
     return qx_guarded_copy_line(to, static_cast<const char*>(from), count);
 }

@@ -10,8 +10,10 @@
 class KernelHandle {
 public:
     KernelHandle() = default;
-    explicit KernelHandle(HANDLE handle) : m_handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
-    KernelHandle(KernelHandle&& other) noexcept : m_handle(std::exchange(other.m_handle, nullptr)) {}
+    explicit KernelHandle(HANDLE handle)
+        : m_handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
+    KernelHandle(KernelHandle&& other) noexcept
+        : m_handle(std::exchange(other.m_handle, nullptr)) {}
     KernelHandle& operator=(KernelHandle&& other) noexcept {
         std::swap(m_handle, other.m_handle);
         return *this;

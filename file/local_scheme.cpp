@@ -83,7 +83,8 @@ bool IsDelimiter(char c) {
     return c == '\\' || c == '/';
 }
 
-// Every missing level in turn. Drives, an empty prefix, and the server and share of a network path exist already.
+// Every missing level in turn. Drives, an empty prefix, and the server and share of a network path
+// exist already.
 void CreateLocalDirectory(const char* path) {
     if (!path || !*path || Fio_IsFileExist(path)) return;
     constexpr char kDelimiters[] = "\\/";
@@ -91,7 +92,8 @@ void CreateLocalDirectory(const char* path) {
     CXString levels(path);
     levels.AddDirDelim();
     int existing = IsDelimiter(path[0]) && IsDelimiter(path[1]) ? kOfNetworkShare : 0;
-    for (int at = levels.FindOnOf(kDelimiters); at >= 0; at = levels.FindOnOf(kDelimiters, at + 1)) {
+    for (int at = levels.FindOnOf(kDelimiters); at >= 0;
+         at = levels.FindOnOf(kDelimiters, at + 1)) {
         if (--existing >= 0 || at == 0 || levels.GetAt(at - 1) == ':') continue;
         CXString level;
         levels.Extract(0, at, level);

@@ -4,8 +4,8 @@
 
 #include "file/scheme.h"
 
-// This build has no network service: every operation raises CXFileException code 13 with the URL as name, and no URL
-// is writable.
+// This build has no network service: every operation raises CXFileException code 13 with the URL as
+// name, and no URL is writable.
 extern const FileScheme g_urlScheme;
 
 #endif

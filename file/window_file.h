@@ -1,4 +1,5 @@
-// What files whose bytes are seen through a window in memory share: reading, the position, typed access, lines.
+// What files whose bytes are seen through a window in memory share: reading, the position, typed
+// access, lines.
 #ifndef QXCORE_FILE_WINDOW_FILE_H
 #define QXCORE_FILE_WINDOW_FILE_H
 
@@ -37,7 +38,8 @@ public:
         uint64_t target = base + uint64_t(offset);
         bool wraps = offset < 0 ? target > base : target < base;
         bool behindInput = m_mode == QXOP_READ && target > m_size;
-        if (origin < QXSEEK_START || origin > QXSEEK_END || wraps || behindInput) Raise(QXERR_SEEK, m_mode);
+        if (origin < QXSEEK_START || origin > QXSEEK_END || wraps || behindInput)
+            Raise(QXERR_SEEK, m_mode);
         return m_position = target;
     }
     unsigned long long Tell() final { return Seek(0, QXSEEK_CURRENT); }
@@ -53,12 +55,14 @@ public:
         bool ended = false;
         while (read < count && !ended && m_position < m_size) {
             if (!Readable()) Me().MoveWindow();
-            read += CopyLineOut(buffer + read, std::min<uint64_t>(Readable(), unsigned(count - read)));
+            read +=
+                CopyLineOut(buffer + read, std::min<uint64_t>(Readable(), unsigned(count - read)));
             ended = buffer[read - 1] == kLineFeed;
         }
         if (ended) --read;
         char* cell = buffer + read;
-        // Behind the line feed, and at the end of the file behind a cell that nothing was read into.
+        // Behind the line feed, and at the end of the file behind a cell that nothing was read
+        // into.
         if (count > 0 && read < count - 1) ++cell;
         *cell = 0;
         return read;
@@ -88,12 +92,16 @@ protected:
     }
     void SetSize(uint64_t size) {
         m_size = size;
-        m_readableLength = size > m_windowOffset ? std::min(m_windowLength, size - m_windowOffset) : 0;
+        m_readableLength =
+            size > m_windowOffset ? std::min(m_windowLength, size - m_windowOffset) : 0;
     }
-    // Where the byte at the position is shown. A number until it is used: a memory file's window may lie anywhere.
+    // Where the byte at the position is shown. A number until it is used: a memory file's window
+    // may lie anywhere.
     void* Cell() const { return reinterpret_cast<void*>(m_window + (m_position - m_windowOffset)); }
 
-    [[noreturn]] QXCORE_NOINLINE void Raise(int code, int operation) { throw CXFileException(code, m_path, operation); }
+    [[noreturn]] QXCORE_NOINLINE void Raise(int code, int operation) {
+        throw CXFileException(code, m_path, operation);
+    }
 
     uint64_t Size() const { return m_size; }
 

@@ -43,15 +43,16 @@ CXFile::CXFile(const CXString& path, int flags)
 void CXFile::OpenHandle(int flags) {
     DWORD hint = flags & QXFIO_RANDOM ? FILE_FLAG_RANDOM_ACCESS : FILE_FLAG_SEQUENTIAL_SCAN;
     if (m_mode == QXOP_READ) {
-        m_file =
-            KernelHandle(CreateFileA(m_path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                     FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE | hint, nullptr));
+        m_file = KernelHandle(CreateFileA(
+            m_path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+            FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE | hint, nullptr));
     } else {
         DWORD creation = flags & QXFIO_KEEP ? OPEN_EXISTING : CREATE_ALWAYS;
-        DWORD attributes =
-            flags & QXFIO_TEMPORARY ? FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE : FILE_ATTRIBUTE_ARCHIVE;
-        m_file = KernelHandle(
-            CreateFileA(m_path, GENERIC_READ | GENERIC_WRITE, 0, nullptr, creation, attributes | hint, nullptr));
+        DWORD attributes = flags & QXFIO_TEMPORARY
+                               ? FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE
+                               : FILE_ATTRIBUTE_ARCHIVE;
+        m_file = KernelHandle(CreateFileA(m_path, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                          creation, attributes | hint, nullptr));
     }
     if (!m_file) RaiseFileError(m_path, m_mode);
 }
@@ -69,8 +70,8 @@ void CXFile::MapFirst(int flags) {
 // REQUIRES: nothing is mapped. Length 0 is the file's own.
 bool CXFile::CreateMapping(uint64_t length) {
     DWORD protection = m_mode == QXOP_READ ? PAGE_READONLY : PAGE_READWRITE;
-    m_mapping = KernelHandle(
-        CreateFileMappingA(m_file.Get(), nullptr, protection, DWORD(length >> 32), DWORD(length), nullptr));
+    m_mapping = KernelHandle(CreateFileMappingA(m_file.Get(), nullptr, protection,
+                                                DWORD(length >> 32), DWORD(length), nullptr));
     return bool(m_mapping);
 }
 
@@ -129,7 +130,8 @@ bool CXFile::Close() {
     if (m_mode == QXOP_WRITE) {
         LARGE_INTEGER end;
         end.QuadPart = int64_t(Size());
-        cut = SetFilePointerEx(m_file.Get(), end, nullptr, FILE_BEGIN) && SetEndOfFile(m_file.Get());
+        cut =
+            SetFilePointerEx(m_file.Get(), end, nullptr, FILE_BEGIN) && SetEndOfFile(m_file.Get());
     }
     m_file.Close();
     return unmapped && mappingClosed && cut;

@@ -6,8 +6,8 @@
 #include "file/handles.h"
 #include "file/window_file.h"
 
-// The view is one chunk long, two allocation granularities, and starts at a multiple of it. An output file grows on
-// disk by whole chunks; the last release cuts it to its length.
+// The view is one chunk long, two allocation granularities, and starts at a multiple of it. An
+// output file grows on disk by whole chunks; the last release cuts it to its length.
 class CXFile final : public CWindowFile<CXFile, IXFile> {
 public:
     // A null path makes a temporary file. Raises CXFileException.

@@ -1,15 +1,17 @@
-// CXMemFile: a caller's block of memory, named by its address and size in the path, as a file to read.
+// CXMemFile: a caller's block of memory, named by its address and size in the path, as a file to
+// read.
 #ifndef QXCORE_FILE_XMEMFILE_H
 #define QXCORE_FILE_XMEMFILE_H
 
 #include "file/scheme.h"
 #include "file/window_file.h"
 
-// Paths "fmem::ADDRESS,SIZE": two decimal numbers with any mix of ',' and '.' between them. Both go through atoi, so
-// a block above the first 2 GiB of the address space cannot be named.
+// Paths "fmem::ADDRESS,SIZE": two decimal numbers with any mix of ',' and '.' between them. Both go
+// through atoi, so a block above the first 2 GiB of the address space cannot be named.
 extern const FileScheme g_memoryScheme;
 
-// Everything written is silently lost. The bytes belong to the caller and outlive every file over them.
+// Everything written is silently lost. The bytes belong to the caller and outlive every file over
+// them.
 class CXMemFile final : public CWindowFile<CXMemFile, IXOutFile> {
 public:
     explicit CXMemFile(const char* path);

@@ -2,7 +2,8 @@
 
 #include "file/file_lock.h"
 
-CXOutFile::CXOutFile(const char* target, const char* temp, int flags) : CForwardingFile(target), m_temp(temp) {
+CXOutFile::CXOutFile(const char* target, const char* temp, int flags)
+    : CForwardingFile(target), m_temp(temp) {
     if (!Fio_IsWritableFile(m_path)) throw CXFileException(QXERR_ACCESS_DENIED, m_path, QXOP_OPEN);
     if (Fio_IsFileExist(m_path)) {
         OpenOverTarget(flags);
@@ -14,7 +15,8 @@ CXOutFile::CXOutFile(const char* target, const char* temp, int flags) : CForward
 void CXOutFile::OpenOverTarget(int flags) {
     bool keep = flags & QXFIO_KEEP;
     if (keep) Fio_CopyFile(m_path, m_temp, 0);
-    Fio_LockFile(m_path);  // not locked where somebody else has it open; it is replaced as far as that lets it
+    Fio_LockFile(m_path);  // not locked where somebody else has it open; it is replaced as far as
+                           // that lets it
     try {
         OpenInner(flags);
         m_inner->Seek(0, keep ? QXSEEK_END : QXSEEK_START);
@@ -30,8 +32,8 @@ void CXOutFile::OpenInner(int flags) {
     if (!m_inner) throw CXMemException();
 }
 
-// The lock's record is found by the path, whoever made it: a target that vanished meanwhile keeps this object's lock,
-// and one that appeared loses a lock that a host took on it.
+// The lock's record is found by the path, whoever made it: a target that vanished meanwhile keeps
+// this object's lock, and one that appeared loses a lock that a host took on it.
 bool CXOutFile::UnlockTarget() {
     bool exists = Fio_IsFileExist(m_path);
     if (exists) Fio_UnlockFile(m_path);
@@ -42,7 +44,8 @@ void CXOutFile::Commit() {
     if (!m_inner) return;
     ReleaseInner();  // a file that cannot be closed whole is abandoned
     m_committed = true;
-    LiftedLock lifted(m_path);  // at its end the lock of those who still lock the target holds the new file
+    LiftedLock lifted(
+        m_path);  // at its end the lock of those who still lock the target holds the new file
     if (UnlockTarget()) Fio_DeleteFile(m_path);
     Fio_RenameFile(m_temp, m_path);
 }

@@ -1,4 +1,5 @@
-// CXOutFile: a local file that appears whole on Commit, written to a temporary file in the target's directory.
+// CXOutFile: a local file that appears whole on Commit, written to a temporary file in the target's
+// directory.
 #ifndef QXCORE_FILE_XOUTFILE_H
 #define QXCORE_FILE_XOUTFILE_H
 

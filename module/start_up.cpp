@@ -15,7 +15,8 @@ using EntryHook = void (*)(HINSTANCE module, DWORD reason);
 
 // A build that adds an export of this name is told when the library comes and goes.
 void CallEntryHook(HINSTANCE module, DWORD reason) {
-    auto hook = reinterpret_cast<EntryHook>(reinterpret_cast<void*>(GetProcAddress(module, "_QXAfxDllMain")));
+    auto hook = reinterpret_cast<EntryHook>(
+        reinterpret_cast<void*>(GetProcAddress(module, "_QXAfxDllMain")));
     if (hook) hook(module, reason);
 }
 

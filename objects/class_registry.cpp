@@ -28,8 +28,8 @@ QXCreator FindCreator(HINSTANCE module, const char* name) {
 
 CXString LastErrorText() {
     char text[260] = "";
-    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, GetLastError(), 0, text,
-                   sizeof text, nullptr);
+    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                   GetLastError(), 0, text, sizeof text, nullptr);
     return CXString(text);
 }
 

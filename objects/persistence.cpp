@@ -14,9 +14,11 @@ constexpr int kSizeBytes = 4;
 // The class name at the start of a frame.
 class FrameName {
 public:
-    explicit FrameName(IXStream* stream) : present(stream->ReadString(text, kNameBytes) && text[0]) {}
+    explicit FrameName(IXStream* stream)
+        : present(stream->ReadString(text, kNameBytes) && text[0]) {}
 
-    char text[kNameBytes + 2] = {};  // a stream may terminate a full text behind its end, or not at all
+    char text[kNameBytes + 2] =
+        {};  // a stream may terminate a full text behind its end, or not at all
     bool present;
 };
 

@@ -5,8 +5,8 @@
 #include <qxcore/persist.h>
 #include <qxcore/string.h>
 
-// Keeps the payload of a frame without understanding it and writes it back unchanged, any number of times. It stays a
-// proxy when its class becomes known later.
+// Keeps the payload of a frame without understanding it and writes it back unchanged, any number of
+// times. It stays a proxy when its class becomes known later.
 class CXProxy final : public CQXUnknownImpl<IPersistXStream> {
 public:
     CXProxy(const char* className, unsigned size) : className(className), size(size) {}

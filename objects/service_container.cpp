@@ -13,7 +13,8 @@ constexpr const char* kClassName = "CLSID_OFSERVICECONTAINER";
 
 CQXServiceContainer::~CQXServiceContainer() {
     if (!services.count) return;  // a walk over an unused table would make it
-    // Every sink hears of its removal; what one throws ends here, since a destructor has nobody to pass it to.
+    // Every sink hears of its removal; what one throws ends here, since a destructor has nobody to
+    // pass it to.
     ServiceMap::position at;
     while (IQXUnknown** object = services.GetNext(at)) {
         try {

@@ -9,7 +9,8 @@
 // Holds one reference on each object.
 using ServiceMap = CTMap<const char*, IQXUnknown*>;
 
-class CQXServiceContainer final : public CQXContainedObject<CQXServiceContainer>, public IQXServiceContainer {
+class CQXServiceContainer final : public CQXContainedObject<CQXServiceContainer>,
+                                  public IQXServiceContainer {
 public:
     CQXServiceContainer() : handle(static_cast<IQXServiceContainer*>(this)) {}
     ~CQXServiceContainer() override;

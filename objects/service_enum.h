@@ -10,7 +10,8 @@
 template <class T>
 class CServiceTableEnum : public CQXUnknownImpl<CTEnum<T>> {
 public:
-    CServiceTableEnum(ServiceMap* services, unsigned* enumerators) : services(services), enumerators(enumerators) {
+    CServiceTableEnum(ServiceMap* services, unsigned* enumerators)
+        : services(services), enumerators(enumerators) {
         ++*enumerators;
     }
     ~CServiceTableEnum() override { --*enumerators; }

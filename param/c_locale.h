@@ -7,7 +7,8 @@
 #include <clocale>
 #include <cstring>
 
-// Puts the process into the "C" locale for a scope. A process that is there already pays one comparison.
+// Puts the process into the "C" locale for a scope. A process that is there already pays one
+// comparison.
 class CLocale {
 public:
     CLocale() {

@@ -7,8 +7,8 @@
 #include <qxcore/enum.h>
 #include <qxcore/string.h>
 
-// Calls `visit` with a copy of each name, so that it may delete the entry. Takes over the enumerator's reference;
-// null is an empty walk.
+// Calls `visit` with a copy of each name, so that it may delete the entry. Takes over the
+// enumerator's reference; null is an empty walk.
 template <class Visit>
 void EachName(CTEnum<const char*>* names, Visit visit) {
     Reference<CTEnum<const char*>> walk(names);

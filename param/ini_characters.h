@@ -15,7 +15,8 @@ enum : unsigned { kIniSpace = 1, kIniSeparator = 2, kIniComment = 4 };
 
 // Texts are ranges [begin, end) that end at a character's end; they may hold NUL characters.
 //
-// Made for one read: it asks the runtime about each byte once, so that text takes no call for each character.
+// Made for one read: it asks the runtime about each byte once, so that text takes no call for each
+// character.
 class IniCharacters {
 public:
     IniCharacters();
@@ -50,12 +51,13 @@ public:
         while (begin < end && !IsAny(kIniSpace, begin)) begin = Next(begin, end);
         return begin;
     }
-    // In Find and FindEither the characters are ASCII, and kIniSlack more bytes may be read behind the end.
-    // The first character c in front of any NUL; without one that NUL, or `end`.
+    // In Find and FindEither the characters are ASCII, and kIniSlack more bytes may be read behind
+    // the end. The first character c in front of any NUL; without one that NUL, or `end`.
     char* Find(char c, char* begin, char* end) const {
         if (!m_multibyte) return FindByte(c, 0, begin, end);
         // A lead byte does not hide the NUL behind it.
-        while (begin < end && *begin != c && *begin) begin = begin[1] ? Next(begin, end) : begin + 1;
+        while (begin < end && *begin != c && *begin)
+            begin = begin[1] ? Next(begin, end) : begin + 1;
         return begin;
     }
     // The first of two characters, or `end`; a NUL is a character like others.
@@ -77,7 +79,8 @@ private:
         const __m128i as = _mm_set1_epi8(a), bs = _mm_set1_epi8(b);
         for (; begin < end; begin += sizeof as) {
             __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
-            int hits = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, as), _mm_cmpeq_epi8(bytes, bs)));
+            int hits = _mm_movemask_epi8(
+                _mm_or_si128(_mm_cmpeq_epi8(bytes, as), _mm_cmpeq_epi8(bytes, bs)));
             if (hits) return std::min(begin + std::countr_zero(unsigned(hits)), end);
         }
         return end;

@@ -18,7 +18,9 @@ constinit char g_logicalLine[kIniLineSize + 1 + kIniSlack] =
 // One read: a stack of files, each included by the one below it, and the node that keys go to.
 class IniReader {
 public:
-    IniReader(IXFile* file, IParam* root) : m_root(root), m_base(DirectoryOf(file->GetPath())) { Push(Hold(file)); }
+    IniReader(IXFile* file, IParam* root) : m_root(root), m_base(DirectoryOf(file->GetPath())) {
+        Push(Hold(file));
+    }
 
     void Read() {
         while (CInputBuffer* top = Top()) {
@@ -63,7 +65,8 @@ private:
         end = m_characters.Trim(kIniSpace, begin, end);
         *end = 0;
         if (begin == end || m_characters.Next(begin, end) == end) return;  // too short
-        if (*begin == 0 && *m_characters.Previous(begin, end) == 0) throw CXException(QXERR_INI_LINE);
+        if (*begin == 0 && *m_characters.Previous(begin, end) == 0)
+            throw CXException(QXERR_INI_LINE);
         if (*begin == '#' && ReadDirective(begin, end)) return;
         if (*begin == '[') {
             ReadSection(begin, end);
@@ -89,8 +92,8 @@ private:
         return _mbsicmp(bytes(word), bytes("include")) == 0;
     }
 
-    // The argument has no blank in it. One that starts with "." stands beside the including file, with the directory
-    // of the outermost file before it all the same.
+    // The argument has no blank in it. One that starts with "." stands beside the including file,
+    // with the directory of the outermost file before it all the same.
     void Include(CXString argument) {
         constexpr char kQuote = '"';
         if (argument.GetAt(0) == kQuote) argument.Delete(0, 1);
@@ -111,7 +114,8 @@ private:
         return directory + name;
     }
 
-    // "[\a\b" with or without "]". The first two characters go unread, so "[a]" and "[]" name the root like "[\]".
+    // "[\a\b" with or without "]". The first two characters go unread, so "[a]" and "[]" name the
+    // root like "[\]".
     void ReadSection(char* begin, char* end) {
         m_current = Hold(m_root);
         if (*m_characters.Previous(begin, end) == ']') *--end = 0;
@@ -119,7 +123,8 @@ private:
         for (int i = 0; i < 2 && p < end; ++i) p = m_characters.Next(p, end);
         while (p < end && m_current) {
             char* delimiter = m_characters.Find('\\', p, end);
-            char* next = *delimiter ? delimiter + 1 : end;  // behind a NUL there are no further levels
+            char* next =
+                *delimiter ? delimiter + 1 : end;  // behind a NUL there are no further levels
             *delimiter = 0;
             m_current = Reference<IParam>(m_current->OpenSubParam(p, 1));
             p = next;

@@ -9,8 +9,8 @@
 
 namespace {
 
-// A short decimal number that ends its text, which most numbers are: the runtime would say the same, later. Null where
-// the runtime has to be asked.
+// A short decimal number that ends its text, which most numbers are: the runtime would say the
+// same, later. Null where the runtime has to be asked.
 const char* ReadShortDecimal(const char* text, unsigned long& number) {
     constexpr int kMaxDigits = 9;
     number = 0;
@@ -20,7 +20,8 @@ const char* ReadShortDecimal(const char* text, unsigned long& number) {
     return whole ? p : nullptr;
 }
 
-// Reads the numbers of one value, one after the other, each behind the comma that follows the one before it.
+// Reads the numbers of one value, one after the other, each behind the comma that follows the one
+// before it.
 class NumberReader {
 public:
     explicit NumberReader(const char* text) : m_text(text) {}
@@ -104,7 +105,8 @@ CXString Formatted(const char* format, Args... args) {
     return text;
 }
 
-// A nibble above 10 gives a letter that is no hexadecimal digit, and 10 gives ":": such a byte is not read back.
+// A nibble above 10 gives a letter that is no hexadecimal digit, and 10 gives ":": such a byte is
+// not read back.
 char NibbleText(unsigned nibble) {
     return static_cast<char>(nibble <= 10 ? '0' + nibble : 'A' + nibble);
 }
@@ -154,10 +156,14 @@ struct IniType {
 
 // Found by letter when reading and by type when writing.
 constexpr IniType kIniTypes[] = {
-    {'e', QXVT_EMPTY, [](char*, tagQXVALUE&) { return true; }, [](const tagQXVALUE&) { return CXString(); }},
-    {'f', QXVT_BOOL, ReadFlag, [](const tagQXVALUE& v) { return CXString(v.boolVal == 1 ? "1" : "0"); }},
+    {'e', QXVT_EMPTY, [](char*, tagQXVALUE&) { return true; },
+     [](const tagQXVALUE&) { return CXString(); }},
+    {'f', QXVT_BOOL, ReadFlag,
+     [](const tagQXVALUE& v) { return CXString(v.boolVal == 1 ? "1" : "0"); }},
     {'b', QXVT_UI1, ReadByteDigits,
-     [](const tagQXVALUE& v) { return Formatted("%c%c", NibbleText(v.ui1Val >> 4), NibbleText(v.ui1Val & 15)); }},
+     [](const tagQXVALUE& v) {
+         return Formatted("%c%c", NibbleText(v.ui1Val >> 4), NibbleText(v.ui1Val & 15));
+     }},
     {'w', QXVT_UI2, ReadWord, [](const tagQXVALUE& v) { return Formatted("%u", v.ui2Val); }},
     {'W', QXVT_ULONG, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
      [](const tagQXVALUE& v) { return Formatted("%u", v.ulongVal); }},
@@ -171,16 +177,22 @@ constexpr IniType kIniTypes[] = {
      [](const tagQXVALUE& v) { return Decimal(v.doubleVal); }},
     {'r', QXVT_FLOAT, ReadFloat, [](const tagQXVALUE& v) { return Decimal(v.floatVal); }},
     {'s', QXVT_STRING, ReadText, [](const tagQXVALUE& v) { return CXString(v.string); }},
-    {'z', QXVT_SIZE, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.size.cx, v.size.cy); },
+    {'z', QXVT_SIZE,
+     [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.size.cx, v.size.cy); },
      [](const tagQXVALUE& v) { return Formatted("%d,%d", v.size.cx, v.size.cy); }},
-    {'Z', QXVT_RSIZE, [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rsize.cx, v.rsize.cy); },
+    {'Z', QXVT_RSIZE,
+     [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rsize.cx, v.rsize.cy); },
      [](const tagQXVALUE& v) { return Decimals(v.rsize.cx, v.rsize.cy); }},
-    {'p', QXVT_POINT, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.point.x, v.point.y); },
+    {'p', QXVT_POINT,
+     [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.point.x, v.point.y); },
      [](const tagQXVALUE& v) { return Formatted("%d,%d", v.point.x, v.point.y); }},
-    {'P', QXVT_RPOINT, [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rpoint.x, v.rpoint.y); },
+    {'P', QXVT_RPOINT,
+     [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rpoint.x, v.rpoint.y); },
      [](const tagQXVALUE& v) { return Decimals(v.rpoint.x, v.rpoint.y); }},
     {'t', QXVT_RECT,
-     [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.rect.left, v.rect.top, v.rect.right, v.rect.bottom); },
+     [](char* text, tagQXVALUE& v) {
+         return ReadNumbers(text, v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
+     },
      [](const tagQXVALUE& v) {
          return Formatted("%d,%d,%d,%d", v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
      }},

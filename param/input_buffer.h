@@ -1,8 +1,9 @@
 // Cuts a file into the logical lines of ini text.
 //
-// A physical line is what the file's ReadLine delivers; "|" divides it into logical lines, and ";" starts a comment
-// that runs to its end, wherever it stands. There is no way to escape either. A physical line of no bytes, a lone line
-// feed, ends the input like the end of the file; one with a carriage return does not.
+// A physical line is what the file's ReadLine delivers; "|" divides it into logical lines, and ";"
+// starts a comment that runs to its end, wherever it stands. There is no way to escape either. A
+// physical line of no bytes, a lone line feed, ends the input like the end of the file; one with a
+// carriage return does not.
 #ifndef QXCORE_PARAM_INPUT_BUFFER_H
 #define QXCORE_PARAM_INPUT_BUFFER_H
 
@@ -25,15 +26,16 @@ public:
     CInputBuffer(Reference<IXFile> file, const IniCharacters& characters)
         : m_file(std::move(file)), m_characters(characters) {}
 
-    // False at the end of the input. The line is copied to `out`, which holds kIniLineSize + 1 + kIniSlack bytes.
+    // False at the end of the input. The line is copied to `out`, which holds kIniLineSize + 1 +
+    // kIniSlack bytes.
     bool NextLine(char* out, IniLine& line);
     IXFile* File() const { return m_file.Get(); }
 
 private:
     Reference<IXFile> m_file;
     const IniCharacters& m_characters;
-    // What is left of the physical line. The buffer behind it is one for all instances, so what stands behind an
-    // include on its line is lost to the included file.
+    // What is left of the physical line. The buffer behind it is one for all instances, so what
+    // stands behind an include on its line is lost to the included file.
     char* m_current = nullptr;
     char* m_end = nullptr;
 

@@ -76,8 +76,8 @@ int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
     return 1;
 }
 
-// A path stores its leaf in the child and, kept so on purpose, the whole name here too: EnumValues shows it, and
-// GetValue never reads it.
+// A path stores its leaf in the child and, kept so on purpose, the whole name here too: EnumValues
+// shows it, and GetValue never reads it.
 int CMemParam::SetValue(const char* name, const tagQXVARIANT* value) {
     if (auto path = SplitAtLast(name)) {
         Reference<IParam> child(OpenSubParam(path->head, 1));

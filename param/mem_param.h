@@ -15,7 +15,9 @@ public:
     // The public count is the node's own.
     unsigned AddRef() override { return ++m_publicRefs; }
     unsigned Release() override;
-    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override { return m_attached.Query(id, out); }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+        return m_attached.Query(id, out);
+    }
     int RegisterInterface(IQXUnknown* object, qx_type_info const& id, int counted) override {
         return m_attached.Register(object, id, counted);
     }

@@ -11,7 +11,9 @@ struct NameList::Name : QX_LISTITEM {
 // Each reference holds the list too.
 class NameList::Walk final : public _CCollectionEnum<NameList, const char*>, public QX_LISTITEM {
 public:
-    explicit Walk(NameList* names) : _CCollectionEnum(names), QX_LISTITEM{} { names->m_walks.Append(this); }
+    explicit Walk(NameList* names) : _CCollectionEnum(names), QX_LISTITEM{} {
+        names->m_walks.Append(this);
+    }
     ~Walk() { m_collection->m_walks.Unlink(this); }
 
     int Next(unsigned count, const char** out, unsigned* fetched) override {
@@ -62,7 +64,8 @@ NameList::Name* NameList::Add(const char* text) {
 
 void NameList::Remove(Name* name) noexcept {
     QX_LISTITEM* walk = m_walks.head;
-    for (unsigned left = m_walks.count; left; --left, walk = walk->next) static_cast<Walk*>(walk)->Leave(name);
+    for (unsigned left = m_walks.count; left; --left, walk = walk->next)
+        static_cast<Walk*>(walk)->Leave(name);
     m_names.Unlink(name);
     operator delete(name);
 }
@@ -75,7 +78,8 @@ void NameList::Remove(const char* text) {
 
 void NameList::Clear() noexcept {
     QX_LISTITEM* walk = m_walks.head;
-    for (unsigned left = m_walks.count; left; --left, walk = walk->next) static_cast<Walk*>(walk)->End();
+    for (unsigned left = m_walks.count; left; --left, walk = walk->next)
+        static_cast<Walk*>(walk)->End();
     while (Name* name = First()) {
         m_names.Unlink(name);
         operator delete(name);

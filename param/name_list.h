@@ -5,8 +5,9 @@
 #include <qxcore/enum.h>
 #include <qxcore/listitem.h>
 
-// The live list is walked, so a walk sees what is added before it has come to its end. An entry that is removed moves
-// the walks that stand at it on to the next one; after Clear a walk is at its end until it is reset.
+// The live list is walked, so a walk sees what is added before it has come to its end. An entry
+// that is removed moves the walks that stand at it on to the next one; after Clear a walk is at its
+// end until it is reset.
 class NameList final : public CQXUnknownImpl<IQXUnknown> {
 public:
     struct Name;

@@ -1,7 +1,9 @@
-// One of the two name spaces of a node in memory: items by the hash of their folded names, and the names in order.
+// One of the two name spaces of a node in memory: items by the hash of their folded names, and the
+// names in order.
 //
-// The map compares hashes and nothing else, so it needs no texts: two names with one hash are one item. The list
-// compares texts without regard to case. Replacing an item keeps its place and its first spelling in the list.
+// The map compares hashes and nothing else, so it needs no texts: two names with one hash are one
+// item. The list compares texts without regard to case. Replacing an item keeps its place and its
+// first spelling in the list.
 #ifndef QXCORE_PARAM_NAMED_ITEMS_H
 #define QXCORE_PARAM_NAMED_ITEMS_H
 
@@ -56,7 +58,8 @@ public:
 
 private:
     CTMap<unsigned, Item> m_items;
-    Reference<NameList> m_names;  // made by the first name or walk: an empty node costs its fields alone
+    Reference<NameList>
+        m_names;  // made by the first name or walk: an empty node costs its fields alone
 
     NameList& Names() {
         if (!m_names) m_names = Reference<NameList>(new NameList);

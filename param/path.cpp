@@ -8,7 +8,8 @@ namespace {
 constexpr char kDelimiter = '\\';
 constexpr char kDefaultName[] = "@";
 
-// By whole characters; a lead byte without its trail byte is none, so that the walk stays inside the text.
+// By whole characters; a lead byte without its trail byte is none, so that the walk stays inside
+// the text.
 const char* FirstDelimiter(const char* p) {
     for (; *p; ++p) {
         if (*p == kDelimiter) return p;

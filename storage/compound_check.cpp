@@ -65,7 +65,9 @@ public:
         return m_taken[sector] = true;
     }
     // Takes a sector that must carry this mark instead of a successor.
-    bool TakeMarked(uint32_t sector, uint32_t mark) { return Take(sector) && m_next[sector] == mark; }
+    bool TakeMarked(uint32_t sector, uint32_t mark) {
+        return Take(sector) && m_next[sector] == mark;
+    }
     // Takes a whole chain of less than `limit` sectors and tells each one.
     template <class Visit>
     bool TakeChain(uint32_t sector, uint32_t limit, Visit visit) {
@@ -103,7 +105,8 @@ private:
     bool StreamIsSound(const Entry& entry);
 
     uint64_t SizeOf(const Entry& entry) const {
-        return m_header.majorVersion < 4 ? entry.size : entry.size | static_cast<uint64_t>(entry.sizeHigh) << 32;
+        return m_header.majorVersion < 4 ? entry.size
+                                         : entry.size | static_cast<uint64_t>(entry.sizeHigh) << 32;
     }
     // What lies behind the end of the file reads as zeros.
     void Read(uint32_t sector, void* buffer) {
@@ -131,12 +134,13 @@ bool CompoundFile::ReadHeader() {
 
 bool CompoundFile::HeaderIsSound() const {
     int shift = m_header.majorVersion == 4 ? 12 : 9;
-    return (m_header.majorVersion == 3 || m_header.majorVersion == 4) && m_header.sectorShift == shift &&
-           m_header.miniShift == kMiniShift && m_header.miniCutoff == kMiniCutoff;
+    return (m_header.majorVersion == 3 || m_header.majorVersion == 4) &&
+           m_header.sectorShift == shift && m_header.miniShift == kMiniShift &&
+           m_header.miniCutoff == kMiniCutoff;
 }
 
-// The sectors of the table of sectors are listed in the header and, beyond that, in a chain of sectors of their own
-// whose last number is the next link.
+// The sectors of the table of sectors are listed in the header and, beyond that, in a chain of
+// sectors of their own whose last number is the next link.
 bool CompoundFile::ListFatSectors(uint32_t* sectors, uint32_t* lists) {
     uint32_t known = std::min(m_header.fatSectors, kFatSectorsInHeader);
     std::copy_n(m_header.fat, known, sectors);
@@ -158,7 +162,8 @@ bool CompoundFile::ReadFat() {
     m_sectorSize = 1u << m_header.sectorShift;
     m_idsPerSector = m_sectorSize / sizeof(uint32_t);
     uint64_t whole = m_length <= m_sectorSize ? 0 : (m_length - 1) / m_sectorSize;
-    if (whole >= kDifatSector || m_header.fatSectors > whole || m_header.difatSectors > whole) return false;
+    if (whole >= kDifatSector || m_header.fatSectors > whole || m_header.difatSectors > whole)
+        return false;
     m_sectors = static_cast<uint32_t>(whole);
 
     auto sectors = std::make_unique<uint32_t[]>(m_header.fatSectors);
@@ -177,22 +182,26 @@ bool CompoundFile::ReadFat() {
 
 bool CompoundFile::ReadDirectory() {
     uint32_t perSector = m_sectorSize / sizeof(Entry), sectors = 0;
-    if (!m_fat.TakeChain(m_header.firstDirectory, m_sectors, [&](uint32_t) { ++sectors; })) return false;
+    if (!m_fat.TakeChain(m_header.firstDirectory, m_sectors, [&](uint32_t) { ++sectors; }))
+        return false;
     m_entryCount = sectors * perSector;
     m_entries = std::make_unique<Entry[]>(m_entryCount);
     Entry* at = m_entries.get();
-    for (uint32_t sector = m_header.firstDirectory; sector != kEndOfChain; sector = m_fat.Next()[sector]) {
+    for (uint32_t sector = m_header.firstDirectory; sector != kEndOfChain;
+         sector = m_fat.Next()[sector]) {
         Read(sector, at);
         at += perSector;
     }
     return m_entryCount > 0 && m_entries[0].type == kRootEntry;
 }
 
-// The mini stream is the root's own; its sectors and the table of its parts are chains like any other.
+// The mini stream is the root's own; its sectors and the table of its parts are chains like any
+// other.
 bool CompoundFile::ReadMiniFat() {
     uint64_t size = SizeOf(m_entries[0]);
     uint32_t sectors = 0, tables = 0;
-    if (size && !m_fat.TakeChain(m_entries[0].start, m_sectors, [&](uint32_t) { ++sectors; })) return false;
+    if (size && !m_fat.TakeChain(m_entries[0].start, m_sectors, [&](uint32_t) { ++sectors; }))
+        return false;
     if (size > static_cast<uint64_t>(sectors) * m_sectorSize) return false;
     m_miniSectors = static_cast<uint32_t>((size + (1u << kMiniShift) - 1) >> kMiniShift);
 
@@ -200,7 +209,8 @@ bool CompoundFile::ReadMiniFat() {
     m_miniFat.Resize(m_header.miniFatSectors * m_idsPerSector);
     if (!m_header.miniFatSectors) return true;
     bool whole = m_fat.TakeChain(m_header.firstMiniFat, m_sectors, [&](uint32_t sector) {
-        if (tables < m_header.miniFatSectors) Read(sector, m_miniFat.Next() + tables * m_idsPerSector);
+        if (tables < m_header.miniFatSectors)
+            Read(sector, m_miniFat.Next() + tables * m_idsPerSector);
         ++tables;
     });
     return whole && tables == m_header.miniFatSectors;
@@ -212,17 +222,20 @@ bool CompoundFile::StreamIsSound(const Entry& entry) {
     bool mini = size < kMiniCutoff;
     uint32_t parts = 0;
     SectorTable& table = mini ? m_miniFat : m_fat;
-    if (!table.TakeChain(entry.start, mini ? m_miniSectors : m_sectors, [&](uint32_t) { ++parts; })) return false;
+    if (!table.TakeChain(entry.start, mini ? m_miniSectors : m_sectors, [&](uint32_t) { ++parts; }))
+        return false;
     return size <= static_cast<uint64_t>(parts) << (mini ? kMiniShift : m_header.sectorShift);
 }
 
 bool CompoundFile::EntryIsSound(const Entry& entry) {
     int length = entry.nameBytes / 2;
-    if (entry.nameBytes % 2 || length < 2 || length > 32 || entry.name[length - 1] != 0) return false;
+    if (entry.nameBytes % 2 || length < 2 || length > 32 || entry.name[length - 1] != 0)
+        return false;
     return entry.type == kStorageEntry || (entry.type == kStreamEntry && StreamIsSound(entry));
 }
 
-// Each entry hangs in one place of the tree. The entries still to be looked at wait on a pile of their own.
+// Each entry hangs in one place of the tree. The entries still to be looked at wait on a pile of
+// their own.
 bool CompoundFile::TreeIsSound() {
     auto pile = std::make_unique<uint32_t[]>(m_entryCount);
     auto seen = std::make_unique<bool[]>(m_entryCount);

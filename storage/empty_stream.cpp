@@ -6,7 +6,8 @@
 
 namespace {
 
-// Swallows writes and reads as zeros. A seek finds one byte, and nothing but a seek moves the position.
+// Swallows writes and reads as zeros. A seek finds one byte, and nothing but a seek moves the
+// position.
 class CEmptyStream final : public CTypedStream<CEmptyStream> {
 public:
     int Read(void* buffer, int count) override {

@@ -22,9 +22,11 @@ void CMemoryBlock::Install(char* block, unsigned size) {
     capacity = size;
 }
 
-// Adds whole steps to what is there, at least as much as is needed: this is no rounding up of the need.
+// Adds whole steps to what is there, at least as much as is needed: this is no rounding up of the
+// need.
 void CMemoryBlock::Grow(long long needed) {
-    if (growth == 0) RaiseException(EXCEPTION_INT_DIVIDE_BY_ZERO, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    if (growth == 0)
+        RaiseException(EXCEPTION_INT_DIVIDE_BY_ZERO, EXCEPTION_NONCONTINUABLE, 0, nullptr);
     if (needed > INT_MAX) throw CXMemException();
     long long grown = capacity + (needed / growth + 1) * growth;
     auto size = static_cast<unsigned>(std::min<long long>(grown, UINT_MAX));

@@ -10,9 +10,11 @@ public:
     CMemoryBlock& operator=(const CMemoryBlock&) = delete;
 
     bool Holds(long long bytes) const { return bytes <= capacity; }
-    // Makes room for more bytes than it holds. Beyond 2 GB throws CXMemException; a growth of 0 divides by zero.
+    // Makes room for more bytes than it holds. Beyond 2 GB throws CXMemException; a growth of 0
+    // divides by zero.
     void Grow(long long needed);
-    // Replaces the bytes by a copy, or by zeros for null, and lets the block grow in steps of its size from then on.
+    // Replaces the bytes by a copy, or by zeros for null, and lets the block grow in steps of its
+    // size from then on.
     void Set(const void* bytes, unsigned size);
 
     char* data = nullptr;

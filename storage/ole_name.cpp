@@ -18,7 +18,8 @@ int BytesOf(const char* text, int limit) {
 
 const wchar_t* OleName::Set(const char* narrow) {
     memset(m_text, 0, sizeof m_text);
-    if (narrow && *narrow) MultiByteToWideChar(CP_ACP, 0, narrow, BytesOf(narrow, kLength), m_text, kLength);
+    if (narrow && *narrow)
+        MultiByteToWideChar(CP_ACP, 0, narrow, BytesOf(narrow, kLength), m_text, kLength);
     return m_text;
 }
 

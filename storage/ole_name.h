@@ -2,8 +2,8 @@
 #ifndef QXCORE_STORAGE_OLE_NAME_H
 #define QXCORE_STORAGE_OLE_NAME_H
 
-// What does not fit is cut, and nothing tells the caller. Each operation keeps a static one of its own, so no
-// operation may run twice at a time.
+// What does not fit is cut, and nothing tells the caller. Each operation keeps a static one of its
+// own, so no operation may run twice at a time.
 class OleName {
 public:
     constexpr OleName() = default;

@@ -21,7 +21,8 @@ HRESULT WithElementName(OleName& wide, const char* name, Call call) {
 }
 
 HRESULT DeleteElement(IStorage* ole, OleName& wide, const char* name) {
-    HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) { return ole->DestroyElement(text); });
+    HRESULT status =
+        WithElementName(wide, name, [&](const wchar_t* text) { return ole->DestroyElement(text); });
     if (FAILED(status)) throw CXFileException(CodeOfStatus(status), nullptr, QXOP_DELETE_ELEMENT);
     return status;
 }
@@ -47,14 +48,16 @@ struct Element : STATSTG {
 const char* NarrowName(const wchar_t* name) {
     constexpr int kSize = 512;
     static constinit char narrow[kSize] = {};
-    if (!WideCharToMultiByte(CP_ACP, 0, name, -1, narrow, kSize, nullptr, nullptr)) narrow[kSize - 1] = 0;
+    if (!WideCharToMultiByte(CP_ACP, 0, name, -1, narrow, kSize, nullptr, nullptr))
+        narrow[kSize - 1] = 0;
     return narrow;
 }
 
 }  // namespace
 
 DWORD OleModeOf(unsigned flags, OleRole role) {
-    bool transacted = flags & QXSTG_TRANSACTED, readOnly = flags & QXSTG_READ_ONLY, root = role == OleRole::Root;
+    bool transacted = flags & QXSTG_TRANSACTED, readOnly = flags & QXSTG_READ_ONLY,
+         root = role == OleRole::Root;
     DWORD mode = STGM_SHARE_EXCLUSIVE;
     if (!readOnly) mode |= STGM_READWRITE;
     if (transacted && role != OleRole::Stream) mode |= STGM_TRANSACTED;
@@ -86,7 +89,8 @@ IXStorage* COleStorage::CreateStorage(const char* name, int) {
     static constinit OleName wide;
     Reference<IStorage> child;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
-        return m_ole->CreateStorage(text, OleModeOf(m_flags, OleRole::SubStorage) | STGM_CREATE, 0, 0, child.Out());
+        return m_ole->CreateStorage(text, OleModeOf(m_flags, OleRole::SubStorage) | STGM_CREATE, 0,
+                                    0, child.Out());
     });
     return NewChild(status, child.Get(), name);
 }
@@ -95,7 +99,8 @@ IXStorage* COleStorage::OpenStorage(const char* name) {
     static constinit OleName wide;
     Reference<IStorage> child;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
-        return m_ole->OpenStorage(text, nullptr, OleModeOf(m_flags, OleRole::SubStorage), nullptr, 0, child.Out());
+        return m_ole->OpenStorage(text, nullptr, OleModeOf(m_flags, OleRole::SubStorage), nullptr,
+                                  0, child.Out());
     });
     return NewChild(status, child.Get(), name);
 }
@@ -109,7 +114,8 @@ IXStream* COleStorage::CreateStream(const char* name) {
     static constinit OleName wide;
     Reference<IStream> stream;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
-        return m_ole->CreateStream(text, OleModeOf(m_flags, OleRole::Stream) | STGM_CREATE, 0, 0, stream.Out());
+        return m_ole->CreateStream(text, OleModeOf(m_flags, OleRole::Stream) | STGM_CREATE, 0, 0,
+                                   stream.Out());
     });
     return NewStream(status, name, stream.Get());
 }
@@ -118,7 +124,8 @@ IXStream* COleStorage::OpenStream(const char* name) {
     static constinit OleName wide;
     Reference<IStream> stream;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
-        return m_ole->OpenStream(text, nullptr, OleModeOf(m_flags, OleRole::Stream), 0, stream.Out());
+        return m_ole->OpenStream(text, nullptr, OleModeOf(m_flags, OleRole::Stream), 0,
+                                 stream.Out());
     });
     return NewStream(status, name, stream.Get());
 }

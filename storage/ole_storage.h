@@ -42,7 +42,8 @@ private:
     IXStorage* NewChild(HRESULT status, IStorage* ole, const char* name);
     CTEnum<const char*>* EnumNames(DWORD type);
 
-    // The last release lets go of the storage first, then of the parent, so that the root closes last.
+    // The last release lets go of the storage first, then of the parent, so that the root closes
+    // last.
     CXString m_path;
     unsigned m_flags;
     Reference<IXStorage> m_parent;

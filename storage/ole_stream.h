@@ -25,11 +25,13 @@ public:
     CStream(const char* name, IStream* ole);
 
     int Read(void* buffer, int count) override;
-    // Answers the status of the write, 0 for S_OK. A failure is reported with the operation of a read.
+    // Answers the status of the write, 0 for S_OK. A failure is reported with the operation of a
+    // read.
     int Write(const void* buffer, int count) override;
     int Seek(int offset, int origin) override;
     int Tell() override { return Seek(0, STREAM_SEEK_CUR); }
-    // The last byte of a full buffer gives way to the terminator; with no end found that stands behind count.
+    // The last byte of a full buffer gives way to the terminator; with no end found that stands
+    // behind count.
     int ReadString(char* buffer, int count) override;
     // Moves the position for a moment.
     int GetLength() override;
@@ -50,7 +52,8 @@ public:
     // The commit is what makes writes durable.
     ~COLEBasedXStream() override;
 
-    // A success flag: 1 when everything was delivered. A short read answers 0 and still has moved the position.
+    // A success flag: 1 when everything was delivered. A short read answers 0 and still has moved
+    // the position.
     int Read(void* buffer, int count) override;
     // A failing status, or the count asked for.
     int Write(const void* buffer, int count) override;

@@ -92,7 +92,9 @@ IXStorage* open_Storage(const char* path, int readOnly) {
     if (path && !IsSoundCompoundFile(path)) Check(STG_E_DOCFILECORRUPT, path);
     unsigned flags = readOnly ? QXSTG_READ_ONLY : QXSTG_TRANSACTED;
     Reference<IStorage> ole;
-    Check(StgOpenStorage(wide.Set(path), nullptr, OleModeOf(flags, OleRole::Root), nullptr, 0, ole.Out()), path);
+    Check(StgOpenStorage(wide.Set(path), nullptr, OleModeOf(flags, OleRole::Root), nullptr, 0,
+                         ole.Out()),
+          path);
     return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, path);
 }
 

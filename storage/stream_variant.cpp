@@ -15,7 +15,8 @@ namespace {
 
 constexpr int kOwnForm = 0;  // not a plain copy of the value area
 
-// The bytes of the value area that travel, by type code. The empty kinds carry 4 bytes all the same.
+// The bytes of the value area that travel, by type code. The empty kinds carry 4 bytes all the
+// same.
 constexpr int kPayload[] = {
     4,         // QXVT_EMPTY
     4,         // QXVT_BOOL
@@ -64,7 +65,8 @@ public:
     }
 
 private:
-    // Whether anything came, or nothing was asked for. What the stream does not deliver keeps its zeros.
+    // Whether anything came, or nothing was asked for. What the stream does not deliver keeps its
+    // zeros.
     bool Fill(void* bytes, int count) { return count == 0 || m_stream->Read(bytes, count) != 0; }
 
     // The terminator travels with the text; one more byte stands guard where it does not.
@@ -72,7 +74,8 @@ private:
         unsigned length = 0;
         bool hasLength = Fill(&length, sizeof length);
         if (length > INT_MAX) Refuse();
-        std::unique_ptr<char, ValueDeleter> buffer(static_cast<char*>(AllocValue(static_cast<size_t>(length) + 1)));
+        std::unique_ptr<char, ValueDeleter> buffer(
+            static_cast<char*>(AllocValue(static_cast<size_t>(length) + 1)));
         bool hasText = Fill(buffer.get(), static_cast<int>(length));
         text = buffer.release();
         return hasLength && hasText;
@@ -88,7 +91,9 @@ private:
         return hasBytes;
     }
 
-    [[noreturn]] void Refuse() { throw CXFileException(QXERR_FORMAT, m_stream->GetName(), QXOP_READ); }
+    [[noreturn]] void Refuse() {
+        throw CXFileException(QXERR_FORMAT, m_stream->GetName(), QXOP_READ);
+    }
 
     IXStream* m_stream;
 };
@@ -133,6 +138,7 @@ void WriteStreamVariant(IXStream* stream, const tagQXVARIANT* variant) {
         case QXVT_UNKNOWN:
             return WriteObject(stream, variant->value.unknown);
         default:
-            if (variant->type < QXVT_UNKNOWN) stream->Write(&variant->value, kPayload[variant->type]);
+            if (variant->type < QXVT_UNKNOWN)
+                stream->Write(&variant->value, kPayload[variant->type]);
     }
 }

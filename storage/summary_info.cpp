@@ -99,12 +99,14 @@ Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document
     return OrNothing([&] {
         Reference<IPropertyStorage> set;
         HRESULT status = m_sets->Open(format, mode, set.Out());
-        if (FAILED(status) && writing) m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Out());
+        if (FAILED(status) && writing)
+            m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Out());
         return set;
     });
 }
 
-// Both sets are opened whichever is needed, so a set that another object holds open is no hindrance only to the other.
+// Both sets are opened whichever is needed, so a set that another object holds open is no hindrance
+// only to the other.
 int CIQXSummaryInfo::Read(const char* name, CQXVariant* value) {
     int number;
     if (!Find(name, number)) return 0;

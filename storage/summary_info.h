@@ -6,7 +6,8 @@
 
 struct IStorage;
 
-// A new object with one reference; null without memory. A storage without property sets gives one that knows no names.
+// A new object with one reference; null without memory. A storage without property sets gives one
+// that knows no names.
 IQXProperty* new_SummaryInfo(IStorage* storage);
 
 #endif

@@ -1,7 +1,7 @@
 // The typed reads and writes, strings and variants of a stream class, over its Read and Write.
 //
-// Stream is the final class. It brings Read, Write, Seek, Tell, ReadString, GetLength and GetName, and may replace
-// ReadValue and WriteBytes by its own.
+// Stream is the final class. It brings Read, Write, Seek, Tell, ReadString, GetLength and GetName,
+// and may replace ReadValue and WriteBytes by its own.
 #ifndef QXCORE_STORAGE_TYPED_STREAM_H
 #define QXCORE_STORAGE_TYPED_STREAM_H
 
@@ -22,10 +22,14 @@ public:
     double ReadDouble() override { return Self().template ReadValue<double>(); }
 
     int WriteByte(unsigned char value) override { return Self().WriteBytes(&value, sizeof value); }
-    int WriteShort(unsigned short value) override { return Self().WriteBytes(&value, sizeof value); }
+    int WriteShort(unsigned short value) override {
+        return Self().WriteBytes(&value, sizeof value);
+    }
     int WriteLong(unsigned value) override { return Self().WriteBytes(&value, sizeof value); }
     int WriteDouble(double value) override { return Self().WriteBytes(&value, sizeof value); }
-    int WriteString(const char* text) override { return Self().WriteBytes(text, static_cast<int>(strlen(text)) + 1); }
+    int WriteString(const char* text) override {
+        return Self().WriteBytes(text, static_cast<int>(strlen(text)) + 1);
+    }
 
     int ReadVariant(tagQXVARIANT* variant) override { return ReadStreamVariant(this, variant); }
     void WriteVariant(const tagQXVARIANT* variant) override { WriteStreamVariant(this, variant); }
@@ -39,7 +43,8 @@ protected:
         return value;
     }
     int WriteBytes(const void* bytes, int count) { return Self().Write(bytes, count); }
-    // Reads up to count bytes and stops at a line feed or NUL, which it puts into the buffer but does not count.
+    // Reads up to count bytes and stops at a line feed or NUL, which it puts into the buffer but
+    // does not count.
     int ReadLine(char* buffer, int count) {
         int i = 0;
         while (i < count) {
@@ -56,7 +61,8 @@ private:
 
 // Throws for an origin other than start, position and end.
 inline void CheckOrigin(IXStream* stream, int origin) {
-    if (origin < 0 || origin > 2) throw CXFileException(QXERR_BAD_USE, stream->GetName(), QXOP_SEEK);
+    if (origin < 0 || origin > 2)
+        throw CXFileException(QXERR_BAD_USE, stream->GetName(), QXOP_SEEK);
 }
 
 // A seek that stops at the ends of the stream instead of failing.

@@ -62,10 +62,13 @@ public:
 private:
     static constexpr unsigned kTypes = 128;
 
-    static constexpr int Modifier(char modifier) { return modifier == 'h' ? 1 : modifier == 'l' ? 2 : 0; }
+    static constexpr int Modifier(char modifier) {
+        return modifier == 'h' ? 1 : modifier == 'l' ? 2 : 0;
+    }
     consteval void Enter(const FormatRow& row) {
         for (const char* m = row.modifiers; *m; ++m) {
-            for (const char* t = row.types; *t; ++t) taken[Modifier(*m)][static_cast<int>(*t)] = row.taken;
+            for (const char* t = row.types; *t; ++t)
+                taken[Modifier(*m)][static_cast<int>(*t)] = row.taken;
         }
     }
 
@@ -150,7 +153,8 @@ private:
 
     int64_t Digits() {
         int64_t value = 0;
-        for (; *at >= '0' && *at <= '9'; ++at) value = std::min<int64_t>(value * 10 + (*at - '0'), INT_MAX);
+        for (; *at >= '0' && *at <= '9'; ++at)
+            value = std::min<int64_t>(value * 10 + (*at - '0'), INT_MAX);
         return value;
     }
 
@@ -186,15 +190,20 @@ private:
         return hasPrecision ? std::min(size, precision) : size;
     }
 
-    // Once out of step, an argument may be anything: the platform's guarded functions answer 0 for a bad address.
+    // Once out of step, an argument may be anything: the platform's guarded functions answer 0 for
+    // a bad address.
     int64_t Length(const char* s) const {
         if (!s) return kTextLeast;
-        int64_t length = !inStep ? lstrlenA(s) : hasPrecision ? strnlen(s, precision) : ScanLength(s);
+        int64_t length = !inStep        ? lstrlenA(s)
+                         : hasPrecision ? strnlen(s, precision)
+                                        : ScanLength(s);
         return std::max<int64_t>(length, kTextLeast);
     }
     int64_t Length(const wchar_t* s) const {
         if (!s) return kTextLeast;
-        int64_t length = !inStep ? lstrlenW(s) : hasPrecision ? wcsnlen(s, precision) : ScanLength(s);
+        int64_t length = !inStep        ? lstrlenW(s)
+                         : hasPrecision ? wcsnlen(s, precision)
+                                        : ScanLength(s);
         return std::max<int64_t>(length, kTextLeast);
     }
 

@@ -16,8 +16,8 @@ bool IsLead(char c) {
     return c < 0 && _ismbblead(static_cast<unsigned char>(c));
 }
 
-// Whether the code page in force has lead bytes. Some runtimes number single-byte code pages too, so the number
-// alone does not tell; the answer is remembered for the number that was asked last.
+// Whether the code page in force has lead bytes. Some runtimes number single-byte code pages too,
+// so the number alone does not tell; the answer is remembered for the number that was asked last.
 bool HasLeadBytes() {
     static constinit std::atomic<int> remembered = 0;
     int codePage = _getmbcp();
@@ -160,7 +160,8 @@ const char* NarrowText::Find(const char* s, const char* what) {
     }
 }
 
-// A double-byte character of the set must not match by one of its bytes, so the set has to be plain too.
+// A double-byte character of the set must not match by one of its bytes, so the set has to be plain
+// too.
 const char* NarrowText::FindAny(const char* s, const char* set) {
     if (IsPlain(s) && IsPlain(set)) return ScanForAny(s, set);
     for (size_t n; (n = UnitsAt(s)) != 0; s += n) {

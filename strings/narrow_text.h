@@ -1,8 +1,10 @@
-// What CXString knows of its units: bytes in the runtime's multibyte code page, where a character has one or two.
+// What CXString knows of its units: bytes in the runtime's multibyte code page, where a character
+// has one or two.
 //
-// A text is plain when each byte is a character: because all bytes are ASCII, which no code page reads otherwise,
-// or because the code page has no lead bytes. A plain text goes to the runtime's byte functions. The code page is
-// asked for at every call, since _setmbcp may change it at any time.
+// A text is plain when each byte is a character: because all bytes are ASCII, which no code page
+// reads otherwise, or because the code page has no lead bytes. A plain text goes to the runtime's
+// byte functions. The code page is asked for at every call, since _setmbcp may change it at any
+// time.
 #ifndef QXCORE_STRINGS_NARROW_TEXT_H
 #define QXCORE_STRINGS_NARROW_TEXT_H
 
@@ -19,8 +21,11 @@ struct NarrowText {
     static size_t Length(const char* s) { return ScanLength(s); }
     static size_t Characters(const char* s);
     // The characters in the first `size` units.
-    static size_t Count(const char* s, size_t size) { return ScanIsAscii(s, size) ? size : CountBeyondAscii(s, size); }
-    // n characters on, or the end. A lead byte without its trail byte is no character: the walk ends there.
+    static size_t Count(const char* s, size_t size) {
+        return ScanIsAscii(s, size) ? size : CountBeyondAscii(s, size);
+    }
+    // n characters on, or the end. A lead byte without its trail byte is no character: the walk
+    // ends there.
     static const char* Skip(const char* s, size_t n);
     // The units of the whole characters within the first `size` units.
     static size_t Fit(const char* s, size_t size);

@@ -21,7 +21,8 @@ inline size_t RoomFor(size_t size, size_t n) {
 template <class S, class Ch>
 Ch* CTString<S, Ch>::NewText(size_t n) {
     if (n > INT_MAX) throw CXMemException();
-    auto header = static_cast<tagXSTRINGHEADER*>(::operator new(sizeof(tagXSTRINGHEADER) + (n ? n : 1) * sizeof(Ch)));
+    auto header = static_cast<tagXSTRINGHEADER*>(
+        ::operator new(sizeof(tagXSTRINGHEADER) + (n ? n : 1) * sizeof(Ch)));
     *header = {1, 0, static_cast<int>(n)};
     return reinterpret_cast<Ch*>(header + 1);
 }
@@ -62,7 +63,8 @@ void CTString<S, Ch>::AssignCopy(const Ch* s, size_t n) {
     Header()->size = static_cast<int>(n);
 }
 
-// The text s of n units, copied into `store` when it lies in the string's own text, which is about to change.
+// The text s of n units, copied into `store` when it lies in the string's own text, which is about
+// to change.
 template <class S, class Ch>
 const Ch* CTString<S, Ch>::Aside(const Ch* s, size_t n, S& store) const {
     if (s < data || s > data + Header()->alloc) return s;

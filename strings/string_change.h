@@ -16,7 +16,8 @@ struct UnitRange {
     int to;
 };
 
-// The range of `count` characters from pos on, or before pos when count is negative, clamped to the text.
+// The range of `count` characters from pos on, or before pos when count is negative, clamped to the
+// text.
 template <class S>
 UnitRange RangeOf(const S& string, int pos, int count) {
     int64_t length = string.GetLength();
@@ -92,7 +93,8 @@ int CTString<S, Ch>::Extract(int pos, int count) {
     return Extract(pos, count, Self());
 }
 
-// Room for the replacement is made before the search, so the text is separated even when nothing is found.
+// Room for the replacement is made before the search, so the text is separated even when nothing is
+// found.
 template <class S, class Ch>
 int CTString<S, Ch>::FindReplace(const Ch* find, const Ch* replacement) {
     S findStore, replacementStore;
@@ -112,7 +114,8 @@ int CTString<S, Ch>::FindReplace(const Ch* find, const Ch* replacement) {
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindReplace(wchar_t find, wchar_t replacement) {
-    return FindReplace(SpelledInMemoryOrder<Ch>(find).text, SpelledInMemoryOrder<Ch>(replacement).text);
+    return FindReplace(SpelledInMemoryOrder<Ch>(find).text,
+                       SpelledInMemoryOrder<Ch>(replacement).text);
 }
 
 template <class S, class Ch>
@@ -162,7 +165,8 @@ void CTString<S, Ch>::Lower() {
     TextOf<Ch>::Lower(__CXBuff<S, Ch*>(Self(), Doubled(GetSize())).buffer);
 }
 
-// A text that fills the buffer, but for less than the largest character may need, may have been cut.
+// A text that fills the buffer, but for less than the largest character may need, may have been
+// cut.
 template <class S, class Ch>
 int CTString<S, Ch>::Load(HINSTANCE module, unsigned id) {
     constexpr int kStep = 256;

@@ -34,8 +34,8 @@ void CTString<S, Ch>::Format(const Ch* format, ...) {
     va_end(args);
 }
 
-// The engine answers less than 0 for what does not fit, and then says what it needs; a text that it cannot make is
-// as far as it came.
+// The engine answers less than 0 for what does not fit, and then says what it needs; a text that it
+// cannot make is as far as it came.
 template <class S, class Ch>
 void CTString<S, Ch>::FormatLarge(int size, const Ch* format, char* args) {
     int needed = TextOf<Ch>::PrintedSize(format, args);

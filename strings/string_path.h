@@ -102,7 +102,8 @@ void CTString<S, Ch>::ChangeFileExt(const Ch* ext) {
     ConcatCopyTo(old ? old - data : GetSize(), ext, n);
 }
 
-// The first backslash of a rooted path: after the drive, or after the name of a network server. -1 for other paths.
+// The first backslash of a rooted path: after the drive, or after the name of a network server. -1
+// for other paths.
 template <class S>
 int RootEnd(const S& path) {
     if (path.GetAt(1) == ':' && path.GetAt(2) == '\\') return 2;

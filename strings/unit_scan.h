@@ -1,4 +1,5 @@
-// Scans over units that know nothing of characters: for both kinds of text, sixteen bytes at a time where it pays.
+// Scans over units that know nothing of characters: for both kinds of text, sixteen bytes at a time
+// where it pays.
 #ifndef QXCORE_STRINGS_UNIT_SCAN_H
 #define QXCORE_STRINGS_UNIT_SCAN_H
 
@@ -8,17 +9,20 @@
 #include <cstdint>
 #include <emmintrin.h>
 
-// Sixteen aligned bytes of units. An aligned load never crosses into another page, so it may reach past a text.
+// Sixteen aligned bytes of units. An aligned load never crosses into another page, so it may reach
+// past a text.
 template <class Ch>
 class UnitBlock {
 public:
     static constexpr size_t kUnits = 16 / sizeof(Ch);
 
-    explicit UnitBlock(const Ch* aligned) : units(_mm_load_si128(reinterpret_cast<const __m128i*>(aligned))) {}
+    explicit UnitBlock(const Ch* aligned)
+        : units(_mm_load_si128(reinterpret_cast<const __m128i*>(aligned))) {}
 
     // One bit for each byte of the block: of the units that equal c; of the bytes above 0x7F.
     unsigned Equal(Ch c) const {
-        __m128i all = sizeof(Ch) == 1 ? _mm_set1_epi8(static_cast<char>(c)) : _mm_set1_epi16(static_cast<short>(c));
+        __m128i all = sizeof(Ch) == 1 ? _mm_set1_epi8(static_cast<char>(c))
+                                      : _mm_set1_epi16(static_cast<short>(c));
         __m128i equal = sizeof(Ch) == 1 ? _mm_cmpeq_epi8(units, all) : _mm_cmpeq_epi16(units, all);
         return static_cast<unsigned>(_mm_movemask_epi8(equal));
     }
@@ -66,7 +70,8 @@ size_t ScanLength(const Ch* s) {
 template <class Ch>
 size_t ScanLength(const Ch* s, size_t limit) {
     for (BlockWalk<Ch> walk(s);; walk.Next()) {
-        if (unsigned ends = walk.Within(walk.Block().Equal(0))) return std::min<size_t>(walk.At(ends) - s, limit);
+        if (unsigned ends = walk.Within(walk.Block().Equal(0)))
+            return std::min<size_t>(walk.At(ends) - s, limit);
         if (walk.UnitsFrom(s) >= limit) return limit;
     }
 }
@@ -104,8 +109,8 @@ inline size_t ScanCommon(const char* a, const char* b) {
     for (size_t n = 0;;) {
         if (fits(a + n) && fits(b + n)) {
             __m128i own = load(a + n);
-            __m128i goesOn =
-                _mm_andnot_si128(_mm_cmpeq_epi8(own, _mm_setzero_si128()), _mm_cmpeq_epi8(own, load(b + n)));
+            __m128i goesOn = _mm_andnot_si128(_mm_cmpeq_epi8(own, _mm_setzero_si128()),
+                                              _mm_cmpeq_epi8(own, load(b + n)));
             unsigned stops = static_cast<unsigned>(_mm_movemask_epi8(goesOn)) ^ 0xFFFF;
             if (stops) return n + std::countr_zero(stops);
             n += 16;
@@ -130,7 +135,8 @@ const Ch* ScanForUnit(const Ch* s, Ch c) {
 // The first place where `what` stands, or null. REQUIRES: `what` is not empty.
 template <class Ch>
 const Ch* ScanForText(const Ch* s, const Ch* what) {
-    constexpr unsigned kLastUnit = 0xFFFFu << (16 - sizeof(Ch));  // the unit after it is in the next block
+    constexpr unsigned kLastUnit = 0xFFFFu
+                                   << (16 - sizeof(Ch));  // the unit after it is in the next block
     if (!what[1]) return ScanForUnit(s, what[0]);
     for (BlockWalk<Ch> walk(s);; walk.Next()) {
         UnitBlock<Ch> block = walk.Block();

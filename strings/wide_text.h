@@ -1,4 +1,5 @@
-// What CXStringW knows of its units: each 16-bit unit is a character. The members mean what NarrowText says.
+// What CXStringW knows of its units: each 16-bit unit is a character. The members mean what
+// NarrowText says.
 #ifndef QXCORE_STRINGS_WIDE_TEXT_H
 #define QXCORE_STRINGS_WIDE_TEXT_H
 
@@ -26,8 +27,12 @@ struct WideText {
     }
     static void SpellInMemoryOrder(wchar_t ch, wchar_t (&text)[kCharUnits + 1]) { Spell(ch, text); }
 
-    static const wchar_t* Find(const wchar_t* s, const wchar_t* what) { return *what ? ScanForText(s, what) : s; }
-    static const wchar_t* FindAny(const wchar_t* s, const wchar_t* set) { return ScanForAny(s, set); }
+    static const wchar_t* Find(const wchar_t* s, const wchar_t* what) {
+        return *what ? ScanForText(s, what) : s;
+    }
+    static const wchar_t* FindAny(const wchar_t* s, const wchar_t* set) {
+        return ScanForAny(s, set);
+    }
     static const wchar_t* FindLastAny(const wchar_t* s, const wchar_t* set) {
         return ScanBackForAny(s, s + Length(s), set);
     }
@@ -42,7 +47,9 @@ struct WideText {
 
     static int CompareI(const wchar_t* a, const wchar_t* b) { return _wcsicmp(a, b); }
     static int CompareN(const wchar_t* a, const wchar_t* b, size_t n) { return wcsncmp(a, b, n); }
-    static int CompareIN(const wchar_t* a, const wchar_t* b, size_t n) { return _wcsnicmp(a, b, n); }
+    static int CompareIN(const wchar_t* a, const wchar_t* b, size_t n) {
+        return _wcsnicmp(a, b, n);
+    }
     static void Upper(wchar_t* s) { _wcsupr(s); }
     static void Lower(wchar_t* s) { _wcslwr(s); }
     static int Load(HINSTANCE module, unsigned id, wchar_t* buf, int size) {

@@ -1,4 +1,5 @@
-// Between the process's narrow code page and wide text: the border that wide callers cross to the dictionary.
+// Between the process's narrow code page and wide text: the border that wide callers cross to the
+// dictionary.
 #ifndef QXCORE_TRANSLATE_CODE_PAGE_H
 #define QXCORE_TRANSLATE_CODE_PAGE_H
 
@@ -6,7 +7,8 @@
 
 // The widening of `length` bytes; room for as many characters is enough. Answers the characters.
 inline int Widen(const char* text, int length, wchar_t* out, int room, DWORD flags) {
-    // The code pages up to 127 agree with wide text; only other bytes are worth the system's tables.
+    // The code pages up to 127 agree with wide text; only other bytes are worth the system's
+    // tables.
     int ascii = 0;
     while (ascii < length && static_cast<signed char>(text[ascii]) >= 0) ++ascii;
     if (ascii == length && length <= room) {
@@ -16,8 +18,8 @@ inline int Widen(const char* text, int length, wchar_t* out, int room, DWORD fla
     return MultiByteToWideChar(CP_ACP, GetACP() == CP_UTF8 ? 0 : flags, text, length, out, room);
 }
 
-// The narrowing of `length` characters into `room` bytes; what does not fit is cut at a whole character. Answers the
-// bytes; there is no terminator.
+// The narrowing of `length` characters into `room` bytes; what does not fit is cut at a whole
+// character. Answers the bytes; there is no terminator.
 inline int Narrow(const wchar_t* text, int length, char* out, int room, DWORD flags) {
     int ascii = 0;
     for (int limit = length < room ? length : room; ascii < limit && text[ascii] < 0x80; ++ascii) {

@@ -17,7 +17,9 @@ constexpr char kKeyEnd[] = "\xFD\xFD";
 // A number in decimal digits.
 class Digits {
 public:
-    explicit Digits(int number) { *std::to_chars(m_text, m_text + sizeof m_text - 1, number).ptr = 0; }
+    explicit Digits(int number) {
+        *std::to_chars(m_text, m_text + sizeof m_text - 1, number).ptr = 0;
+    }
     const char* Text() const { return m_text; }
 
 private:
@@ -52,11 +54,13 @@ private:
 
 // The text hash continued over a few characters, which a call would cost more than.
 constexpr unsigned ContinueHash(unsigned hash, const char* text) {
-    for (; *text; ++text) hash = hash * 257 + static_cast<unsigned>(static_cast<signed char>(*text));
+    for (; *text; ++text)
+        hash = hash * 257 + static_cast<unsigned>(static_cast<signed char>(*text));
     return hash;
 }
 
-// Clears what is left of a buffer. Short ends are what there is, and the runtime's function is slow with them.
+// Clears what is left of a buffer. Short ends are what there is, and the runtime's function is slow
+// with them.
 void ClearEnd(char* end, size_t size) {
     __stosb(reinterpret_cast<unsigned char*>(end), 0, size);
 }
@@ -126,6 +130,7 @@ const char* TranslateInContext(const char* text, const char* key) {
     return TranslateAt(text, PlaceOfKey(key));
 }
 
-unsigned int TranslateBufferInContext(char* buffer, unsigned int size, const char* key, int bMeasureOnly) {
+unsigned int TranslateBufferInContext(char* buffer, unsigned int size, const char* key,
+                                      int bMeasureOnly) {
     return TranslateBufferAt(buffer, size, PlaceOfKey(key), bMeasureOnly);
 }

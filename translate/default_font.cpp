@@ -37,7 +37,8 @@ void TakeInterfaceFont(CWld& dictionary) {
     LOGFONTA description;
     if (GetObjectA(font, sizeof description, &description)) {
         int height = std::abs(description.lfHeight);
-        NameFont(dictionary, description.lfFaceName, MulDiv(height, kPointsPerInch, WindowDC(nullptr).DotsPerInch()));
+        NameFont(dictionary, description.lfFaceName,
+                 MulDiv(height, kPointsPerInch, WindowDC(nullptr).DotsPerInch()));
     } else {
         NameFont(dictionary, "System", 10);
     }
@@ -47,7 +48,8 @@ void MakeShellDialogFont(CWld& dictionary) {
     constexpr int kPoints = 8;
     NameFont(dictionary, "MS Shell Dlg", kPoints);
     int height = -(WindowDC(GetDesktopWindow()).DotsPerInch() * kPoints) / kPointsPerInch;
-    dictionary.m_hFont = CreateFontA(height, 0, 0, 0, FW_NORMAL, 0, 0, 0, 0, 0, 0, 0, 0, dictionary.m_szFontName);
+    dictionary.m_hFont =
+        CreateFontA(height, 0, 0, 0, FW_NORMAL, 0, 0, 0, 0, 0, 0, 0, 0, dictionary.m_szFontName);
 }
 
 }  // namespace

@@ -31,7 +31,8 @@ struct FontSearch {
     char name[sizeof CWld::m_szFontName];
 };
 
-// Ends the enumeration at the first font whose full name holds the wanted name and that has the wanted script.
+// Ends the enumeration at the first font whose full name holds the wanted name and that has the
+// wanted script.
 int CALLBACK IsFontWanted(const LOGFONTA* font, const TEXTMETRICA*, DWORD, LPARAM state) {
     auto search = reinterpret_cast<FontSearch*>(state);
     auto full = reinterpret_cast<const ENUMLOGFONTA*>(font);
@@ -67,8 +68,8 @@ void CWld::SetDialogFont(int script, int size, const char* name) {
     m_nFontSize = std::clamp(size, kSmallestSize, kLargestSize);
     DesktopDC screen;
     int height = -(GetDeviceCaps(screen, LOGPIXELSY) * m_nFontSize) / kPointsPerInch;
-    HFONT font =
-        CreateFontA(height, 0, 0, 0, FW_NORMAL, 0, 0, 0, static_cast<DWORD>(m_nFontScript), 0, 0, 0, 0, m_szFontName);
+    HFONT font = CreateFontA(height, 0, 0, 0, FW_NORMAL, 0, 0, 0, static_cast<DWORD>(m_nFontScript),
+                             0, 0, 0, 0, m_szFontName);
     if (!font) return;
     m_hFont = font;
     m_bDialogFont = 1;

@@ -53,7 +53,8 @@ void AppendTemplateText(CDlgBuffer& out, const char* text, const char* key) {
 // Texts in the target language, and the dictionary's font.
 class TranslationPass final : public TemplatePass {
 public:
-    TranslationPass(CDlgBuffer& out, const TemplateForm& form, const CWld& dictionary, const char* key)
+    TranslationPass(CDlgBuffer& out, const TemplateForm& form, const CWld& dictionary,
+                    const char* key)
         : TemplatePass(out, form), dictionary(dictionary), key(key) {}
 
     void Caption(TemplatePart part) override { Text(part); }
@@ -71,7 +72,8 @@ public:
         if (form.fontWords > 1) {
             // The weight's place holds the size too, so the system makes a light font of it.
             out.AppendWord(points);
-            out.AppendWord(static_cast<uint16_t>(dictionary.m_nFontScript << 8));  // charset, and not italic
+            out.AppendWord(
+                static_cast<uint16_t>(dictionary.m_nFontScript << 8));  // charset, and not italic
         }
         AppendTemplateText(out, dictionary.m_szFontName, nullptr);
     }
@@ -105,7 +107,8 @@ public:
         const CIRect* delta = geometry.m_Rects.count ? geometry.m_Rects.Find(index) : nullptr;
         if (!delta) return;
         uint8_t* rect = out.Data() + out.Used() - part.size + form.controlRect;
-        // An edge moves by its own delta, so the extent changes by what the far edge moves more than the near one.
+        // An edge moves by its own delta, so the extent changes by what the far edge moves more
+        // than the near one.
         AddTo(rect, delta->left);
         AddTo(rect + 2, delta->top);
         AddTo(rect + 4, int64_t(delta->right) - delta->left);
@@ -113,13 +116,15 @@ public:
     }
 
 private:
-    static void AddTo(uint8_t* word, int64_t amount) { SetWordAt(word, static_cast<uint16_t>(WordAt(word) + amount)); }
+    static void AddTo(uint8_t* word, int64_t amount) {
+        SetWordAt(word, static_cast<uint16_t>(WordAt(word) + amount));
+    }
 
     QXDlgPos& geometry;
 };
 
-// Zero bytes behind a template that counts more controls than it holds: there the system finds controls of no class
-// and refuses the dialog, instead of reading what lies behind the block.
+// Zero bytes behind a template that counts more controls than it holds: there the system finds
+// controls of no class and refuses the dialog, instead of reading what lies behind the block.
 size_t SlackBehind(const TemplatePass& pass) {
     constexpr size_t kEmptyControl = 32;
     if (pass.form.countSize == 2) return 0;
@@ -144,7 +149,8 @@ unsigned char* Unchanged(TemplateBytes dialog, int* size) {
 
 }  // namespace
 
-unsigned char* TranslateTemplate(CWld& dictionary, TemplateBytes dialog, int* size, const char* key) {
+unsigned char* TranslateTemplate(CWld& dictionary, TemplateBytes dialog, int* size,
+                                 const char* key) {
     if (!dictionary.m_Contexts.count && !dictionary.m_bDialogFont) return Unchanged(dialog, size);
     CDlgBuffer out(kUsualTemplate);
     TranslationPass pass(out, FormOf(dialog), dictionary, key);
@@ -152,7 +158,8 @@ unsigned char* TranslateTemplate(CWld& dictionary, TemplateBytes dialog, int* si
     return NewBlock(pass, size);
 }
 
-unsigned char* TranslateTemplatePosition(CWld& dictionary, TemplateBytes dialog, int hash, int* size, const char* key) {
+unsigned char* TranslateTemplatePosition(CWld& dictionary, TemplateBytes dialog, int hash,
+                                         int* size, const char* key) {
     QXDlgPos** geometry = dictionary.m_DlgPos.count ? dictionary.m_DlgPos.Find(hash) : nullptr;
     if (!geometry) return TranslateTemplate(dictionary, dialog, size, key);
     CDlgBuffer adjusted(kUsualTemplate);

@@ -7,7 +7,8 @@ unsigned char* CWld::TranslateDlg(unsigned char* dialog, int* size, const char* 
     return TranslateTemplate(*this, {dialog, TemplateBytes::kUnknownSize}, size, key);
 }
 
-unsigned char* CWld::TranslateDlgPosition(unsigned char* dialog, int hash, int* size, const char* key) {
+unsigned char* CWld::TranslateDlgPosition(unsigned char* dialog, int hash, int* size,
+                                          const char* key) {
     return TranslateTemplatePosition(*this, {dialog, TemplateBytes::kUnknownSize}, hash, size, key);
 }
 

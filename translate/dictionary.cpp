@@ -30,7 +30,13 @@ CContext::CContext(const char* source, const char* target)
 }
 
 CWld::CWld()
-    : m_bDialogFont(1), m_szFontName(), m_nFontScript(0), m_nFontSize(0), m_nContexts(0), m_hFont(nullptr), m_bInit(0) {
+    : m_bDialogFont(1),
+      m_szFontName(),
+      m_nFontScript(0),
+      m_nFontSize(0),
+      m_nContexts(0),
+      m_hFont(nullptr),
+      m_bInit(0) {
     TakeDefaultFont(*this);
 }
 
@@ -58,6 +64,6 @@ unsigned int CWld::Translate(char* buffer, unsigned int size) {
     CContext* found = FindTranslation(*this, QXHashText(buffer).hash);
     if (!found) return static_cast<unsigned>(strlen(buffer));
     // The buffer holds a text, so it has room for a terminator whatever the size says.
-    return static_cast<unsigned>(
-        found->target.CopyFit(buffer, size ? static_cast<int>(std::min<unsigned>(size, INT_MAX)) : 1));
+    return static_cast<unsigned>(found->target.CopyFit(
+        buffer, size ? static_cast<int>(std::min<unsigned>(size, INT_MAX)) : 1));
 }

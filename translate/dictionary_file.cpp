@@ -19,8 +19,8 @@ using Byte = unsigned char;
 
 // A longer line is read as several. The line reader puts its terminator behind a full buffer.
 constexpr int kLineSize = 8192;
-// Keeps its bytes from line to line and from file to file: behind a last line without a line feed stands what an
-// earlier line left there.
+// Keeps its bytes from line to line and from file to file: behind a last line without a line feed
+// stands what an earlier line left there.
 constinit Byte g_line[kLineSize + 1] = {};
 
 // No byte below it leads a double-byte character, in any code page.
@@ -47,11 +47,13 @@ struct Span {
     const Byte* end;
 };
 
-// The text of the line in the buffer, whose `size` bytes leave out the line feed; nothing when the line holds none. A
-// comment, which begins with a semicolon, is one of the lines that do not begin with a quote.
+// The text of the line in the buffer, whose `size` bytes leave out the line feed; nothing when the
+// line holds none. A comment, which begins with a semicolon, is one of the lines that do not begin
+// with a quote.
 //
-// Trimming ends on the byte behind the line, normally the line feed. Where a last line has none, a stale byte stands
-// there; unless that is a space, it is taken for the closing quote and the quote itself stays in the text.
+// Trimming ends on the byte behind the line, normally the line feed. Where a last line has none, a
+// stale byte stands there; unless that is a space, it is taken for the closing quote and the quote
+// itself stays in the text.
 bool FindQuotedText(int size, Span& text) {
     const Byte* behind = g_line + size;
     const Byte* first = g_line;
@@ -118,8 +120,8 @@ public:
         return true;
     }
 
-    // Only a file with three settings changes the font. They are counted, not told apart: one key written three
-    // times is enough.
+    // Only a file with three settings changes the font. They are counted, not told apart: one key
+    // written three times is enough.
     void Apply(CWld& dictionary) const {
         if (m_count >= 3) dictionary.SetDialogFont(m_script, m_size, m_name);
     }

@@ -39,7 +39,8 @@ void WriteText(IXStream* stream, const char* text) {
     for (unsigned i = 0; i < size; ++i) stream->WriteByte(static_cast<unsigned char>(text[i]));
 }
 
-// A text as long as the stream says. Room is made as bytes arrive, so a length that lies costs no memory.
+// A text as long as the stream says. Room is made as bytes arrive, so a length that lies costs no
+// memory.
 class StoredText {
 public:
     explicit StoredText(IXStream* stream) : m_text(new char[kUsualRoom]), m_room(kUsualRoom) {
@@ -94,7 +95,8 @@ void SaveHeader(const CWld& dictionary, IXStorage* storage) {
 void RestoreHeader(CWld& dictionary, IXStorage* storage) {
     Reference<IXStream> header = OpenStream(storage, kHeader);
     dictionary.m_nContexts = static_cast<int>(header->ReadLong());
-    CXString(StoredText(header.Get())).CopyFit(dictionary.m_szFontName, sizeof dictionary.m_szFontName);
+    CXString(StoredText(header.Get()))
+        .CopyFit(dictionary.m_szFontName, sizeof dictionary.m_szFontName);
     dictionary.m_nFontScript = static_cast<int>(header->ReadLong());
     dictionary.m_nFontSize = static_cast<int>(header->ReadLong());
 }

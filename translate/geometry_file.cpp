@@ -16,20 +16,23 @@ Reference<IParam> Open(IParam* node, const char* name) {
     return Reference<IParam>(node->OpenSubParam(name, 0));
 }
 
-// The context key of a dialog, as MakeResourceKey writes it; the name of one with a number is "#" and the number.
+// The context key of a dialog, as MakeResourceKey writes it; the name of one with a number is "#"
+// and the number.
 CXString DialogKey(const char* module, const char* dialog) {
     CXString key;
-    key.Format(*dialog == '#' ? "%s#%d%s\xFD\xFD" : "%s#%d#%s\xFD\xFD", module, QXKEY_DIALOG, dialog);
+    key.Format(*dialog == '#' ? "%s#%d%s\xFD\xFD" : "%s#%d#%s\xFD\xFD", module, QXKEY_DIALOG,
+               dialog);
     return key;
 }
 
 void ReadDialogSize(IParam* dialog, QXDlgPos& geometry) {
     CQXVariant value;
-    if (dialog->GetValue("Dialog Size", &value) && value.type == QXVT_SIZE) geometry.m_Size = value.value.size;
+    if (dialog->GetValue("Dialog Size", &value) && value.type == QXVT_SIZE)
+        geometry.m_Size = value.value.size;
 }
 
-// A name that is no number counts as control 0. Values that are no rectangle, the dialog's size among them, are passed
-// over.
+// A name that is no number counts as control 0. Values that are no rectangle, the dialog's size
+// among them, are passed over.
 void ReadControl(IParam* dialog, const char* name, QXDlgPos& geometry) {
     CQXVariant value;
     if (!dialog->GetValue(name, &value) || value.type != QXVT_RECT) return;
@@ -61,7 +64,8 @@ void ReadModule(CWld& dictionary, IParam* tree, const char* module) {
 }
 
 void ReadDialogs(CWld& dictionary, IParam* tree) {
-    EachName(tree->EnumSubParams(), [&](const CXString& name) { ReadModule(dictionary, tree, name); });
+    EachName(tree->EnumSubParams(),
+             [&](const CXString& name) { ReadModule(dictionary, tree, name); });
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 #include <qxcore/dictionary.h>
 
-// Reads the ini file at `path` into the dictionary. A later record of a dialog replaces an earlier one. 0 on a file
-// failure, such as a missing file.
+// Reads the ini file at `path` into the dictionary. A later record of a dialog replaces an earlier
+// one. 0 on a file failure, such as a missing file.
 int ReadDlgFile(CWld& dictionary, const char* path);
 
 #endif

@@ -1,4 +1,5 @@
-// The memory of a loaded image, read with checks, so that a broken image ends a walk and not the process.
+// The memory of a loaded image, read with checks, so that a broken image ends a walk and not the
+// process.
 #ifndef QXCORE_TRANSLATE_IMAGE_MEMORY_H
 #define QXCORE_TRANSLATE_IMAGE_MEMORY_H
 
@@ -14,7 +15,8 @@ public:
         if (VirtualQuery(base, &info, sizeof info)) allocation = info.AllocationBase;
     }
 
-    // The value at an offset from the base; false where the image's allocation has no readable memory.
+    // The value at an offset from the base; false where the image's allocation has no readable
+    // memory.
     template <class T>
     bool Read(int64_t offset, T* value) {
         uintptr_t at = base + static_cast<uintptr_t>(offset);
@@ -23,10 +25,13 @@ public:
         return true;
     }
 
-    void* At(int64_t offset) const { return reinterpret_cast<void*>(base + static_cast<uintptr_t>(offset)); }
+    void* At(int64_t offset) const {
+        return reinterpret_cast<void*>(base + static_cast<uintptr_t>(offset));
+    }
 
 private:
-    // The regions that the system reports are long, so the one asked for last answers nearly every question.
+    // The regions that the system reports are long, so the one asked for last answers nearly every
+    // question.
     bool Covers(uintptr_t at, size_t size) {
         return (Holds(at) || Find(at)) && (Holds(at + size - 1) || Find(at + size - 1));
     }
@@ -34,14 +39,17 @@ private:
     bool Find(uintptr_t at) {
         MEMORY_BASIC_INFORMATION info;
         if (!VirtualQuery(reinterpret_cast<const void*>(at), &info, sizeof info)) return false;
-        if (info.AllocationBase != allocation || info.State != MEM_COMMIT || !IsReadable(info.Protect)) return false;
+        if (info.AllocationBase != allocation || info.State != MEM_COMMIT ||
+            !IsReadable(info.Protect))
+            return false;
         begin = reinterpret_cast<uintptr_t>(info.BaseAddress);
         end = begin + info.RegionSize;
         return true;
     }
     static bool IsReadable(DWORD protection) {
-        constexpr DWORD kReadable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READ |
-                                    PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+        constexpr DWORD kReadable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY |
+                                    PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE |
+                                    PAGE_EXECUTE_WRITECOPY;
         return (protection & kReadable) != 0 && (protection & PAGE_GUARD) == 0;
     }
 

@@ -18,8 +18,8 @@ void* RealAddress(const char* dll, const char* function) {
     return library ? reinterpret_cast<void*>(GetProcAddress(library, function)) : nullptr;
 }
 
-// Keeps the page of the latest slot writable until a slot of another page comes, since changing a page's protection
-// costs far more than writing to it.
+// Keeps the page of the latest slot writable until a slot of another page comes, since changing a
+// page's protection costs far more than writing to it.
 class SlotWriter {
 public:
     SlotWriter() = default;
@@ -38,10 +38,12 @@ private:
     bool MakeWritable(uintptr_t slot) {
         if (slot >= first && slot + sizeof(void*) <= last) return true;
         Protect();
-        if (!VirtualProtect(reinterpret_cast<void*>(slot), sizeof(void*), PAGE_READWRITE, &old)) return false;
+        if (!VirtualProtect(reinterpret_cast<void*>(slot), sizeof(void*), PAGE_READWRITE, &old))
+            return false;
         first = slot / kPage * kPage;
         last = first + kPage;
-        // A slot across two pages stands alone: the second page's protection is not the first one's to restore.
+        // A slot across two pages stands alone: the second page's protection is not the first one's
+        // to restore.
         if (slot + sizeof(void*) > last) first = slot, last = slot + sizeof(void*);
         return true;
     }
@@ -64,9 +66,13 @@ bool FindImportDirectory(ImageMemory& image, int64_t* directory) {
     if (!image.Read(offsetof(IMAGE_DOS_HEADER, e_lfanew), &newHeader)) return false;
     if (!image.Read(newHeader, &signature) || signature != IMAGE_NT_SIGNATURE) return false;
     int64_t fileHeader = int64_t(newHeader) + offsetof(IMAGE_NT_HEADERS64, FileHeader);
-    if (!image.Read(fileHeader + offsetof(IMAGE_FILE_HEADER, SizeOfOptionalHeader), &optionalHeader)) return false;
+    if (!image.Read(fileHeader + offsetof(IMAGE_FILE_HEADER, SizeOfOptionalHeader),
+                    &optionalHeader))
+        return false;
     if (optionalHeader != kOptionalHeader64) return false;
-    if (!image.Read(newHeader + int64_t(offsetof(IMAGE_NT_HEADERS64, OptionalHeader.DataDirectory[1])), &address)) {
+    if (!image.Read(
+            newHeader + int64_t(offsetof(IMAGE_NT_HEADERS64, OptionalHeader.DataDirectory[1])),
+            &address)) {
         return false;
     }
     *directory = address;
@@ -80,10 +86,12 @@ void ForEachSlot(ImageMemory& image, int64_t directory, Visit visit) {
     for (int64_t descriptor = directory;; descriptor += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
         DWORD name;
         DWORD slots;
-        if (!image.Read(descriptor + offsetof(IMAGE_IMPORT_DESCRIPTOR, Name), &name) || name == 0) return;
+        if (!image.Read(descriptor + offsetof(IMAGE_IMPORT_DESCRIPTOR, Name), &name) || name == 0)
+            return;
         if (!image.Read(descriptor + offsetof(IMAGE_IMPORT_DESCRIPTOR, FirstThunk), &slots)) return;
         void* value;
-        for (int64_t slot = slots; image.Read(slot, &value) && value; slot += sizeof value) visit(slot, value);
+        for (int64_t slot = slots; image.Read(slot, &value) && value; slot += sizeof value)
+            visit(slot, value);
     }
 }
 
@@ -94,7 +102,8 @@ void ExchangeImports(void* module, ImportWay way, ImportExchange* exchanges, siz
     int64_t directory;
     bool isImage = FindImportDirectory(image, &directory);
     for (size_t i = 0; i < count; ++i) {
-        exchanges[i].result = isImage ? RealAddress(exchanges[i].dll, exchanges[i].function) : nullptr;
+        exchanges[i].result =
+            isImage ? RealAddress(exchanges[i].dll, exchanges[i].function) : nullptr;
     }
     if (!isImage) return;
     SlotWriter writer;
@@ -103,7 +112,8 @@ void ExchangeImports(void* module, ImportWay way, ImportExchange* exchanges, siz
             ImportExchange& e = exchanges[i];
             void* from = way == ImportWay::Patch ? e.result : e.replacement;
             if (value != from || !e.result) continue;
-            if (!writer.Write(image.At(slot), way == ImportWay::Patch ? e.replacement : e.result)) e.result = nullptr;
+            if (!writer.Write(image.At(slot), way == ImportWay::Patch ? e.replacement : e.result))
+                e.result = nullptr;
             return;
         }
     });

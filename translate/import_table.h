@@ -9,7 +9,8 @@ struct ImportExchange {
     const char* dll;
     const char* function;
     void* replacement;
-    void* result;  // the function's real address; null when it is unknown, the image is none or a slot stays read-only
+    void* result;  // the function's real address; null when it is unknown, the image is none or a
+                   // slot stays read-only
 };
 
 enum class ImportWay {
@@ -17,11 +18,13 @@ enum class ImportWay {
     Restore,  // a slot with the replacement gets the real address
 };
 
-// Does all exchanges in one walk over the slots. Whatever lies at `module`, nothing outside its own allocation is
-// read or written: a broken table ends where its memory does. REQUIRES: module is not null.
+// Does all exchanges in one walk over the slots. Whatever lies at `module`, nothing outside its own
+// allocation is read or written: a broken table ends where its memory does. REQUIRES: module is not
+// null.
 void ExchangeImports(void* module, ImportWay way, ImportExchange* exchanges, size_t count);
 
-// A single exchange; answers its result. A null module gives the address of a function that returns 0.
+// A single exchange; answers its result. A null module gives the address of a function that returns
+// 0.
 void* PatchImportTable(void* module, const char* dll, const char* function, void* replacement);
 void* RestoreImportTable(void* module, const char* dll, const char* function, void* replacement);
 

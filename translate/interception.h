@@ -1,4 +1,5 @@
-// The 24 intercepted functions: their real addresses, their replacements, and the patching of a module.
+// The 24 intercepted functions: their real addresses, their replacements, and the patching of a
+// module.
 #ifndef QXCORE_TRANSLATE_INTERCEPTION_H
 #define QXCORE_TRANSLATE_INTERCEPTION_H
 
@@ -37,8 +38,8 @@ enum Intercepted : int {
 // What each installation found, null where it found nothing.
 extern std::atomic<void*> g_RealProcs[kInterceptedCount];
 
-// The real function: as the last installation found it, else as the library imports it, so that a module in which
-// nothing could be patched takes nothing from those patched before.
+// The real function: as the last installation found it, else as the library imports it, so that a
+// module in which nothing could be patched takes nothing from those patched before.
 template <class Function>
 Function* RealProc(Intercepted which, Function* ownImport) {
     void* found = g_RealProcs[which].load(std::memory_order_relaxed);
@@ -46,7 +47,8 @@ Function* RealProc(Intercepted which, Function* ownImport) {
 }
 #define QX_REAL(function) RealProc(k##function, ::function)
 
-// Builds the layer's state and takes it down; the latter frees the records and unpatches the listed modules.
+// Builds the layer's state and takes it down; the latter frees the records and unpatches the listed
+// modules.
 void StartInterception();
 void StopInterception();
 

@@ -7,7 +7,8 @@ constinit std::atomic<unsigned> g_moduleGeneration = 0;
 namespace {
 
 using Notification = void(CALLBACK*)(ULONG reason, const void* data, void* context);
-using RegisterNotification = LONG(NTAPI*)(ULONG flags, Notification function, void* context, void** cookie);
+using RegisterNotification = LONG(NTAPI*)(ULONG flags, Notification function, void* context,
+                                          void** cookie);
 using UnregisterNotification = LONG(NTAPI*)(void* cookie);
 
 constinit void* g_cookie = nullptr;
@@ -15,7 +16,9 @@ constinit void* g_cookie = nullptr;
 template <class Function>
 Function LoaderFunction(const char* name) {
     HMODULE loader = GetModuleHandleA("ntdll.dll");
-    return loader ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(loader, name))) : nullptr;
+    return loader
+               ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(loader, name)))
+               : nullptr;
 }
 
 void NextGeneration() {

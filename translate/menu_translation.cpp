@@ -18,8 +18,9 @@ UINT_PTR LowHandle(HMENU menu) {
     return static_cast<uint32_t>(reinterpret_cast<UINT_PTR>(menu));
 }
 
-// Writes the text back. Of the item's states only these two survive: a disabled item that is not grayed is enabled by
-// it, also when its text did not change. An item whose id is 0 keeps its text. Answers the item's submenu.
+// Writes the text back. Of the item's states only these two survive: a disabled item that is not
+// grayed is enabled by it, also when its text did not change. An item whose id is 0 keeps its text.
+// Answers the item's submenu.
 HMENU RewriteItem(HMENU menu, int position, const char* text) {
     UINT state = GetMenuState(menu, position, MF_BYPOSITION);
     UINT flags = MF_BYPOSITION | (state == kNoItem ? 0 : state & (MF_GRAYED | MF_CHECKED));
@@ -40,7 +41,8 @@ void TranslateItems(HMENU menu, const Translator& translate) {
     for (int position = 0; position < count; ++position) {
         if (!ReadItemText(menu, position, text, kSize)) continue;
         translate(text);
-        if (HMENU submenu = RewriteItem(menu, position, text)) TranslateItems<kSize>(submenu, translate);
+        if (HMENU submenu = RewriteItem(menu, position, text))
+            TranslateItems<kSize>(submenu, translate);
     }
 }
 
@@ -48,7 +50,8 @@ void TranslateItems(HMENU menu, const Translator& translate) {
 
 int CWld::Translate(HMENU menu) {
     constexpr unsigned kSize = 256;
-    if (m_Contexts.count) TranslateItems<kSize>(menu, [this](char* text) { Translate(text, kSize); });
+    if (m_Contexts.count)
+        TranslateItems<kSize>(menu, [this](char* text) { Translate(text, kSize); });
     return 1;
 }
 

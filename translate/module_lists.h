@@ -1,4 +1,5 @@
-// The modules whose calls are intercepted from the start, and those whose resources are never translated.
+// The modules whose calls are intercepted from the start, and those whose resources are never
+// translated.
 #ifndef QXCORE_TRANSLATE_MODULE_LISTS_H
 #define QXCORE_TRANSLATE_MODULE_LISTS_H
 
@@ -29,15 +30,18 @@ extern ListedModule g_aExtraModules[1];
 // Looks for the extra modules that are not known.
 void RefreshExtraModules();
 
-// Whether a module is one of the excluded ones that are known. Every intercepted call asks, so the rows are written
-// out.
+// Whether a module is one of the excluded ones that are known. Every intercepted call asks, so the
+// rows are written out.
 inline bool IsListedExclusion(const void* module) {
-    auto is = [module](const ListedModule& row) { return row.module.load(std::memory_order_relaxed) == module; };
+    auto is = [module](const ListedModule& row) {
+        return row.module.load(std::memory_order_relaxed) == module;
+    };
     auto& [a, b, c, d, e] = g_aExcludeModules;
     return is(a) || is(b) || is(c) || is(d) || is(e);
 }
 
-// The same after looking for those that may have come late, which is due when modules have come or gone.
+// The same after looking for those that may have come late, which is due when modules have come or
+// gone.
 extern OncePerModuleChange g_lateSearch;
 bool IsExclusionAfterSearch(const void* module);
 
@@ -48,8 +52,9 @@ inline bool IsExcluded(const void* module) {
 // The master switch of the interception.
 extern std::atomic<int> g_bTranslationEnable;
 
-// Whether a call that concerns this module is translated. For a null module only the switch counts. Resource
-// functions ask with the addresses of loaded resources too; one within a page cannot be a module's.
+// Whether a call that concerns this module is translated. For a null module only the switch counts.
+// Resource functions ask with the addresses of loaded resources too; one within a page cannot be a
+// module's.
 inline bool IsTranslationActive(const void* module) {
     constexpr uintptr_t kWithinPage = 0xFFF;
     if (!g_bTranslationEnable.load(std::memory_order_relaxed)) return false;

@@ -24,11 +24,13 @@ const char* BehindLastSeparator(const char* path) {
     return behind;
 }
 
-// One word a module, so that it is read and written whole: the upper half says which module, the lower its hash.
+// One word a module, so that it is read and written whole: the upper half says which module, the
+// lower its hash.
 constexpr unsigned kSlots = 64;
 constinit std::atomic<uint64_t> g_hashes[kSlots] = {};
 
-constexpr unsigned kModuleAlignment = 16;  // bits; handles of modules mapped as data have low bits set
+constexpr unsigned kModuleAlignment =
+    16;  // bits; handles of modules mapped as data have low bits set
 
 // Never 0. Null, the program, is a module like others.
 uint64_t ModuleMark(HMODULE module) {

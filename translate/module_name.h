@@ -1,4 +1,5 @@
-// Modules by the name they have in context keys: the file name, as it was spelled when the module was loaded.
+// Modules by the name they have in context keys: the file name, as it was spelled when the module
+// was loaded.
 #ifndef QXCORE_TRANSLATE_MODULE_NAME_H
 #define QXCORE_TRANSLATE_MODULE_NAME_H
 
@@ -21,8 +22,8 @@ private:
     const char* m_name;
 };
 
-// The text hash of a module's name; nothing when it has none. Kept per module while the modules are watched, since
-// asking for the name costs more than loading a string. Any thread may call it.
+// The text hash of a module's name; nothing when it has none. Kept per module while the modules are
+// watched, since asking for the name costs more than loading a string. Any thread may call it.
 std::optional<unsigned> ModuleNameHash(HMODULE module);
 
 // For the watch: an address may mean another module from now on.

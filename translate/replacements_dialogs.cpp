@@ -25,7 +25,8 @@ auto RunResource(Find* find, const Name* name, Indirect* indirect, const DialogA
     HRSRC found = find(a.module, name, type);
     HGLOBAL block = found ? NewLoadResource(a.module, found) : nullptr;
     if (!block) return Result{};
-    Result result = indirect(a.module, static_cast<const DLGTEMPLATE*>(block), a.parent, a.proc, a.param);
+    Result result =
+        indirect(a.module, static_cast<const DLGTEMPLATE*>(block), a.parent, a.proc, a.param);
     NewFreeResource(block);
     return result;
 }
@@ -33,7 +34,8 @@ auto RunResource(Find* find, const Name* name, Indirect* indirect, const DialogA
 // A caller's own template in the target language, or as it is when memory has run out.
 class TranslatedTemplate {
 public:
-    explicit TranslatedTemplate(const DLGTEMPLATE* dialog) : translated(const_cast<DLGTEMPLATE*>(dialog)) {
+    explicit TranslatedTemplate(const DLGTEMPLATE* dialog)
+        : translated(const_cast<DLGTEMPLATE*>(dialog)) {
         if (!dialog) return;
         auto source = reinterpret_cast<unsigned char*>(translated);
         try {
@@ -70,42 +72,54 @@ HWND MakeFromTemplate(Indirect* real, const DLGTEMPLATE* dialog, const DialogArg
 
 }  // namespace
 
-HWND WINAPI NewCreateDialogParamA(HINSTANCE module, const char* name, HWND parent, DLGPROC proc, LPARAM param) {
-    if (!IsTranslationActive(module)) return QX_REAL(CreateDialogParamA)(module, name, parent, proc, param);
-    return RunResource(NewFindResourceA, name, QX_REAL(CreateDialogIndirectParamA), {module, parent, proc, param});
+HWND WINAPI NewCreateDialogParamA(HINSTANCE module, const char* name, HWND parent, DLGPROC proc,
+                                  LPARAM param) {
+    if (!IsTranslationActive(module))
+        return QX_REAL(CreateDialogParamA)(module, name, parent, proc, param);
+    return RunResource(NewFindResourceA, name, QX_REAL(CreateDialogIndirectParamA),
+                       {module, parent, proc, param});
 }
 
-HWND WINAPI NewCreateDialogParamW(HINSTANCE module, const wchar_t* name, HWND parent, DLGPROC proc, LPARAM param) {
-    if (!IsTranslationActive(module)) return QX_REAL(CreateDialogParamW)(module, name, parent, proc, param);
-    return RunResource(NewFindResourceW, name, QX_REAL(CreateDialogIndirectParamW), {module, parent, proc, param});
+HWND WINAPI NewCreateDialogParamW(HINSTANCE module, const wchar_t* name, HWND parent, DLGPROC proc,
+                                  LPARAM param) {
+    if (!IsTranslationActive(module))
+        return QX_REAL(CreateDialogParamW)(module, name, parent, proc, param);
+    return RunResource(NewFindResourceW, name, QX_REAL(CreateDialogIndirectParamW),
+                       {module, parent, proc, param});
 }
 
-INT_PTR WINAPI NewDialogBoxParamA(HINSTANCE module, const char* name, HWND parent, DLGPROC proc, LPARAM param) {
+INT_PTR WINAPI NewDialogBoxParamA(HINSTANCE module, const char* name, HWND parent, DLGPROC proc,
+                                  LPARAM param) {
     if (!IsTranslationActive(module)) return DialogBoxParamA(module, name, parent, proc, param);
-    return RunResource(NewFindResourceA, name, QX_REAL(DialogBoxIndirectParamA), {module, parent, proc, param});
+    return RunResource(NewFindResourceA, name, QX_REAL(DialogBoxIndirectParamA),
+                       {module, parent, proc, param});
 }
 
-INT_PTR WINAPI NewDialogBoxParamW(HINSTANCE module, const wchar_t* name, HWND parent, DLGPROC proc, LPARAM param) {
+INT_PTR WINAPI NewDialogBoxParamW(HINSTANCE module, const wchar_t* name, HWND parent, DLGPROC proc,
+                                  LPARAM param) {
     if (!IsTranslationActive(module)) return DialogBoxParamW(module, name, parent, proc, param);
-    return RunResource(NewFindResourceW, name, QX_REAL(DialogBoxIndirectParamW), {module, parent, proc, param});
+    return RunResource(NewFindResourceW, name, QX_REAL(DialogBoxIndirectParamW),
+                       {module, parent, proc, param});
 }
 
-INT_PTR WINAPI NewDialogBoxIndirectParamA(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC proc,
-                                          LPARAM param) {
+INT_PTR WINAPI NewDialogBoxIndirectParamA(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent,
+                                          DLGPROC proc, LPARAM param) {
     return RunTemplate(QX_REAL(DialogBoxIndirectParamA), dialog, {module, parent, proc, param});
 }
 
-INT_PTR WINAPI NewDialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC proc,
-                                          LPARAM param) {
+INT_PTR WINAPI NewDialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent,
+                                          DLGPROC proc, LPARAM param) {
     return RunTemplate(QX_REAL(DialogBoxIndirectParamW), dialog, {module, parent, proc, param});
 }
 
-HWND WINAPI NewCreateDialogIndirectParamA(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC proc,
-                                          LPARAM param) {
-    return MakeFromTemplate(QX_REAL(CreateDialogIndirectParamA), dialog, {module, parent, proc, param});
+HWND WINAPI NewCreateDialogIndirectParamA(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent,
+                                          DLGPROC proc, LPARAM param) {
+    return MakeFromTemplate(QX_REAL(CreateDialogIndirectParamA), dialog,
+                            {module, parent, proc, param});
 }
 
-HWND WINAPI NewCreateDialogIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, DLGPROC proc,
-                                          LPARAM param) {
-    return MakeFromTemplate(QX_REAL(CreateDialogIndirectParamW), dialog, {module, parent, proc, param});
+HWND WINAPI NewCreateDialogIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent,
+                                          DLGPROC proc, LPARAM param) {
+    return MakeFromTemplate(QX_REAL(CreateDialogIndirectParamW), dialog,
+                            {module, parent, proc, param});
 }

@@ -7,7 +7,8 @@
 
 namespace {
 
-// A wide name counts as the bytes it consists of, so usually its first letter alone reaches the key.
+// A wide name counts as the bytes it consists of, so usually its first letter alone reaches the
+// key.
 template <class Function, class Name>
 HMENU LoadTranslatedMenu(Function* real, HINSTANCE module, const Name* name) {
     HMENU menu = real(module, name);

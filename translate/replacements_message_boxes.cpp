@@ -13,7 +13,8 @@ namespace {
 
 constexpr unsigned kTextSize = 1024;
 
-// Translates into a buffer of kTextSize bytes. A text without a translation that is too long for it is shown as it is.
+// Translates into a buffer of kTextSize bytes. A text without a translation that is too long for it
+// is shown as it is.
 const char* TranslateInto(char* buffer, const char* text) {
     if (!text) return nullptr;
     const char* target = g_Wld.Translate(text, 1);
@@ -22,7 +23,8 @@ const char* TranslateInto(char* buffer, const char* text) {
     return buffer;
 }
 
-// Buffers that outlive the call, since the caller's block points at them afterwards. Later boxes use them again.
+// Buffers that outlive the call, since the caller's block points at them afterwards. Later boxes
+// use them again.
 char* NextLastingBuffer() {
     constexpr unsigned kBuffers = 16;
     static constinit char buffers[kBuffers][kTextSize] = {};
@@ -30,9 +32,9 @@ char* NextLastingBuffer() {
     return buffers[next++ % kBuffers];
 }
 
-// A text of a parameter block: the string of that id if the module has one, else what the pointer leads to. The
-// number tried is the pointer's low half, so a text that lies at an unlucky address shows another string, and null
-// shows the string 0.
+// A text of a parameter block: the string of that id if the module has one, else what the pointer
+// leads to. The number tried is the pointer's low half, so a text that lies at an unlucky address
+// shows another string, and null shows the string 0.
 const char* TranslateParameter(HINSTANCE module, const char* text) {
     char* buffer = NextLastingBuffer();
     auto id = static_cast<UINT>(reinterpret_cast<uintptr_t>(text));
@@ -45,7 +47,8 @@ const char* TranslateParameter(HINSTANCE module, const char* text) {
 
 bool IsWritable(const void* at) {
     MEMORY_BASIC_INFORMATION info;
-    constexpr DWORD kWritable = PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    constexpr DWORD kWritable =
+        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
     return VirtualQuery(at, &info, sizeof info) && (info.Protect & kWritable) != 0;
 }
 
@@ -56,12 +59,13 @@ int WINAPI NewMessageBoxA(HWND owner, const char* text, const char* caption, UIN
     if (!IsTranslationActive(nullptr)) return real(owner, text, caption, type);
     char textBuffer[kTextSize];
     char captionBuffer[kTextSize];
-    return real(owner, TranslateInto(textBuffer, text), TranslateInto(captionBuffer, caption ? caption : "Error"),
-                type);
+    return real(owner, TranslateInto(textBuffer, text),
+                TranslateInto(captionBuffer, caption ? caption : "Error"), type);
 }
 
 // The box keeps the source language, other than MessageBoxA's.
-int WINAPI NewMessageBoxExA(HWND owner, const char* text, const char* caption, UINT type, WORD language) {
+int WINAPI NewMessageBoxExA(HWND owner, const char* text, const char* caption, UINT type,
+                            WORD language) {
     return QX_REAL(MessageBoxExA)(owner, text, caption, type, language);
 }
 

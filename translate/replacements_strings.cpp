@@ -14,15 +14,17 @@ namespace {
 constexpr UINT kFirstIdWithoutKey = 0x10000;
 constexpr unsigned kTextSize = 1024;
 
-// Puts a text of fewer than kTextSize bytes in place of a wide one. Answers the characters with the terminator, or 0
-// when they do not fit: the buffer holds as many as there is room for. REQUIRES: size > 0.
+// Puts a text of fewer than kTextSize bytes in place of a wide one. Answers the characters with the
+// terminator, or 0 when they do not fit: the buffer holds as many as there is room for. REQUIRES:
+// size > 0.
 int WidenInto(const char* text, int length, wchar_t* buffer, int size) {
     wchar_t wide[kTextSize];
     int characters = Widen(text, length, wide, kTextSize, MB_PRECOMPOSED);
     bool fits = characters < size;
     if (!fits) {
         characters = size - 1;
-        if (characters > 0 && IS_SURROGATE_PAIR(wide[characters - 1], wide[characters])) --characters;
+        if (characters > 0 && IS_SURROGATE_PAIR(wide[characters - 1], wide[characters]))
+            --characters;
     }
     memcpy(buffer, wide, static_cast<size_t>(characters) * sizeof *wide);
     buffer[characters] = 0;
@@ -42,8 +44,9 @@ int WINAPI NewLoadStringA(HINSTANCE module, UINT id, char* buffer, int size) {
     return static_cast<int>(TranslateBufferAt(buffer, static_cast<unsigned>(size), place, 0));
 }
 
-// The text crosses the code page both ways, so characters that it lacks are lost even where nothing is translated.
-// The answer counts the terminator, other than the real function's, and is 0 for a translation that is cut.
+// The text crosses the code page both ways, so characters that it lacks are lost even where nothing
+// is translated. The answer counts the terminator, other than the real function's, and is 0 for a
+// translation that is cut.
 int WINAPI NewLoadStringW(HINSTANCE module, UINT id, wchar_t* buffer, int size) {
     auto real = QX_REAL(LoadStringW);
     int characters = real(module, id, buffer, size);

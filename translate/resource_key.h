@@ -7,7 +7,9 @@
 class ResourceKey {
 public:
     // Empty when the module has no path.
-    ResourceKey(HMODULE module, const void* name, int kind) { WriteResourceKey(module, name, text, sizeof text, kind); }
+    ResourceKey(HMODULE module, const void* name, int kind) {
+        WriteResourceKey(module, name, text, sizeof text, kind);
+    }
     operator const char*() const { return text; }
 
 private:

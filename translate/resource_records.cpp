@@ -48,7 +48,8 @@ int KeyKind(uint64_t type) {
 
 QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t type) {
     size_t keySize = strlen(key) + 1;
-    auto memory = static_cast<char*>(LocalAlloc(LMEM_FIXED, std::max(sizeof(QX_RESITEM), kKeyOffset + keySize)));
+    auto memory = static_cast<char*>(
+        LocalAlloc(LMEM_FIXED, std::max(sizeof(QX_RESITEM), kKeyOffset + keySize)));
     if (!memory) return nullptr;
     auto record = reinterpret_cast<QX_RESITEM*>(memory);
     record->marker = kMarker;
@@ -85,15 +86,18 @@ void* LoadDialog(QX_RESITEM* record) {
 
 void* LoadStringTable(QX_RESITEM* record) {
     const void* resource = QX_REAL(LockResource)(record->loaded);
-    return resource ? TranslateStringTable(resource, record->size, record->key, &record->size) : nullptr;
+    return resource ? TranslateStringTable(resource, record->size, record->key, &record->size)
+                    : nullptr;
 }
 
 }  // namespace
 
 HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* type) {
     auto typeId = reinterpret_cast<uintptr_t>(type);
-    if (!handle || (typeId != kDialogType && typeId != kMenuType && typeId != kStringTableType)) return handle;
-    QX_RESITEM* record = FindRecord([&](QX_RESITEM* r) { return r->handle == handle && r->module == module; });
+    if (!handle || (typeId != kDialogType && typeId != kMenuType && typeId != kStringTableType))
+        return handle;
+    QX_RESITEM* record =
+        FindRecord([&](QX_RESITEM* r) { return r->handle == handle && r->module == module; });
     if (!record && name) {
         record = AddRecord(handle, module, ResourceKey(module, name, KeyKind(typeId)), typeId);
     } else if (!record) {

@@ -1,4 +1,5 @@
-// The records that stand for resources of patched modules: what a find call answers in place of the real handle.
+// The records that stand for resources of patched modules: what a find call answers in place of the
+// real handle.
 #ifndef QXCORE_TRANSLATE_RESOURCE_RECORDS_H
 #define QXCORE_TRANSLATE_RESOURCE_RECORDS_H
 
@@ -23,12 +24,12 @@ struct QX_RESITEM : QX_LISTITEM {
     char key[128];   // empty without a name; a longer key makes a longer record
 };
 
-// The record of a found resource, one for each real handle and module. A null handle, and the handle of any other
-// type, comes back as it is. A wide name is taken as the bytes it consists of.
+// The record of a found resource, one for each real handle and module. A null handle, and the
+// handle of any other type, comes back as it is. A wide name is taken as the bytes it consists of.
 HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* type);
 
-// The one found last: hosts find, measure and load one resource after the other. Threads that only look records up
-// may do so side by side, each with what it has read here once.
+// The one found last: hosts find, measure and load one resource after the other. Threads that only
+// look records up may do so side by side, each with what it has read here once.
 extern std::atomic<QX_RESITEM*> g_latestRecord;
 QX_RESITEM* SearchRecord(const void* handle);
 
@@ -38,7 +39,8 @@ inline QX_RESITEM* RecordOf(const void* handle) {
     return handle == latest ? latest : SearchRecord(handle);
 }
 
-// Bounds of the records' addresses, so that nearly all handles of others are told by two comparisons.
+// Bounds of the records' addresses, so that nearly all handles of others are told by two
+// comparisons.
 struct RecordBounds {
     uintptr_t lowest = UINTPTR_MAX;
     uintptr_t highest = 0;
@@ -50,8 +52,8 @@ inline bool MayBeRecord(const void* handle) {
     return address >= g_recordBounds.lowest && address <= g_recordBounds.highest;
 }
 
-// The translated block of a record, built at the first call; the real block where there is nothing to translate;
-// null for a menu, whose texts are translated when the system has made it.
+// The translated block of a record, built at the first call; the real block where there is nothing
+// to translate; null for a menu, whose texts are translated when the system has made it.
 HGLOBAL LoadRecord(QX_RESITEM* record);
 
 // Frees all records. Their blocks stay, since a host may hold them.

@@ -37,7 +37,9 @@ public:
         if (left >= kWord && WordAt(at) == kOrdinal) return Take(2 * kWord, part);
         return TakeText(part);
     }
-    bool TakeCreationData(TemplatePart* part) { return left >= kWord && Take(kWord + WordAt(at), part); }
+    bool TakeCreationData(TemplatePart* part) {
+        return left >= kWord && Take(kWord + WordAt(at), part);
+    }
     // To the next address that is a multiple of 4.
     bool Align() {
         TemplatePart gap;
@@ -63,7 +65,8 @@ bool IsTextClass(TemplatePart field) {
 
 bool TakeControl(TemplateReader& reader, const TemplateForm& form, TemplateControl* control) {
     if (!reader.Align() || !reader.Take(form.controlHead, &control->head)) return false;
-    if (!reader.TakeField(&control->windowClass) || !reader.TakeField(&control->title)) return false;
+    if (!reader.TakeField(&control->windowClass) || !reader.TakeField(&control->title))
+        return false;
     if (!reader.TakeCreationData(&control->creation)) return false;
     control->isTranslatable = IsTextClass(control->windowClass) && !IsNumber(control->title);
     return true;
@@ -72,7 +75,8 @@ bool TakeControl(TemplateReader& reader, const TemplateForm& form, TemplateContr
 bool WalkHead(TemplateReader& reader, TemplatePass& pass) {
     const uint8_t* start = reader.At();
     TemplatePart head, menu, windowClass, caption, words, face;
-    if (!reader.Take(pass.form.head, &head) || !reader.TakeField(&menu) || !reader.TakeField(&windowClass))
+    if (!reader.Take(pass.form.head, &head) || !reader.TakeField(&menu) ||
+        !reader.TakeField(&windowClass))
         return false;
     pass.Head({start, static_cast<size_t>(reader.At() - start)});
     if (!reader.TakeText(&caption)) return false;

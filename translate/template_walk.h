@@ -54,8 +54,9 @@ protected:
 
 const TemplateForm& FormOf(TemplateBytes dialog);
 
-// Runs a pass over all controls that the template counts. False, with what was written to be forgotten, when the
-// bytes end before the controls; when they end among these, the output holds, and counts, those that are whole.
+// Runs a pass over all controls that the template counts. False, with what was written to be
+// forgotten, when the bytes end before the controls; when they end among these, the output holds,
+// and counts, those that are whole.
 bool WalkTemplate(TemplateBytes dialog, TemplatePass& pass);
 
 #endif

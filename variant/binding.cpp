@@ -2,7 +2,8 @@
 
 namespace {
 
-// The bytes that a plain variable of each type shares with the value area; text and objects are owned, not shared.
+// The bytes that a plain variable of each type shares with the value area; text and objects are
+// owned, not shared.
 constexpr unsigned char kWidths[] = {
     0,   // EMPTY
     4,   // BOOL

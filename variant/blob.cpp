@@ -2,7 +2,8 @@
 
 QXBlob::QXBlob(unsigned long size) : tagQXBLOB{size, AllocValue(size)} {}
 
-QXBlob::QXBlob(const tagQXBLOB* source) : tagQXBLOB{source->size, CopyBytes(source->data, source->size)} {}
+QXBlob::QXBlob(const tagQXBLOB* source)
+    : tagQXBLOB{source->size, CopyBytes(source->data, source->size)} {}
 
 void QXBlob::Clear() {
     void* old = data;

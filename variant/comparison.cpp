@@ -28,7 +28,8 @@ bool Same(const tagRECT& a, const tagRECT& b) {
 }
 
 bool Same(const tagRRECT& a, const tagRRECT& b) {
-    return Near(a.left, b.left) && Near(a.top, b.top) && Near(a.right, b.right) && Near(a.bottom, b.bottom);
+    return Near(a.left, b.left) && Near(a.top, b.top) && Near(a.right, b.right) &&
+           Near(a.bottom, b.bottom);
 }
 
 template <class Rect>

@@ -21,7 +21,8 @@ bool Fail(const Value&, Value&) {
     return false;
 }
 
-// Between forms as the language converts them: bits are kept, cut or widened, integers become reals.
+// Between forms as the language converts them: bits are kept, cut or widened, integers become
+// reals.
 template <auto From, auto To>
 bool Cast(const Value& from, Value& to) {
     to.*To = static_cast<std::remove_reference_t<decltype(to.*To)>>(from.*From);
@@ -41,7 +42,8 @@ int TruncateToInt(double v) {
 }
 
 int64_t TruncateToInt64(double v) {
-    return v >= -9223372036854775808.0 && v < 9223372036854775808.0 ? static_cast<int64_t>(v) : INT64_MIN;
+    return v >= -9223372036854775808.0 && v < 9223372036854775808.0 ? static_cast<int64_t>(v)
+                                                                    : INT64_MIN;
 }
 
 template <auto From>
@@ -63,8 +65,8 @@ bool Scan(const Value& from, Value& to) {
     return ScanNumber(from.string, to.*To);
 }
 
-// A double that is converted to `unsigned long` is taken for a pointer to text: the row of every other number has
-// text in this place. A real double there is a caller's error, which fails.
+// A double that is converted to `unsigned long` is taken for a pointer to text: the row of every
+// other number has text in this place. A real double there is a caller's error, which fails.
 bool ScanDoubleAsText(const Value& from, Value& to) {
     return !IsBadStringPtrA(from.string, UINT_PTR(-1)) && ScanNumber(from.string, to.uintVal);
 }
@@ -132,7 +134,8 @@ bool WidenPoint(const Value& from, Value& to) {
     return true;
 }
 
-// Right and bottom differ by 1 between the two, so an integer rectangle comes back from a round trip.
+// Right and bottom differ by 1 between the two, so an integer rectangle comes back from a round
+// trip.
 
 bool RoundRect(const Value& from, Value& to) {
     const tagRRECT& r = from.rrect;
@@ -142,7 +145,8 @@ bool RoundRect(const Value& from, Value& to) {
 
 bool WidenRect(const Value& from, Value& to) {
     const tagRECT& r = from.rect;
-    to.rrect = {double(r.left), double(r.top), double(Previous(r.right)), double(Previous(r.bottom))};
+    to.rrect = {double(r.left), double(r.top), double(Previous(r.right)),
+                double(Previous(r.bottom))};
     return true;
 }
 
@@ -232,8 +236,8 @@ constexpr Converter kCompounds[][8] = {
 
 // clang-format on
 
-// The codes of the table: 0 to 18 stand for themselves, the last place for the one code behind them that matters, the
-// borrowed object as a target, and any code above 18 as a source.
+// The codes of the table: 0 to 18 stand for themselves, the last place for the one code behind them
+// that matters, the borrowed object as a target, and any code above 18 as a source.
 constexpr unsigned kCodes = 20;
 constexpr unsigned kBehind = kCodes - 1;
 
@@ -247,7 +251,8 @@ constexpr Converter ConverterOf(unsigned from, unsigned to) {
 struct ConverterTable {
     constexpr ConverterTable() : converters() {
         for (unsigned to = 0; to < kCodes; ++to) {
-            for (unsigned from = 0; from < kCodes; ++from) converters[to][from] = ConverterOf(from, to);
+            for (unsigned from = 0; from < kCodes; ++from)
+                converters[to][from] = ConverterOf(from, to);
         }
     }
     Converter converters[kCodes][kCodes];
@@ -259,7 +264,8 @@ constexpr ConverterTable kTable;
 inline bool Convert(tagQXVARIANT* dest, const tagQXVARIANT& src, unsigned short type) {
     if (type > QXVT_UNKNOWN && type != QXVT_UNKNOWN_REF) return false;
     const auto& converters = kTable.converters[type <= QXVT_UNKNOWN ? type : kBehind];
-    if (!converters[src.type <= QXVT_UNKNOWN ? src.type : kBehind](src.value, dest->value)) return false;
+    if (!converters[src.type <= QXVT_UNKNOWN ? src.type : kBehind](src.value, dest->value))
+        return false;
     dest->type = type;
     return true;
 }

@@ -44,7 +44,8 @@ bool ScanByRuntime(const char* text, const char* format, T& number) {
 }
 
 int CountDigits(unsigned number) {
-    constexpr unsigned kPowersOfTen[] = {10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+    constexpr unsigned kPowersOfTen[] = {10,      100,      1000,      10000,     100000,
+                                         1000000, 10000000, 100000000, 1000000000};
     int digits = 1;
     for (unsigned power : kPowersOfTen) {
         if (number < power) break;
@@ -99,7 +100,8 @@ bool ScanNumber(const char* text, float& number) {
 
 char* NewNumberText(int number) {
     bool negative = number < 0;
-    return NewDigits(negative ? 0u - static_cast<unsigned>(number) : static_cast<unsigned>(number), negative);
+    return NewDigits(negative ? 0u - static_cast<unsigned>(number) : static_cast<unsigned>(number),
+                     negative);
 }
 
 char* NewNumberText(unsigned number) {

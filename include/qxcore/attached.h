@@ -1,4 +1,5 @@
-// Interfaces that a caller attaches to an object at run time, so that the object's QueryInterface answers them.
+// Interfaces that a caller attaches to an object at run time, so that the object's QueryInterface
+// answers them.
 //
 // Errors: CXMemException, with the table as it was. Threading: the object's.
 #ifndef QXCORE_ATTACHED_H
@@ -10,9 +11,9 @@
 #include <memory>
 
 struct IRegisterIface : public IQXUnknown {
-    // Attaches or replaces what the object answers for `id`; a null object removes it. With `counted` the table holds
-    // a reference; without, the attached object must outlive its entry. `id` is a record that outlives the entry.
-    // 1, or 0 when there was nothing to remove.
+    // Attaches or replaces what the object answers for `id`; a null object removes it. With
+    // `counted` the table holds a reference; without, the attached object must outlive its entry.
+    // `id` is a record that outlives the entry. 1, or 0 when there was nothing to remove.
     virtual int RegisterInterface(IQXUnknown* object, qx_type_info const& id, int counted) = 0;
 
 protected:
@@ -33,7 +34,8 @@ struct _tIQXUnknown {
 
 // The table that a carrying class embeds: it forwards RegisterInterface and QueryInterface here.
 //
-// An object that registers an interface of its own does so uncounted, or it would keep itself alive for ever.
+// An object that registers an interface of its own does so uncounted, or it would keep itself alive
+// for ever.
 class CAttachedInterfaces {
 public:
     int Register(IQXUnknown* object, qx_type_info const& id, int counted) {

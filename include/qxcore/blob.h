@@ -28,12 +28,16 @@ public:
 
     QXCORE_API QXBlob& operator=(const tagQXBLOB* source);
     QXBlob& operator=(const tagQXBLOB& source) { return *this = &source; }
-    QXBlob& operator=(const QXBlob& source) { return *this = static_cast<const tagQXBLOB*>(&source); }
+    QXBlob& operator=(const QXBlob& source) {
+        return *this = static_cast<const tagQXBLOB*>(&source);
+    }
 
     // Same size and same bytes.
     QXCORE_API bool operator==(const tagQXBLOB* other) const;
     bool operator==(const tagQXBLOB& other) const { return *this == &other; }
-    bool operator==(const QXBlob& other) const { return *this == static_cast<const tagQXBLOB*>(&other); }
+    bool operator==(const QXBlob& other) const {
+        return *this == static_cast<const tagQXBLOB*>(&other);
+    }
 };
 
 #endif

@@ -1,6 +1,7 @@
 // The exceptions of the library: numbers, not texts. A host turns a code into words.
 //
-// Thrown by value, caught by reference; a catch of CXException& catches the family. Making one never allocates.
+// Thrown by value, caught by reference; a catch of CXException& catches the family. Making one
+// never allocates.
 #ifndef QXCORE_EXCEPTION_H
 #define QXCORE_EXCEPTION_H
 
@@ -75,10 +76,11 @@ enum : int {
 
 // A failure with a file's or an element's name.
 //
-// `name` points into one of four buffers of 512 bytes, since memory may be what has run out: the constructor takes
-// the first free one, or overwrites the first when all are in use; a longer name is cut. A null name gives an
-// empty text. A copy shares the buffer and every destructor frees it, so raise unnamed temporaries only.
-// Threading: the buffers have no guard; the code stays correct, the name is a diagnostic.
+// `name` points into one of four buffers of 512 bytes, since memory may be what has run out: the
+// constructor takes the first free one, or overwrites the first when all are in use; a longer name
+// is cut. A null name gives an empty text. A copy shares the buffer and every destructor frees it,
+// so raise unnamed temporaries only. Threading: the buffers have no guard; the code stays correct,
+// the name is a diagnostic.
 class CXFileException : public CXException {
 public:
     QXCORE_API CXFileException(int code, const char* name, int operation);

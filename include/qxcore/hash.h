@@ -17,7 +17,8 @@ struct QXTextHash {
 
 // "Name" and "name" differ.
 QXCORE_API QXTextHash QXHashText(const char* text) noexcept;
-// "Name" and "name" are the same: 'A' to 'Z' count as lower case, a byte above 127 stays itself whatever the code page.
+// "Name" and "name" are the same: 'A' to 'Z' count as lower case, a byte above 127 stays itself
+// whatever the code page.
 QXCORE_API QXTextHash QXHashFolded(const char* text) noexcept;
 
 #endif

@@ -1,10 +1,11 @@
 // Heaps that any module can free from.
 //
-// Every block of the library carries its heap in the word before it, so it may be freed in any module. The global
-// new and delete of every module that links the library go through these heaps and add a word of their own.
+// Every block of the library carries its heap in the word before it, so it may be freed in any
+// module. The global new and delete of every module that links the library go through these heaps
+// and add a word of their own.
 //
-// Threading: Alloc and Realloc run under one lock for all heaps and may be called from any thread; Free takes no
-// lock. The low-memory sink runs under the lock.
+// Threading: Alloc and Realloc run under one lock for all heaps and may be called from any thread;
+// Free takes no lock. The low-memory sink runs under the lock.
 #ifndef QXCORE_HEAP_H
 #define QXCORE_HEAP_H
 
@@ -18,9 +19,9 @@ public:
     virtual void* Alloc(size_t size) = 0;
     // Frees a block of any heap. Answers what the system said; nobody needs to look at it.
     virtual int Free(void* block) = 0;
-    // Always moves the block, within the heap that made it. Copies min(newSize, old block with its header) - 8 bytes,
-    // so a block that shrinks, or grows by fewer than 8 bytes, loses the last bytes of what would have fitted.
-    // REQUIRES: block is not null, newSize >= 8.
+    // Always moves the block, within the heap that made it. Copies min(newSize, old block with its
+    // header) - 8 bytes, so a block that shrinks, or grows by fewer than 8 bytes, loses the last
+    // bytes of what would have fitted. REQUIRES: block is not null, newSize >= 8.
     virtual void* Realloc(void* block, size_t newSize) = 0;
     // The usable size in bytes.
     virtual size_t GetSize(void* block) = 0;
@@ -42,13 +43,16 @@ protected:
     ~ILowMemoryNotifySink() = default;
 };
 
-// The next of four permanent heaps, in turn; `size` has no effect. Counting on a permanent heap does nothing.
+// The next of four permanent heaps, in turn; `size` has no effect. Counting on a permanent heap
+// does nothing.
 QXCORE_API IHeap* Mem_DefaultHeap(size_t size);
-// A private heap with one reference. All its blocks go with it; no destructor of what lies in them runs.
+// A private heap with one reference. All its blocks go with it; no destructor of what lies in them
+// runs.
 QXCORE_API IHeap* new_MemoryHeap(size_t size);
 // Sets the process-wide sink, which is borrowed for good. A second call throws CXException code 10.
 QXCORE_API void Mem_SetLowMemoryNotifySink(ILowMemoryNotifySink* sink);
-// Bytes requested and operations made so far. Both only grow; neither tells the present use of memory.
+// Bytes requested and operations made so far. Both only grow; neither tells the present use of
+// memory.
 QXCORE_API void Get_CoreActivity(size_t* bytes, unsigned* operations);
 // For hosts; the library neither reads nor writes it.
 extern "C" QXCORE_API int __core_activity;

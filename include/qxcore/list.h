@@ -1,7 +1,8 @@
 // The lists of the library: circular, one allocation of `new` for each node.
 //
-// What a list does with its values is told in container_rules.h: texts are copied, class pointers owned, interfaces
-// counted. Running out of memory throws CXMemException and leaves the list as it was. Threading: none of its own.
+// What a list does with its values is told in container_rules.h: texts are copied, class pointers
+// owned, interfaces counted. Running out of memory throws CXMemException and leaves the list as it
+// was. Threading: none of its own.
 #ifndef QXCORE_LIST_H
 #define QXCORE_LIST_H
 
@@ -83,7 +84,8 @@ public:
     int Next(unsigned count, T* out, unsigned* fetched) override {
         this->Start();
         unsigned delivered = 0;
-        while (out && delivered < count && Valid()) out[delivered++] = *this->m_collection->GetNext(m_position);
+        while (out && delivered < count && Valid())
+            out[delivered++] = *this->m_collection->GetNext(m_position);
         if (fetched) *fetched = delivered;
         return delivered > 0;
     }

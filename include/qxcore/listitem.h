@@ -8,8 +8,9 @@ struct QX_LISTITEM {
     QX_LISTITEM* prev;
 };
 
-// The list head. The list is circular: a single item points to itself both ways, an empty list has null ends, and
-// a walk ends by comparing with `tail` (forward) or `head` (backward), never at a null link.
+// The list head. The list is circular: a single item points to itself both ways, an empty list has
+// null ends, and a walk ends by comparing with `tail` (forward) or `head` (backward), never at a
+// null link.
 struct COList {
     unsigned count = 0;
     QX_LISTITEM* head = nullptr;

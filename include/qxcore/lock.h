@@ -1,7 +1,8 @@
 // Locks and events.
 //
-// Every lock of the family takes one process-spanning named mutex before its own critical section and holds it
-// all the while, so one call of Wait_All stops them all, in this process and in every other that uses the library.
+// Every lock of the family takes one process-spanning named mutex before its own critical section
+// and holds it all the while, so one call of Wait_All stops them all, in this process and in every
+// other that uses the library.
 #ifndef QXCORE_LOCK_H
 #define QXCORE_LOCK_H
 
@@ -21,7 +22,8 @@ QX_DECLARE_TYPEID(ICritSect, ".?AVICritSect@@");
 
 // Answers of Wait_All and IEvent::Wait.
 enum : int {
-    QXWAIT_ACQUIRED = 1,  // acquired or signalled; also any other result, and for Wait_All: no mutex
+    QXWAIT_ACQUIRED =
+        1,  // acquired or signalled; also any other result, and for Wait_All: no mutex
     QXWAIT_TIMEOUT = 2,
     QXWAIT_ABANDONED = 3  // acquired from an owner that died
 };
@@ -40,19 +42,21 @@ protected:
 };
 QX_DECLARE_TYPEID(IEvent, ".?AVIEvent@@");
 
-// A new lock with one reference. Throws CXMemException. Make and release locks on one thread at a time.
+// A new lock with one reference. Throws CXMemException. Make and release locks on one thread at a
+// time.
 QXCORE_API ICritSect* CriticalSection_New();
-// For callers that manage the memory: with null memory the object's size goes to *size and the answer is null;
-// else the lock is built there and `size` is ignored. Its last Release frees the memory through the global delete,
-// so the memory comes from `new` or carries its tag word.
+// For callers that manage the memory: with null memory the object's size goes to *size and the
+// answer is null; else the lock is built there and `size` is ignored. Its last Release frees the
+// memory through the global delete, so the memory comes from `new` or carries its tag word.
 QXCORE_API ICritSect* _CriticalSection_New_For_Core(void* memory, int* size);
 
-// Takes the global mutex: until Wait_Release no other thread of any process gets past Enter. Milliseconds.
-// Call Wait_Release only after QXWAIT_ACQUIRED or QXWAIT_ABANDONED.
+// Takes the global mutex: until Wait_Release no other thread of any process gets past Enter.
+// Milliseconds. Call Wait_Release only after QXWAIT_ACQUIRED or QXWAIT_ABANDONED.
 QXCORE_API int Wait_All(int timeout);
 QXCORE_API void Wait_Release();
 
-// A new event with one reference; non-zero makes it signalled. Throws CXMemException when the system refuses.
+// A new event with one reference; non-zero makes it signalled. Throws CXMemException when the
+// system refuses.
 QXCORE_API IEvent* Event_New(int initialState);
 
 #endif

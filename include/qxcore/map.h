@@ -1,10 +1,12 @@
 // The hash map of the library.
 //
-// A map never grows: its chains get longer. It compares hashes and nothing else, so two texts with the same hash are
-// one key, and nothing detects that. What it does with keys and values is told in container_rules.h.
+// A map never grows: its chains get longer. It compares hashes and nothing else, so two texts with
+// the same hash are one key, and nothing detects that. What it does with keys and values is told in
+// container_rules.h.
 //
-// Memory: keys, nodes and values as of `new`; running out of memory throws CXMemException and leaves the map as it
-// was. Threading: none of its own; lookups alone may run side by side once the map has its table.
+// Memory: keys, nodes and values as of `new`; running out of memory throws CXMemException and
+// leaves the map as it was. Threading: none of its own; lookups alone may run side by side once the
+// map has its table.
 #ifndef QXCORE_MAP_H
 #define QXCORE_MAP_H
 
@@ -22,17 +24,21 @@ class CTMap {
     using Argument = typename Values::Argument;
 
 public:
-    // The text of the key stands behind the node, in the same block; one that replaced it has a block of its own.
+    // The text of the key stands behind the node, in the same block; one that replaced it has a
+    // block of its own.
     struct Node {
         struct KeyRoom {
             size_t bytes;
         };
-        static void* operator new(size_t size, KeyRoom room) { return ::operator new(size + room.bytes); }
+        static void* operator new(size_t size, KeyRoom room) {
+            return ::operator new(size + room.bytes);
+        }
         static void operator delete(void* block, KeyRoom) { ::operator delete(block); }
         static void operator delete(void* block) { ::operator delete(block); }
 
         // REQUIRES: made by new (KeyRoom{Room(key)}).
-        Node(K key, Argument value, unsigned hash) : value(value), key(Keys::Put(key, this + 1)), hash(hash) {}
+        Node(K key, Argument value, unsigned hash)
+            : value(value), key(Keys::Put(key, this + 1)), hash(hash) {}
         Node(const Node&) = delete;
         Node& operator=(const Node&) = delete;
         ~Node() { Keys::Free(key, this + 1); }
@@ -61,8 +67,8 @@ public:
     CTMap& operator=(const CTMap&) = delete;
     virtual ~CTMap() { RemoveAll(); }
 
-    // 1 and the value in `out`, or 0 with `out` as it was. With addRef the caller gets a reference of his own on an
-    // interface; other values stay the map's.
+    // 1 and the value in `out`, or 0 with `out` as it was. With addRef the caller gets a reference
+    // of his own on an interface; other values stay the map's.
     int Lookup(K key, V& out, int addRef = 0) { return LookupHash(Keys::Hash(key), out, addRef); }
     // The same with a hash that the caller made by the rule of the key.
     int LookupHash(unsigned hash, V& out, int addRef = 0) {
@@ -86,8 +92,8 @@ public:
     // 0 if absent, or after the final clearing.
     int RemoveKey(K key);
 
-    // The next value or key of the walk: bucket by bucket, in each the newest first. Null at the end, and the
-    // position is at the start again; null after the final clearing.
+    // The next value or key of the walk: bucket by bucket, in each the newest first. Null at the
+    // end, and the position is at the start again; null after the final clearing.
     V* GetNext(position& at, int addRef = 0) {
         if (!Advance(at)) return nullptr;
         V* value = &at.node->value.value;
@@ -96,13 +102,14 @@ public:
     }
     K* GetNextKey(position& at) { return Advance(at) ? &at.node->key : nullptr; }
 
-    // The final clearing: the map takes nothing more afterwards, until its owner sets `destroyed` back to 0. A map
-    // that was never used stays as it is.
+    // The final clearing: the map takes nothing more afterwards, until its owner sets `destroyed`
+    // back to 0. A map that was never used stays as it is.
     void RemoveAll();
 
     Node** buckets = nullptr;  // made by the first operation
     unsigned count = 0;
-    IHeap* heap = nullptr;  // holds the table; a default heap unless one is set before the first use
+    IHeap* heap =
+        nullptr;  // holds the table; a default heap unless one is set before the first use
     unsigned bucketCount;
     unsigned tableMark = 0;  // kQXTableMark while there is a table
     unsigned destroyed = 0;
@@ -185,7 +192,8 @@ void CTMap<K, V>::RemoveAll() {
     tableMark = 0;
 }
 
-// To the next node of the chain, or to the first of the next chain that has one. At the end back to the start.
+// To the next node of the chain, or to the first of the next chain that has one. At the end back to
+// the start.
 template <class K, class V>
 bool CTMap<K, V>::Advance(position& at) {
     if (!MakeTable()) return false;
@@ -203,7 +211,8 @@ bool CTMap<K, V>::Advance(position& at) {
     return false;
 }
 
-// The index begins when chains are longer than one on average, and is tried again from time to time without memory.
+// The index begins when chains are longer than one on average, and is tried again from time to time
+// without memory.
 template <class K, class V>
 void CTMap<K, V>::Index(Node* added) {
     auto add = [this](Node* node) {
@@ -269,7 +278,9 @@ public:
     constexpr explicit CTMapEnum(unsigned bucketCount = 127) : CTMap<K, V>(bucketCount) {}
 
     // A reference for the caller, or null after the final clearing.
-    CTEnum<KK>* CreateEnum() { return this->destroyed ? nullptr : new _CMapKeyEnum<K, V, KK, VV>(this); }
+    CTEnum<KK>* CreateEnum() {
+        return this->destroyed ? nullptr : new _CMapKeyEnum<K, V, KK, VV>(this);
+    }
 };
 
 #endif

@@ -1,7 +1,7 @@
 // A shortcut to the nodes of a large map: which node has this hash.
 //
-// It answers sooner what the map's chains say and holds nothing of its own, so a map works the same without it: when
-// memory runs out it is dropped.
+// It answers sooner what the map's chains say and holds nothing of its own, so a map works the same
+// without it: when memory runs out it is dropped.
 #ifndef QXCORE_MAP_INDEX_H
 #define QXCORE_MAP_INDEX_H
 
@@ -24,7 +24,8 @@ public:
             const Slot& slot = slots[at];
             if (!slot.node) return nullptr;
             if (slot.hash != hash) continue;
-            // The caller reads the node next and then what its value points to; both come from memory at once.
+            // The caller reads the node next and then what its value points to; both come from
+            // memory at once.
             _mm_prefetch(static_cast<const char*>(slot.node) + kGrain * slot.toTarget, _MM_HINT_T0);
             return slot.node;
         }
@@ -32,9 +33,9 @@ public:
 
     // Makes room for `nodes` nodes. Not in use afterwards when memory is short.
     QXCORE_API void Start(unsigned nodes) noexcept;
-    // `target` is what the node's value points to, or the node itself. That the value may change later costs a lookup
-    // some time and nothing else.
-    // REQUIRES: InUse, and no node with this hash is in. Drops the index when it must grow and cannot.
+    // `target` is what the node's value points to, or the node itself. That the value may change
+    // later costs a lookup some time and nothing else. REQUIRES: InUse, and no node with this hash
+    // is in. Drops the index when it must grow and cannot.
     QXCORE_API void Add(unsigned hash, void* node, const void* target) noexcept;
     // REQUIRES: InUse.
     QXCORE_API void Remove(unsigned hash) noexcept;

@@ -1,7 +1,9 @@
-// Global new and delete of every module that includes a header of the library are the library's own.
+// Global new and delete of every module that includes a header of the library are the library's
+// own.
 //
-// An import library gives each function alone, so a module could take one of them from here and its counterpart from
-// the runtime. The references below make the linker take all of them from here, whichever the module's code names.
+// An import library gives each function alone, so a module could take one of them from here and its
+// counterpart from the runtime. The references below make the linker take all of them from here,
+// whichever the module's code names.
 #ifndef QXCORE_NEW_DELETE_H
 #define QXCORE_NEW_DELETE_H
 

@@ -1,7 +1,8 @@
 // <windows.h> without the macros that collide with names of this library.
 //
-// The header includes <windows.h> itself, so a host may include that before or after ours: either way the macros
-// below are gone, and GetClassNameA or GetClassNameW is written out where the platform's function is meant.
+// The header includes <windows.h> itself, so a host may include that before or after ours: either
+// way the macros below are gone, and GetClassNameA or GetClassNameW is written out where the
+// platform's function is meant.
 #ifndef QXCORE_PLATFORM_H
 #define QXCORE_PLATFORM_H
 

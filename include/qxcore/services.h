@@ -23,7 +23,8 @@ struct IQXServiceContainer : IQXUnknown {
     virtual int AddService(const char* name, IQXUnknown* object) = 0;
     // 0 if the name is absent.
     virtual int RemoveService(const char* name) = 0;
-    // REQUIRES: no sink adds or removes services while it hears of its removal here, or at the container's end.
+    // REQUIRES: no sink adds or removes services while it hears of its removal here, or at the
+    // container's end.
     virtual void RemoveAllServices() = 0;
 
 protected:
@@ -31,8 +32,8 @@ protected:
 };
 QX_DECLARE_TYPEID(IQXServiceContainer, ".?AUIQXServiceContainer@@");
 
-// Optional on a service that wants to know when it joins and leaves. The argument reaches the container and counts no
-// references: a sink may keep it while the container lives.
+// Optional on a service that wants to know when it joins and leaves. The argument reaches the
+// container and counts no references: a sink may keep it while the container lives.
 struct IQXServiceSink : IQXUnknown {
     // A throw leaves the service in the container.
     virtual void OnServiceAdded(IQXUnknown* container) = 0;
@@ -45,6 +46,7 @@ protected:
 QX_DECLARE_TYPEID(IQXServiceSink, ".?AUIQXServiceSink@@");
 
 // The creator. Given an outer object it answers IQXUnknown only.
-extern "C" QXCORE_API int CLSID_OFSERVICECONTAINER(IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out);
+extern "C" QXCORE_API int CLSID_OFSERVICECONTAINER(IQXUnknown* outer, qx_type_info const& id,
+                                                   IQXUnknown** out);
 
 #endif

@@ -1,8 +1,8 @@
 // Documents: named streams and sub-storages in a compound file.
 //
-// Names are narrow text in the process's code page. A name that is empty or holds \ / : or ! is refused with
-// STG_E_INVALIDNAME.
-// Threading: every operation shares static buffers, so all storages of the process serve one thread at a time.
+// Names are narrow text in the process's code page. A name that is empty or holds \ / : or ! is
+// refused with STG_E_INVALIDNAME. Threading: every operation shares static buffers, so all storages
+// of the process serve one thread at a time.
 #ifndef QXCORE_STORAGE_H
 #define QXCORE_STORAGE_H
 
@@ -11,7 +11,8 @@
 #include <qxcore/stream.h>
 
 struct IXStorage : IQXUnknown {
-    // A new sub-storage, in place of an element of that name; `unused` has no effect. Throws CXFileException.
+    // A new sub-storage, in place of an element of that name; `unused` has no effect. Throws
+    // CXFileException.
     virtual IXStorage* CreateStorage(const char* name, int unused) = 0;
     // Throws CXFileException; code 6 when there is none.
     virtual IXStorage* OpenStorage(const char* name) = 0;
@@ -37,15 +38,17 @@ protected:
 };
 QX_DECLARE_TYPEID(IXStorage, ".?AUIXStorage@@");
 
-// A storage over OLE: what new_Storage, open_Storage and new_StorageByOleStorage give, and what its sub-storages are.
-// Its further operations stand behind those of the interface and the template; a host that knows where its storage
-// comes from reaches them by a static_cast from IXStorage*. Nothing tests the class.
+// A storage over OLE: what new_Storage, open_Storage and new_StorageByOleStorage give, and what its
+// sub-storages are. Its further operations stand behind those of the interface and the template; a
+// host that knows where its storage comes from reaches them by a static_cast from IXStorage*.
+// Nothing tests the class.
 //
 // The last release commits. Revert before it is the only way out of a transaction.
 // Asked for IQXProperty, a storage answers a new object over its property sets each time.
 class CStorage : public CQXUnknownImpl<IXStorage> {
 public:
-    // Drops what was written since the last commit. Does nothing on a storage that is not transacted.
+    // Drops what was written since the last commit. Does nothing on a storage that is not
+    // transacted.
     virtual void Revert() = 0;
     // Always answers 0.
     virtual int Reserved(void*, void*, void*, void*) { return 0; }
@@ -59,11 +62,12 @@ enum : int {
     QXSTG_DELETE_ON_RELEASE = 8  // the file goes with the root's last release
 };
 
-// A new storage: in a file at path, whose missing directories are made; in memory when path is null; in a temporary
-// file with bit 2. Throws CXFileException, operation 0, with the path.
+// A new storage: in a file at path, whose missing directories are made; in memory when path is
+// null; in a temporary file with bit 2. Throws CXFileException, operation 0, with the path.
 QXCORE_API IXStorage* new_Storage(const char* path, int flags);
-// An existing file, for reading, or transacted for reading and writing. Throws CXFileException, operation 0: code 15
-// for a damaged file, whose tables are looked over first; code 13 for a URL, without a name.
+// An existing file, for reading, or transacted for reading and writing. Throws CXFileException,
+// operation 0: code 15 for a damaged file, whose tables are looked over first; code 13 for a URL,
+// without a name.
 QXCORE_API IXStorage* open_Storage(const char* path, int readOnly);
 // Takes a reference on an IStorage. The path stays empty.
 QXCORE_API IXStorage* new_StorageByOleStorage(void* oleStorage);

@@ -1,12 +1,13 @@
-// CXString: narrow text in the runtime's multibyte code page, copied on write. CXStringW, its wide twin, is in
-// wide_string.h; both are told once here, in CTString.
+// CXString: narrow text in the runtime's multibyte code page, copied on write. CXStringW, its wide
+// twin, is in wide_string.h; both are told once here, in CTString.
 //
-// Positions and counts are characters, sizes are units: bytes in CXString, where a double-byte character has two,
-// and 16-bit units in CXStringW, where every unit is a character. Bad positions are clamped, never an error. A null
-// text stands for an empty one. Whatever needs memory may throw CXMemException; the string then stays valid.
+// Positions and counts are characters, sizes are units: bytes in CXString, where a double-byte
+// character has two, and 16-bit units in CXStringW, where every unit is a character. Bad positions
+// are clamped, never an error. A null text stands for an empty one. Whatever needs memory may throw
+// CXMemException; the string then stays valid.
 //
-// Threading: copies share their text and count plainly, so a string and all its copies belong to one thread. Hand
-// another thread a string made from the text, not a copy.
+// Threading: copies share their text and count plainly, so a string and all its copies belong to
+// one thread. Hand another thread a string made from the text, not a copy.
 #ifndef QXCORE_STRING_H
 #define QXCORE_STRING_H
 
@@ -15,8 +16,9 @@
 
 // Stands directly before the first character of every text.
 struct tagXSTRINGHEADER {
-    int refs;   // strings that share the text; -1 while it is locked by GetBuffer, and in the shared empty text
-    int size;   // loosely kept and never read; the length is where the terminator is
+    int refs;  // strings that share the text; -1 while it is locked by GetBuffer, and in the shared
+               // empty text
+    int size;  // loosely kept and never read; the length is where the terminator is
     int alloc;  // capacity in units, the terminator included
 };
 
@@ -72,7 +74,8 @@ public:
 
     // Characters. The text is scanned at each call.
     QXCORE_API int GetLength() const;
-    // Units of the whole text; of its first n characters; of n characters from pos on. A negative n takes all.
+    // Units of the whole text; of its first n characters; of n characters from pos on. A negative n
+    // takes all.
     QXCORE_API int GetSize() const;
     QXCORE_API int GetSize(int n) const;
     QXCORE_API int GetSize(int pos, int n) const;
@@ -82,11 +85,12 @@ public:
     QXCORE_API wchar_t GetAt(int n) const;
     operator const Ch*() const { return data; }
 
-    // Copy the text, or its first n characters, with a terminator. The result is the units without the terminator.
-    // REQUIRES: buf has room for all of that.
+    // Copy the text, or its first n characters, with a terminator. The result is the units without
+    // the terminator. REQUIRES: buf has room for all of that.
     QXCORE_API int Copy(Ch* buf) const;
     QXCORE_API int Copy(Ch* buf, int n) const;
-    // Copies the whole characters that fit into `size` units with the terminator; with size 0 writes nothing.
+    // Copies the whole characters that fit into `size` units with the terminator; with size 0
+    // writes nothing.
     QXCORE_API int CopyFit(Ch* buf, int size) const;
 
     // The results of the runtime's comparisons; I disregards case, N compares n characters at most.
@@ -94,17 +98,20 @@ public:
     QXCORE_API int CompareN(const Ch* s, int n) const;
     QXCORE_API int CompareIN(const Ch* s, int n) const;
 
-    // The character index of what was found, or -1. Nothing is found in an empty string, not even an empty text.
+    // The character index of what was found, or -1. Nothing is found in an empty string, not even
+    // an empty text.
     QXCORE_API int Find(const Ch* s, int start = 0) const;
     QXCORE_API int Find(wchar_t ch, int start = 0) const;
-    QXCORE_API int FindOnOf(const Ch* set, int start = 0) const;  // the first character that is in the set
+    QXCORE_API int FindOnOf(const Ch* set,
+                            int start = 0) const;  // the first character that is in the set
     QXCORE_API int FindRev(wchar_t ch) const;
     QXCORE_API int FindRevOnOf(const Ch* set) const;  // the last character that is in the set
 
     // pos beyond the end, or negative, appends. A character 0 or an empty text changes nothing.
     QXCORE_API S& Insert(int pos, wchar_t ch);
     QXCORE_API S& Insert(int pos, const Ch* s);
-    // A range is `count` characters after pos, or before it when count is negative. A negative pos means the end.
+    // A range is `count` characters after pos, or before it when count is negative. A negative pos
+    // means the end.
     QXCORE_API S& Delete(int pos, int count);
     // Neither deletes nor inserts: with an empty range or an empty text nothing changes.
     QXCORE_API S& Replace(int pos, int count, const Ch* s);
@@ -112,15 +119,16 @@ public:
     QXCORE_API int Extract(int pos, int count, S& out) const;
     QXCORE_API int Extract(int pos, int count);
 
-    // Replaces the first occurrence: 1, or 0 when there is none. An empty replacement removes what was found.
-    // A double-byte character given as wchar_t stands for its bytes low byte first, so it does not match itself.
+    // Replaces the first occurrence: 1, or 0 when there is none. An empty replacement removes what
+    // was found. A double-byte character given as wchar_t stands for its bytes low byte first, so
+    // it does not match itself.
     QXCORE_API int FindReplace(const Ch* find, const Ch* replacement);
     QXCORE_API int FindReplace(wchar_t find, wchar_t replacement);
     QXCORE_API int FindReplace(const Ch* find, wchar_t replacement);
     QXCORE_API int FindReplace(wchar_t find, const Ch* replacement);
 
-    // White space is what the runtime says of a single byte; in CXStringW of the low byte of each unit, so that
-    // U+0120 is trimmed and U+3000 is not.
+    // White space is what the runtime says of a single byte; in CXStringW of the low byte of each
+    // unit, so that U+0120 is trimmed and U+3000 is not.
     QXCORE_API void TrimLeft();
     QXCORE_API void TrimRight();
     QXCORE_API void Upper();
@@ -128,8 +136,9 @@ public:
     // A string resource: 1, or 0 when it is missing or empty; the text then stays.
     QXCORE_API int Load(HINSTANCE module, unsigned id);
 
-    // A writable text of the string's own with room for n units and the terminator. The string is locked until
-    // ReleaseBuffer: copies made meanwhile take a copy of the text. A shared text longer than n is cut.
+    // A writable text of the string's own with room for n units and the terminator. The string is
+    // locked until ReleaseBuffer: copies made meanwhile take a copy of the text. A shared text
+    // longer than n is cut.
     QXCORE_API Ch* GetBuffer(int n);
     // Ends it. The length is where the terminator is, whatever n says.
     void ReleaseBuffer(int n = -1) {
@@ -142,18 +151,20 @@ public:
     void CharToOemA() {}
     void OemToCharA() {}
 
-    // The text as a file name: ':', '\' and '/' end a directory part, the last '.' after them starts the extension.
-    // There are no URLs here; the last '/' wins.
+    // The text as a file name: ':', '\' and '/' end a directory part, the last '.' after them
+    // starts the extension. There are no URLs here; the last '/' wins.
 
     // Append '\' unless the text ends with '\' or '/'; append '.' unless it ends with '.'.
     QXCORE_API S& AddDirDelim();
     QXCORE_API S& AddFileExtDelim();
-    // Copy a part with its terminator and answer its units; a null buf asks for them. A missing part answers 0 and
-    // leaves buf alone, so ask first. The directory keeps a drive's ':' and loses its last slash.
+    // Copy a part with its terminator and answer its units; a null buf asks for them. A missing
+    // part answers 0 and leaves buf alone, so ask first. The directory keeps a drive's ':' and
+    // loses its last slash.
     QXCORE_API int GetFilePath(Ch* buf) const;
     QXCORE_API int GetFileName(Ch* buf) const;  // without the extension, unlike the other two forms
     QXCORE_API int GetFileExt(Ch* buf) const;   // without the dot
-    // Point into the text: the name with its extension; the extension, or null when there is no dot.
+    // Point into the text: the name with its extension; the extension, or null when there is no
+    // dot.
     QXCORE_API const Ch* GetFileName() const;
     QXCORE_API const Ch* GetFileExt() const;
     QXCORE_API S FilePath() const;
@@ -161,8 +172,9 @@ public:
     QXCORE_API S FileExt() const;
     // Sets or replaces the extension, given with or without its dot. An empty one leaves the dot.
     QXCORE_API void ChangeFileExt(const Ch* ext);
-    // Replaces middle directories of "X:\..." or "\\server\..." by "...\" for display. 1 when handled, 0 for other
-    // paths. maxLen is a goal in characters: the file name stays, and the first directory where others follow.
+    // Replaces middle directories of "X:\..." or "\\server\..." by "...\" for display. 1 when
+    // handled, 0 for other paths. maxLen is a goal in characters: the file name stays, and the
+    // first directory where others follow.
     QXCORE_API int ReducePathString(int maxLen);
 
     // printf with the runtime's own engine. Always the whole text.
@@ -191,8 +203,8 @@ protected:
     // Puts n units at unit `at` and ends the text there.
     QXCORE_API void ConcatCopyTo(size_t at, const Ch* s, size_t n);
     int GetAllocSize() const { return Header()->alloc; }
-    // The units that Format sets aside: exact or generous for the directives it knows. It takes nothing for %E and
-    // %I64d, so what follows them is measured by the wrong arguments.
+    // The units that Format sets aside: exact or generous for the directives it knows. It takes
+    // nothing for %E and %I64d, so what follows them is measured by the wrong arguments.
     QXCORE_API int FormatV(const Ch* format, char* args);
 
 private:
@@ -233,7 +245,8 @@ private:
     QXCORE_API void Convert(const wchar_t* s);
 };
 
-// Keeps a string locked for a scope, so that an exception cannot leave it so: __CXBuff<CXString, char*>.
+// Keeps a string locked for a scope, so that an exception cannot leave it so: __CXBuff<CXString,
+// char*>.
 template <class S, class P>
 class __CXBuff {
 public:

@@ -1,12 +1,15 @@
-// Enumerators over texts of their own: a text split at separators, a block of zero-terminated texts.
+// Enumerators over texts of their own: a text split at separators, a block of zero-terminated
+// texts.
 //
-// Errors: a constructor throws CXMemException. Threading: one enumerator serves one thread at a time.
+// Errors: a constructor throws CXMemException. Threading: one enumerator serves one thread at a
+// time.
 #ifndef QXCORE_STRING_ENUM_H
 #define QXCORE_STRING_ENUM_H
 
 #include <qxcore/enum.h>
 
-// Copies of several texts. Both operations are for a new object, and leave it empty when they throw CXMemException.
+// Copies of several texts. Both operations are for a new object, and leave it empty when they throw
+// CXMemException.
 class QXTextArray {
 public:
     QXTextArray() = default;
@@ -17,8 +20,9 @@ public:
         delete[] characters;
     }
 
-    // The pieces of `text` between any of the characters of `separators`, by the runtime's multibyte code page. A run
-    // of separators counts as one, and no piece is empty. A null text has none.
+    // The pieces of `text` between any of the characters of `separators`, by the runtime's
+    // multibyte code page. A run of separators counts as one, and no piece is empty. A null text
+    // has none.
     QXCORE_API void Split(const char* separators, const char* text);
     // The texts of a block that ends with an empty text. A null block has none.
     QXCORE_API void CopyBlock(const char* block);
@@ -38,7 +42,8 @@ public:
 
     int Next(unsigned count, T* out, unsigned* fetched) override {
         unsigned delivered = 0;
-        while (out && delivered < count && m_position < m_array.count) out[delivered++] = m_array.texts[m_position++];
+        while (out && delivered < count && m_position < m_array.count)
+            out[delivered++] = m_array.texts[m_position++];
         if (fetched) *fetched = delivered;
         return delivered > 0;
     }

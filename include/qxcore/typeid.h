@@ -1,7 +1,7 @@
 // The identity of an interface: its decorated class name as text, interned across modules.
 //
-// Threading: the first comparison of a record writes its cache word without a lock, so hosts compare the common
-// interfaces once, on the main thread.
+// Threading: the first comparison of a record writes its cache word without a lock, so hosts
+// compare the common interfaces once, on the main thread.
 #ifndef QXCORE_TYPEID_H
 #define QXCORE_TYPEID_H
 
@@ -14,12 +14,13 @@ struct _TI_Item {
     QX_LISTITEM link;
 };
 
-// Has the layout of the platform's type_info record, so it lies in writable memory: `item` is filled at run time.
-// Two records with byte-identical names are the same interface, whatever module they come from.
+// Has the layout of the platform's type_info record, so it lies in writable memory: `item` is
+// filled at run time. Two records with byte-identical names are the same interface, whatever module
+// they come from.
 struct qx_type_info {
     const void* table;       // the platform's own table pointer; never used
     mutable _TI_Item* item;  // null until the first comparison
-    char name[112];          // ".?AU" + class + "@@" for a struct, ".?AV" + class + "@@" for a class
+    char name[112];  // ".?AU" + class + "@@" for a struct, ".?AV" + class + "@@" for a class
 };
 
 // Finds or makes the item of a name. Inline comparison code of other modules calls it.

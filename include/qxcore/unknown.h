@@ -1,8 +1,8 @@
 // The root interface and the templates that implement it.
 //
-// Ownership: a creator, QueryInterface and an out parameter each give the caller one reference. An argument is
-// borrowed; a callee that keeps it calls AddRef.
-// Threading: counts are plain increments; an object belongs to one thread at a time.
+// Ownership: a creator, QueryInterface and an out parameter each give the caller one reference. An
+// argument is borrowed; a callee that keeps it calls AddRef. Threading: counts are plain
+// increments; an object belongs to one thread at a time.
 #ifndef QXCORE_UNKNOWN_H
 #define QXCORE_UNKNOWN_H
 
@@ -23,7 +23,8 @@ protected:
 };
 QX_DECLARE_TYPEID(IQXUnknown, ".?AUIQXUnknown@@");
 
-// Answers a query with a candidate that may be null: the rule behind every QueryInterface of the library.
+// Answers a query with a candidate that may be null: the rule behind every QueryInterface of the
+// library.
 inline int QXAnswerQuery(IQXUnknown* candidate, IQXUnknown** out) {
     if (!out) return candidate != nullptr;
     *out = candidate;
@@ -34,9 +35,10 @@ inline int QXAnswerQuery(IQXUnknown* candidate, IQXUnknown** out) {
 
 // The standard implementation of one interface. A new object carries the creator's reference.
 //
-// The public three forward, through the virtual table, to the Internal three, so a class that overrides the public
-// ones still reaches the template's behaviour. A class with more interfaces overrides QueryInterface, calls
-// InternalQueryInterface first and then answers its further interfaces with QXAnswerQuery.
+// The public three forward, through the virtual table, to the Internal three, so a class that
+// overrides the public ones still reaches the template's behaviour. A class with more interfaces
+// overrides QueryInterface, calls InternalQueryInterface first and then answers its further
+// interfaces with QXAnswerQuery.
 template <class I>
 class CQXUnknownImpl : public I {
 public:
@@ -46,14 +48,17 @@ public:
 
     unsigned AddRef() override { return InternalAddRef(); }
     unsigned Release() override { return InternalRelease(); }
-    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override { return InternalQueryInterface(id, out); }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+        return InternalQueryInterface(id, out);
+    }
 
     virtual ~CQXUnknownImpl() = default;
 
     virtual unsigned InternalAddRef() { return ++m_refs; }
     virtual unsigned InternalRelease() {
         if (--m_refs != 0) return m_refs;
-        m_refs = 1;  // whom the destructor calls may query and release the object without ending it twice
+        m_refs = 1;  // whom the destructor calls may query and release the object without ending it
+                     // twice
         delete this;
         return 0;
     }
@@ -67,7 +72,8 @@ private:
     unsigned m_refs = 1;
 };
 
-// An implementation whose object keeps a parent alive. The public count is a second one, beside the template's.
+// An implementation whose object keeps a parent alive. The public count is a second one, beside the
+// template's.
 template <class I, class P>
 class CQXUnknownImplParent : public CQXUnknownImpl<I> {
 public:
@@ -84,7 +90,8 @@ public:
         return 0;
     }
 
-    // Takes a reference on the new parent before dropping the old one; null makes the object a root.
+    // Takes a reference on the new parent before dropping the old one; null makes the object a
+    // root.
     virtual void SetParent(P* parent) {
         if (parent) parent->AddRef();
         if (m_parent) m_parent->Release();
@@ -105,21 +112,24 @@ private:
 //
 // T derives from CQXContainedObject<T> and from its interface, and has the non-virtual
 //     int ContainedQueryInterface(qx_type_info const& id, IQXUnknown** out);
-// which answers T's own interface and adds the reference itself. It may leave the root's three operations of its
-// interface open; a T that is reached through them while it is being destroyed implements them, each by that of
-// CQXContainedObject.
+// which answers T's own interface and adds the reference itself. It may leave the root's three
+// operations of its interface open; a T that is reached through them while it is being destroyed
+// implements them, each by that of CQXContainedObject.
 template <class T>
 class CQXContainedObject {
 public:
     virtual unsigned AddRef() { return outer->AddRef(); }
     virtual unsigned Release() { return outer->Release(); }
-    virtual int QueryInterface(qx_type_info const& id, IQXUnknown** out) { return outer->QueryInterface(id, out); }
+    virtual int QueryInterface(qx_type_info const& id, IQXUnknown** out) {
+        return outer->QueryInterface(id, out);
+    }
     virtual ~CQXContainedObject() = default;
 
     IQXUnknown* outer = nullptr;  // not counted; set by CQXAggObject
 };
 
-// Such a T as a whole class: the root's operations of its interface go to the controlling object too.
+// Such a T as a whole class: the root's operations of its interface go to the controlling object
+// too.
 template <class T>
 class CQXContainedWhole : public T {
 public:
@@ -176,7 +186,9 @@ public:
 
     unsigned AddRef() override { return 0; }
     unsigned Release() override { return 0; }
-    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override { return owner->QueryInterface(id, out); }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+        return owner->QueryInterface(id, out);
+    }
 
     IQXUnknown* owner;
 };

@@ -1,9 +1,9 @@
 // The one typed value: a record of fixed size that may own heap memory, and its class.
 //
-// Ownership: a type 10 owns its text, a type 17 its bytes, both on the default heap; a type 18 owns one reference.
-// Nothing else owns anything. A raw record starts with QXVariantInit and ends with QXVariantClear.
-// Errors: conversions and bindings answer 1 or 0; only memory running out throws, CXMemException.
-// Threading: a variant belongs to one thread at a time.
+// Ownership: a type 10 owns its text, a type 17 its bytes, both on the default heap; a type 18 owns
+// one reference. Nothing else owns anything. A raw record starts with QXVariantInit and ends with
+// QXVariantClear. Errors: conversions and bindings answer 1 or 0; only memory running out throws,
+// CXMemException. Threading: a variant belongs to one thread at a time.
 #ifndef QXCORE_VARIANT_H
 #define QXCORE_VARIANT_H
 
@@ -83,15 +83,18 @@ QXCORE_API void QXVariantInit(tagQXVARIANT* v);
 QXCORE_API void QXVariantClear(tagQXVARIANT* v);
 // Clears `dest`, then copies deeply. Copying a record onto itself empties it.
 QXCORE_API void QXVariantCopy(tagQXVARIANT* dest, const tagQXVARIANT* src);
-// 1 if the closed table of conversions has an answer, else 0. `dest` and `src` may be the same record: a failure then
-// leaves it as it was. A failure into another record leaves that one empty.
-QXCORE_API int QXVariantChangeType(tagQXVARIANT* dest, const tagQXVARIANT* src, unsigned short type);
-// Stores the value area into the variable of the stated type; v's own code is not looked at. 0 for a type outside
-// 1 to 18. A `char*` variable (10) is freed and gets a new copy, an `IQXUnknown*` variable (18) is released and gets a
-// reference of its own, so both must be valid or null; a tagQXBLOB variable (17) borrows the variant's data.
+// 1 if the closed table of conversions has an answer, else 0. `dest` and `src` may be the same
+// record: a failure then leaves it as it was. A failure into another record leaves that one empty.
+QXCORE_API int QXVariantChangeType(tagQXVARIANT* dest, const tagQXVARIANT* src,
+                                   unsigned short type);
+// Stores the value area into the variable of the stated type; v's own code is not looked at. 0 for
+// a type outside 1 to 18. A `char*` variable (10) is freed and gets a new copy, an `IQXUnknown*`
+// variable (18) is released and gets a reference of its own, so both must be valid or null; a
+// tagQXBLOB variable (17) borrows the variant's data.
 QXCORE_API int QXVariantBindToValue(unsigned short type, void* value, const tagQXVARIANT* v);
-// Clears v, gives it the stated type and loads the variable. 0 for a type outside 1 to 18: v keeps that code and a zero
-// value. A text is copied, an object gets a reference; the data of a tagQXBLOB is handed over, and v frees it.
+// Clears v, gives it the stated type and loads the variable. 0 for a type outside 1 to 18: v keeps
+// that code and a zero value. A text is copied, an object gets a reference; the data of a tagQXBLOB
+// is handed over, and v frees it.
 QXCORE_API int QXVariantBindFromValue(unsigned short type, void* value, tagQXVARIANT* v);
 
 // The record with constructors, assignment and casts. It adds no field.
@@ -104,12 +107,21 @@ public:
     // A null text gives type 10 with a null pointer.
     QXCORE_API CQXVariant(const char* text);
     QXCORE_API CQXVariant(const CXString& text);
-    // A second argument of 1 makes a type 1 of the number's being non-zero; any other value leaves the number's type.
-    CQXVariant(unsigned char v, unsigned short as = 0) { InitNumber(as, QXVT_UI1, v, value.ui1Val); }
-    CQXVariant(unsigned short v, unsigned short as = 0) { InitNumber(as, QXVT_UI2, v, value.ui2Val); }
-    CQXVariant(unsigned long v, unsigned short as = 0) { InitNumber(as, QXVT_ULONG, v, value.ulongVal); }
+    // A second argument of 1 makes a type 1 of the number's being non-zero; any other value leaves
+    // the number's type.
+    CQXVariant(unsigned char v, unsigned short as = 0) {
+        InitNumber(as, QXVT_UI1, v, value.ui1Val);
+    }
+    CQXVariant(unsigned short v, unsigned short as = 0) {
+        InitNumber(as, QXVT_UI2, v, value.ui2Val);
+    }
+    CQXVariant(unsigned long v, unsigned short as = 0) {
+        InitNumber(as, QXVT_ULONG, v, value.ulongVal);
+    }
     CQXVariant(int v, unsigned short as = 0) { InitNumber(as, QXVT_INT, v, value.intVal); }
-    CQXVariant(unsigned int v, unsigned short as = 0) { InitNumber(as, QXVT_UINT, v, value.uintVal); }
+    CQXVariant(unsigned int v, unsigned short as = 0) {
+        InitNumber(as, QXVT_UINT, v, value.uintVal);
+    }
     CQXVariant(long v, unsigned short as = 0) { InitNumber(as, QXVT_LONG, v, value.longVal); }
     CQXVariant(double v) { InitPlain(QXVT_DOUBLE, v, value.doubleVal); }
     CQXVariant(float v) { InitPlain(QXVT_FLOAT, v, value.floatVal); }
@@ -129,7 +141,9 @@ public:
     ~CQXVariant() { Clear(); }
 
     CQXVariant& operator=(const tagQXVARIANT& source) { return *this = &source; }
-    CQXVariant& operator=(const CQXVariant& source) { return *this = static_cast<const tagQXVARIANT*>(&source); }
+    CQXVariant& operator=(const CQXVariant& source) {
+        return *this = static_cast<const tagQXVARIANT*>(&source);
+    }
     CQXVariant& operator=(const tagQXVARIANT* source) {
         if (Owns(type) || Owns(source->type) || source == this) {
             QXVariantCopy(this, source);
@@ -192,13 +206,17 @@ public:
         return QXVariantBindFromValue(valueType, variable, this);
     }
 
-    // Like types only: type 5 holding 3 does not equal type 7 holding 3. Points, sizes and rectangles of reals match
-    // within 0.001, empty rectangles match each other, and a NaN matches everything.
+    // Like types only: type 5 holding 3 does not equal type 7 holding 3. Points, sizes and
+    // rectangles of reals match within 0.001, empty rectangles match each other, and a NaN matches
+    // everything.
     QXCORE_API bool operator==(const tagQXVARIANT* other) const;
     bool operator==(const tagQXVARIANT& other) const { return *this == &other; }
-    bool operator==(const CQXVariant& other) const { return *this == static_cast<const tagQXVARIANT*>(&other); }
+    bool operator==(const CQXVariant& other) const {
+        return *this == static_cast<const tagQXVARIANT*>(&other);
+    }
 
-    // The value area read as that form, with no test of the type and no conversion. Pointers stay the variant's.
+    // The value area read as that form, with no test of the type and no conversion. Pointers stay
+    // the variant's.
     operator unsigned char() const { return value.ui1Val; }
     operator unsigned short() const { return value.ui2Val; }
     operator int() const { return value.intVal; }
@@ -218,7 +236,9 @@ public:
     operator tagQXBLOB() const { return value.blob; }
 
 private:
-    static bool Owns(unsigned short type) { return type == QXVT_STRING || type == QXVT_BLOB || type == QXVT_UNKNOWN; }
+    static bool Owns(unsigned short type) {
+        return type == QXVT_STRING || type == QXVT_BLOB || type == QXVT_UNKNOWN;
+    }
     void Zero() { memset(static_cast<tagQXVARIANT*>(this), 0, sizeof(tagQXVARIANT)); }
     void SetRecord(const tagQXVARIANT& record) { static_cast<tagQXVARIANT&>(*this) = record; }
     void InitCopy(const tagQXVARIANT& source) {

@@ -1,5 +1,5 @@
-// CXStringW: 16-bit text, copied on write. Its members are those of CTString in string.h; a character is one 16-bit
-// unit, surrogates included, and sizes count units, not bytes.
+// CXStringW: 16-bit text, copied on write. Its members are those of CTString in string.h; a
+// character is one 16-bit unit, surrogates included, and sizes count units, not bytes.
 #ifndef QXCORE_WIDE_STRING_H
 #define QXCORE_WIDE_STRING_H
 

@@ -88,7 +88,8 @@ void AskToDelete(HINSTANCE instance, HWND owner) {
     char question[512];
     std::snprintf(question, sizeof question, LoadText(instance, IDS_DELETE_QUESTION).c_str(),
                   LoadText(instance, IDS_TASK_2).c_str());
-    MessageBoxA(owner, question, LoadText(instance, IDS_DELETE_TASK).c_str(), MB_OKCANCEL | MB_ICONQUESTION);
+    MessageBoxA(owner, question, LoadText(instance, IDS_DELETE_TASK).c_str(),
+                MB_OKCANCEL | MB_ICONQUESTION);
 }
 
 void TellListIsEmpty(HWND owner) {

@@ -34,10 +34,12 @@ std::string ReadTitle(IXStorage* storage) {
     return title.value.string;
 }
 
-// An object of the plug-in's class where that is registered, and the library's stand-in for it where not.
+// An object of the plug-in's class where that is registered, and the library's stand-in for it
+// where not.
 Reference<IPersistXStream> ReadNote(IXStorage* folder, const char* name) {
     IQXUnknown* object;
-    if (!ReadObjectFromXStream(Checked(folder->OpenStream(name)).get(), &object)) throw CXException(QXERR_FORMAT);
+    if (!ReadObjectFromXStream(Checked(folder->OpenStream(name)).get(), &object))
+        throw CXException(QXERR_FORMAT);
     return Query<IPersistXStream>(Reference<IQXUnknown>(object).get());
 }
 
@@ -95,7 +97,8 @@ void Document::Print() const {
         if (auto note = Query<INote>(object.get())) {
             std::printf("%s  %s\n", name.c_str(), note->GetText());
         } else {
-            std::printf("%s  (a %s, kept as it is: its plug-in is not here)\n", name.c_str(), object->GetClassName());
+            std::printf("%s  (a %s, kept as it is: its plug-in is not here)\n", name.c_str(),
+                        object->GetClassName());
         }
     }
 }

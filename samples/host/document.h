@@ -1,7 +1,8 @@
 // A document: a title of the program's own, and notes whose class a plug-in makes.
 //
-// In the file, a compound file, the stream "title" holds a variant, and the storage "notes" holds a stream for each
-// note with the object's frame. A note whose plug-in is missing is kept as it came and saved again byte for byte.
+// In the file, a compound file, the stream "title" holds a variant, and the storage "notes" holds a
+// stream for each note with the object's frame. A note whose plug-in is missing is kept as it came
+// and saved again byte for byte.
 #ifndef HOST_DOCUMENT_H
 #define HOST_DOCUMENT_H
 
@@ -26,7 +27,8 @@ struct Document {
 
     // A note of the plug-in's class. False when nobody makes that class.
     bool AddNote(const char* name, const char* text);
-    // Load replaces the whole content. SaveAs makes the file; Save changes one, which stays as it was on failure.
+    // Load replaces the whole content. SaveAs makes the file; Save changes one, which stays as it
+    // was on failure.
     void Load(const char* path);
     void SaveAs(const char* path) const;
     void Save(const char* path) const;

@@ -48,14 +48,16 @@ int Fail(const char* what, const char* file) {
 int Create(const char* file) {
     Document document;
     document.title = "Plans for the week";
-    bool made = document.AddNote("note 1", "Call back on Monday") && document.AddNote("note 2", "Water the plants") &&
+    bool made = document.AddNote("note 1", "Call back on Monday") &&
+                document.AddNote("note 2", "Water the plants") &&
                 document.AddNote("note 3", "Send the report");
     if (!made) return Fail("nobody makes the notes of the new document", file);
     document.SaveAs(file);
     return 0;
 }
 
-// The document is read and written as a whole, so whatever this program does not know passes through it.
+// The document is read and written as a whole, so whatever this program does not know passes
+// through it.
 int Retitle(const char* file, const char* title) {
     Document document;
     document.Load(file);
@@ -76,7 +78,9 @@ int List(const char* file) {
 int RunDocumentCommand(int count, char** words) {
     DocumentCommand command;
     if (!command.Read(count, words)) {
-        std::fputs("usage: host --document FILE [--plugin FILE] --create | --retitle TEXT | --list\n", stderr);
+        std::fputs(
+            "usage: host --document FILE [--plugin FILE] --create | --retitle TEXT | --list\n",
+            stderr);
         return 2;
     }
 
@@ -89,7 +93,8 @@ int RunDocumentCommand(int count, char** words) {
         if (command.create) return Create(command.file);
         return command.title ? Retitle(command.file, command.title) : List(command.file);
     } catch (CXException& failure) {
-        std::fprintf(stderr, "host: error %d with the document: %s\n", failure.GetCode(), command.file);
+        std::fprintf(stderr, "host: error %d with the document: %s\n", failure.GetCode(),
+                     command.file);
         return 2;
     }
 }

@@ -1,4 +1,5 @@
-// The part of the command line that begins with --document: a document made, changed or shown without a window.
+// The part of the command line that begins with --document: a document made, changed or shown
+// without a window.
 #ifndef HOST_DOCUMENT_COMMAND_H
 #define HOST_DOCUMENT_COMMAND_H
 

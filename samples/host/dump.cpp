@@ -18,16 +18,16 @@ constexpr const char* g_openDialog = "1552";
 
 std::string ToUtf8(std::wstring const& wide) {
     std::string utf8(wide.size() * 3, '\0');
-    int length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), utf8.data(),
-                                     static_cast<int>(utf8.size()), nullptr, nullptr);
+    int length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()),
+                                     utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
     utf8.resize(static_cast<size_t>(length));
     return utf8;
 }
 
 std::wstring ToWide(std::string const& narrow) {
     std::wstring wide(narrow.size(), L'\0');
-    int length = MultiByteToWideChar(CP_ACP, 0, narrow.data(), static_cast<int>(narrow.size()), wide.data(),
-                                     static_cast<int>(wide.size()));
+    int length = MultiByteToWideChar(CP_ACP, 0, narrow.data(), static_cast<int>(narrow.size()),
+                                     wide.data(), static_cast<int>(wide.size()));
     wide.resize(static_cast<size_t>(length));
     return wide;
 }
@@ -58,7 +58,8 @@ void Print(const char* kind, std::string const& place, std::wstring const& text)
 
 std::wstring WindowText(HWND window) {
     std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    text.resize(
+        static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
     return text;
 }
 
@@ -70,8 +71,10 @@ bool HasClass(HWND window, const char* name) {
 
 std::wstring MenuText(HMENU menu, int position) {
     auto at = static_cast<UINT>(position);
-    std::wstring text(static_cast<size_t>(GetMenuStringW(menu, at, nullptr, 0, MF_BYPOSITION)) + 1, L'\0');
-    int length = GetMenuStringW(menu, at, text.data(), static_cast<int>(text.size()), MF_BYPOSITION);
+    std::wstring text(static_cast<size_t>(GetMenuStringW(menu, at, nullptr, 0, MF_BYPOSITION)) + 1,
+                      L'\0');
+    int length =
+        GetMenuStringW(menu, at, text.data(), static_cast<int>(text.size()), MF_BYPOSITION);
     text.resize(static_cast<size_t>(length));
     return text;
 }
@@ -89,7 +92,8 @@ void DumpListItems(HWND list, std::string const& place) {
     auto count = SendMessageW(list, LB_GETCOUNT, 0, 0);
     for (LRESULT i = 0; i < count; ++i) {
         auto item = static_cast<WPARAM>(i);
-        std::wstring text(static_cast<size_t>(SendMessageW(list, LB_GETTEXTLEN, item, 0)) + 1, L'\0');
+        std::wstring text(static_cast<size_t>(SendMessageW(list, LB_GETTEXTLEN, item, 0)) + 1,
+                          L'\0');
         auto length = SendMessageW(list, LB_GETTEXT, item, reinterpret_cast<LPARAM>(text.data()));
         text.resize(static_cast<size_t>(length));
         Print("dialog", place, text);
@@ -98,7 +102,8 @@ void DumpListItems(HWND list, std::string const& place) {
 
 void DumpControl(HWND control, std::string const& place) {
     if (HasClass(control, "ListBox")) return DumpListItems(control, place);
-    if (!HasClass(control, "Static") && !HasClass(control, "Button") && !HasClass(control, "Edit")) return;
+    if (!HasClass(control, "Static") && !HasClass(control, "Button") && !HasClass(control, "Edit"))
+        return;
     std::wstring text = WindowText(control);
     if (!text.empty()) Print("dialog", place, text);
 }
@@ -106,13 +111,15 @@ void DumpControl(HWND control, std::string const& place) {
 void DumpDialog(HWND dialog, std::string const& name) {
     Print("dialog", name + "\t-1", WindowText(dialog));
     int index = 0;
-    for (HWND control = GetWindow(dialog, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    for (HWND control = GetWindow(dialog, GW_CHILD); control;
+         control = GetWindow(control, GW_HWNDNEXT)) {
         DumpControl(control, name + "\t" + std::to_string(index++));
     }
 }
 
 void DumpMessage(HWND box) {
-    for (HWND control = GetWindow(box, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    for (HWND control = GetWindow(box, GW_CHILD); control;
+         control = GetWindow(control, GW_HWNDNEXT)) {
         if (!HasClass(control, "Static")) continue;
         std::wstring text = WindowText(control);
         if (!text.empty()) Print("message", Escape(ToUtf8(WindowText(box))), text);

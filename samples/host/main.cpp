@@ -1,6 +1,7 @@
 // host.exe [--dictionary FILE] --show    opens the program's window
-// host.exe [--dictionary FILE] --dump    prints the texts of its live user interface and shows nothing
-// host.exe --document FILE ...           makes, changes or lists a document, as document_command.cpp tells
+// host.exe [--dictionary FILE] --dump    prints the texts of its live user interface and shows
+// nothing host.exe --document FILE ...           makes, changes or lists a document, as
+// document_command.cpp tells
 //
 // Exit code 0, or 2 when the command line, the dictionary or the document cannot be read.
 #include <qxcore/translation.h>
@@ -38,7 +39,8 @@ struct CommandLine {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
-    if (__argc > 1 && !std::strcmp(__argv[1], "--document")) return RunDocumentCommand(__argc, __argv);
+    if (__argc > 1 && !std::strcmp(__argv[1], "--document"))
+        return RunDocumentCommand(__argc, __argv);
 
     CommandLine command;
     if (!command.Read(__argc, __argv)) {

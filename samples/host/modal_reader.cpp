@@ -39,7 +39,8 @@ ModalReader::~ModalReader() {
 
 LRESULT CALLBACK ModalReader::AfterMessage(int code, WPARAM wparam, LPARAM lparam) {
     auto sent = reinterpret_cast<CWPRETSTRUCT const*>(lparam);
-    if (code == HC_ACTION && sent->message == WM_INITDIALOG && !(GetWindowLongA(sent->hwnd, GWL_STYLE) & WS_CHILD)) {
+    if (code == HC_ACTION && sent->message == WM_INITDIALOG &&
+        !(GetWindowLongA(sent->hwnd, GWL_STYLE) & WS_CHILD)) {
         KeepHidden(sent->hwnd);
         s_current->m_read(sent->hwnd);
         EndDialog(sent->hwnd, IDCANCEL);

@@ -1,5 +1,5 @@
-// Reads the modal dialogs of this thread and answers them with Cancel, each as soon as it has been filled and before
-// it is shown.
+// Reads the modal dialogs of this thread and answers them with Cancel, each as soon as it has been
+// filled and before it is shown.
 #ifndef HOST_MODAL_READER_H
 #define HOST_MODAL_READER_H
 

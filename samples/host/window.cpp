@@ -16,7 +16,8 @@ HINSTANCE InstanceOf(HWND window) {
     return reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(window, GWLP_HINSTANCE));
 }
 
-void DrawRow(HDC dc, int y, std::string const& task, std::string const& due, std::string const& state) {
+void DrawRow(HDC dc, int y, std::string const& task, std::string const& due,
+             std::string const& state) {
     TextOutA(dc, 12, y, task.c_str(), static_cast<int>(task.size()));
     TextOutA(dc, 232, y, due.c_str(), static_cast<int>(due.size()));
     TextOutA(dc, 342, y, state.c_str(), static_cast<int>(state.size()));
@@ -124,9 +125,9 @@ HWND CreateMainWindow(HINSTANCE instance) {
     windowClass.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
     windowClass.lpszClassName = g_className;
     RegisterClassA(&windowClass);
-    return CreateWindowExA(0, g_className, LoadText(instance, IDS_TITLE).c_str(), WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
-                           CW_USEDEFAULT, 480, 260, nullptr, LoadMenuA(instance, MAKEINTRESOURCEA(IDR_MAIN)), instance,
-                           nullptr);
+    return CreateWindowExA(0, g_className, LoadText(instance, IDS_TITLE).c_str(),
+                           WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, 480, 260, nullptr,
+                           LoadMenuA(instance, MAKEINTRESOURCEA(IDR_MAIN)), instance, nullptr);
 }
 
 int RunWindow(HINSTANCE instance) {

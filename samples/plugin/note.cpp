@@ -33,7 +33,8 @@ public:
     void Load(IXStream* stream) override {
         if (stream->ReadByte() != kVersion) throw CXException(QXERR_UNKNOWN);
         int size = static_cast<int>(stream->ReadLong());
-        if (size < 0 || size > stream->GetLength() - stream->Tell()) throw CXException(QXERR_FORMAT);
+        if (size < 0 || size > stream->GetLength() - stream->Tell())
+            throw CXException(QXERR_FORMAT);
         CXString read;
         char* buffer = read.GetBuffer(size);
         stream->Read(buffer, size);

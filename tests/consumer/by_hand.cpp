@@ -1,4 +1,5 @@
-// Names few of the allocation functions itself and leaves the others to the standard library's code.
+// Names few of the allocation functions itself and leaves the others to the standard library's
+// code.
 #include <qxcore/string.h>
 
 #include <string>

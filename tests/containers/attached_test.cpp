@@ -21,7 +21,8 @@ QX_DECLARE_TYPEID(ISecond, ".?AUISecond@@");
 
 namespace {
 
-// Carries a table as the library's classes do: the narrow query, and its own registration uncounted.
+// Carries a table as the library's classes do: the narrow query, and its own registration
+// uncounted.
 class Carrier : public CQXUnknownImpl<IRegisterIface> {
 public:
     explicit Carrier(int* destroyed = nullptr) : destroyed(destroyed) {
@@ -30,7 +31,9 @@ public:
     ~Carrier() override {
         if (destroyed) ++*destroyed;
     }
-    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override { return attached.Query(id, out); }
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+        return attached.Query(id, out);
+    }
     int RegisterInterface(IQXUnknown* object, qx_type_info const& id, int counted) override {
         return attached.Register(object, id, counted);
     }

@@ -30,7 +30,8 @@ List* NewList() {
     return list;
 }
 
-// One-letter names are their own hashes, so they come in the order of the alphabet: 'a' is 97, 'z' is 122.
+// One-letter names are their own hashes, so they come in the order of the alphabet: 'a' is 97, 'z'
+// is 122.
 NameMap* NewMap() {
     auto map = new NameMap;
     for (auto name : {"c", "a", "b"}) map->SetAt(name, 0);

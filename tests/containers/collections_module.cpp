@@ -37,7 +37,9 @@ constexpr CollectionsModule kModule = {
     MapNames,
     Pieces,
     Walk,
-    [](IQXUnknown* object) { return object->QueryInterface(qx_typeid<CTEnum<const char*>>(), nullptr); },
+    [](IQXUnknown* object) {
+        return object->QueryInterface(qx_typeid<CTEnum<const char*>>(), nullptr);
+    },
     [] { return new ObjectMap; },
     [](ObjectMap* map, const char* name, IQXUnknown* object) { return map->SetAt(name, object); },
     [](ObjectMap* map) { delete map; },

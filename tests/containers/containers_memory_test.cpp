@@ -25,12 +25,13 @@ std::unique_ptr<IntMap> NewIntMap(int n) {
     return map;
 }
 
-// Adds a second key to a map that has one, each allocation failing in turn. The map keeps the first and takes the
-// second afterwards.
+// Adds a second key to a map that has one, each allocation failing in turn. The map keeps the first
+// and takes the second afterwards.
 template <class K, class V>
 unsigned FailEachAddition(K first, K second, V value) {
     using Map = CTMap<K, V>;
-    return FailEachAllocation([&] { return NewMap<Map>(first, value); }, [&](auto& map) { map->SetAt(second, value); },
+    return FailEachAllocation([&] { return NewMap<Map>(first, value); },
+                              [&](auto& map) { map->SetAt(second, value); },
                               [&](auto& map) {
                                   EXPECT_EQ(map->count, 1u);
                                   EXPECT_NE(map->Find(first), nullptr);
@@ -130,12 +131,17 @@ TEST(ContainersMemoryTest, AFailedAdditionLeavesTheMapAsItWas) {
     };
     Counted object;
     auto folded = QXFoldedKey;
-    // The one block that an addition takes besides those of its value; the text of the key stands in it.
+    // The one block that an addition takes besides those of its value; the text of the key stands
+    // in it.
     constexpr unsigned kNode = 1;
     EXPECT_EQ((FailEachAddition<const char*, int>("one", "two", 1)), kNode);
     EXPECT_EQ((FailEachAddition<const char*, IQXUnknown*>("one", "two", &object)), kNode);
-    EXPECT_EQ((FailEachAddition<const unsigned long*, IQXUnknown*>(folded("one"), folded("two"), &object)), kNode);
-    EXPECT_EQ((FailEachAddition<const unsigned long*, CQXVariant>(folded("one"), folded("two"), CQXVariant(1))), kNode);
+    EXPECT_EQ((FailEachAddition<const unsigned long*, IQXUnknown*>(folded("one"), folded("two"),
+                                                                   &object)),
+              kNode);
+    EXPECT_EQ((FailEachAddition<const unsigned long*, CQXVariant>(folded("one"), folded("two"),
+                                                                  CQXVariant(1))),
+              kNode);
     EXPECT_EQ((FailEachAddition<unsigned, Rectangle>(1, 2, Rectangle{})), kNode);
     EXPECT_EQ(object.refs, 1u);
 }
@@ -159,7 +165,8 @@ TEST(ContainersMemoryTest, AKeyThatTookAnotherTextGoesWithItsEntry) {
     long before = LiveBlocks();
     {
         auto map = NewMap<Map>(kFirstOfTwins, 1);
-        for (auto key : {kSecondOfTwins, kFirstOfTwins, kFirstOfTwins, kSecondOfTwins}) map->SetAt(key, 2);
+        for (auto key : {kSecondOfTwins, kFirstOfTwins, kFirstOfTwins, kSecondOfTwins})
+            map->SetAt(key, 2);
         Map::position at;
         EXPECT_STREQ(*map->GetNextKey(at), kSecondOfTwins);
         EXPECT_EQ(map->SetAt("other", 3), 1);
@@ -188,7 +195,8 @@ TEST(ContainersMemoryTest, AFailedAdditionTakesNoReference) {
 }
 
 TEST(ContainersMemoryTest, AnOwnedValueThatCouldNotBeStoredStaysWithTheCaller) {
-    EXPECT_EQ(FailEachOwnedStore("one", "one"), 0u);  // a replacement of the same text takes nothing
+    EXPECT_EQ(FailEachOwnedStore("one", "one"),
+              0u);  // a replacement of the same text takes nothing
     EXPECT_EQ(FailEachOwnedStore("one", "two"), 1u);
     EXPECT_EQ(FailEachOwnedStore(1, 2), 1u);
 }
@@ -197,34 +205,36 @@ TEST(ContainersMemoryTest, AVariantThatCannotBeCopiedLeavesTheMapUsable) {
     using Map = CTMap<const unsigned long*, CQXVariant>;
     CQXVariant text("a text that takes a block");
     for (auto key : {"one", "two"}) {
-        unsigned failures =
-            FailEachAllocation([] { return NewMap<Map>(QXFoldedKey("one"), CQXVariant(1)); },
-                               [&](auto& map) { map->SetAt(QXFoldedKey(key), text); },
-                               [&](auto& map) {
-                                   EXPECT_EQ(map->count, 1u);
-                                   EXPECT_NE(map->Find(QXFoldedKey("one")), nullptr);
-                                   EXPECT_EQ(map->SetAt(QXFoldedKey(key), text), 1);
-                                   EXPECT_STREQ(map->Find(QXFoldedKey(key))->value.string, text.value.string);
-                               });
+        unsigned failures = FailEachAllocation(
+            [] { return NewMap<Map>(QXFoldedKey("one"), CQXVariant(1)); },
+            [&](auto& map) { map->SetAt(QXFoldedKey(key), text); },
+            [&](auto& map) {
+                EXPECT_EQ(map->count, 1u);
+                EXPECT_NE(map->Find(QXFoldedKey("one")), nullptr);
+                EXPECT_EQ(map->SetAt(QXFoldedKey(key), text), 1);
+                EXPECT_STREQ(map->Find(QXFoldedKey(key))->value.string, text.value.string);
+            });
         bool replaces = strcmp(key, "one") == 0;
-        EXPECT_EQ(failures, replaces ? 1u : 2u);  // the text alone, or the node with its key and the text
+        EXPECT_EQ(failures,
+                  replaces ? 1u : 2u);  // the text alone, or the node with its key and the text
     }
 }
 
 TEST(ContainersMemoryTest, ALargeMapDoesWithoutItsIndex) {
     // Around the sizes where an index begins or grows.
     for (int n : {120, 126, 127, 128, 129, 253, 254, 255, 256, 257}) {
-        unsigned failures = FailEachAllocation([n] { return NewIntMap(n); }, [n](auto& map) { map->SetAt(n, n); },
-                                               [n](auto& map) {
-                                                   bool added = map->count == static_cast<unsigned>(n) + 1;
-                                                   ExpectKeys(*map, added ? n + 1 : n);
-                                                   for (int key = n; key < n + 300; ++key)
-                                                       EXPECT_EQ(map->SetAt(key, key), 1);
-                                                   ExpectKeys(*map, n + 300);
-                                                   EXPECT_EQ(map->RemoveKey(n + 299), 1);
-                                                   ExpectKeys(*map, n + 299);
-                                               },
-                                               true);
+        unsigned failures =
+            FailEachAllocation([n] { return NewIntMap(n); }, [n](auto& map) { map->SetAt(n, n); },
+                               [n](auto& map) {
+                                   bool added = map->count == static_cast<unsigned>(n) + 1;
+                                   ExpectKeys(*map, added ? n + 1 : n);
+                                   for (int key = n; key < n + 300; ++key)
+                                       EXPECT_EQ(map->SetAt(key, key), 1);
+                                   ExpectKeys(*map, n + 300);
+                                   EXPECT_EQ(map->RemoveKey(n + 299), 1);
+                                   ExpectKeys(*map, n + 299);
+                               },
+                               true);
         EXPECT_GE(failures, 1u) << n;
     }
 }
@@ -251,7 +261,8 @@ TEST(ContainersMemoryTest, ARecordThatCouldNotBeListedStaysWithTheCaller) {
         EXPECT_EQ(list->count, 0u);
         destroyed = 0;
     };
-    EXPECT_EQ(FailEachAllocation([] { return std::make_unique<CTPList<Owned*>>(); }, act, check), 2u);
+    EXPECT_EQ(FailEachAllocation([] { return std::make_unique<CTPList<Owned*>>(); }, act, check),
+              2u);
 }
 
 TEST(ContainersMemoryTest, AnEnumeratorThatCannotBeMadeHoldsNothing) {
@@ -270,7 +281,9 @@ TEST(ContainersMemoryTest, AnEnumeratorOverTextsThatCannotBeMadeHoldsNothing) {
     Counted owner;
     auto make = [] { return 0; };
     auto check = [&](int) { EXPECT_EQ(owner.refs, 1u); };
-    auto split = [&](int) { (new _CCharSeparatedStringsEnum<char>(";", "a;b", &owner))->Release(); };
+    auto split = [&](int) {
+        (new _CCharSeparatedStringsEnum<char>(";", "a;b", &owner))->Release();
+    };
     auto block = [&](int) { (new _CZeroDelimitedStringsEnum<char>("a\0b\0", &owner))->Release(); };
     EXPECT_EQ(FailEachAllocation(make, split, check), 3u);  // the object, its text and the array
     EXPECT_EQ(FailEachAllocation(make, block, check), 3u);
@@ -300,14 +313,15 @@ TEST(ContainersMemoryTest, AFailedAttachmentKeepsTheOldOne) {
 
 TEST(ContainersMemoryTest, AFailedFirstAttachmentLeavesNothingAttached) {
     Counted object;
-    unsigned failures = FailEachAllocation([] { return std::make_unique<CAttachedInterfaces>(); },
-                                           [&](auto& table) { table->Register(&object, qx_typeid<IHeap>(), 1); },
-                                           [&](auto& table) {
-                                               EXPECT_EQ(object.refs, 1u);
-                                               EXPECT_EQ(table->Query(qx_typeid<IHeap>(), nullptr), 0);
-                                               EXPECT_EQ(table->Register(&object, qx_typeid<IHeap>(), 1), 1);
-                                               EXPECT_EQ(table->Query(qx_typeid<IHeap>(), nullptr), 1);
-                                           });
+    unsigned failures =
+        FailEachAllocation([] { return std::make_unique<CAttachedInterfaces>(); },
+                           [&](auto& table) { table->Register(&object, qx_typeid<IHeap>(), 1); },
+                           [&](auto& table) {
+                               EXPECT_EQ(object.refs, 1u);
+                               EXPECT_EQ(table->Query(qx_typeid<IHeap>(), nullptr), 0);
+                               EXPECT_EQ(table->Register(&object, qx_typeid<IHeap>(), 1), 1);
+                               EXPECT_EQ(table->Query(qx_typeid<IHeap>(), nullptr), 1);
+                           });
     EXPECT_EQ(failures, 3u);  // the entry, the table and the node with its key
     EXPECT_EQ(object.refs, 1u);
 }

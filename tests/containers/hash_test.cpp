@@ -81,7 +81,8 @@ TEST(HashTest, WhatLiesAroundATextDoesNotCount) {
                 strcpy(bytes + 16 + before, text.c_str());
                 ASSERT_EQ(QXHashText(bytes + 16 + before).hash, HashByByte(text, false));
                 ASSERT_EQ(QXHashFolded(bytes + 16 + before).hash, HashByByte(text, true));
-                ASSERT_EQ(QXHashText(bytes + 16 + before).Behind(1), HashByByte("\x01" + text, false));
+                ASSERT_EQ(QXHashText(bytes + 16 + before).Behind(1),
+                          HashByByte("\x01" + text, false));
             }
         }
     }
@@ -90,7 +91,8 @@ TEST(HashTest, WhatLiesAroundATextDoesNotCount) {
 TEST(HashTest, ATextThatEndsAtAnUnmappedPageIsReadNoFurther) {
     constexpr size_t kPage = 4096;
     auto region = static_cast<char*>(VirtualAlloc(nullptr, 3 * kPage, MEM_RESERVE, PAGE_NOACCESS));
-    char* page = static_cast<char*>(VirtualAlloc(region + kPage, kPage, MEM_COMMIT, PAGE_READWRITE));
+    char* page =
+        static_cast<char*>(VirtualAlloc(region + kPage, kPage, MEM_COMMIT, PAGE_READWRITE));
     std::mt19937 random(5);
     for (size_t length = 0; length < 40; ++length) {
         std::string text = RandomText(random, length);

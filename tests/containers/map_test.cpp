@@ -29,7 +29,9 @@ TEST(MapTest, ANewMapHasNoTableAnd127Buckets) {
 
 TEST(MapTest, TheFieldsLieInTheirOrder) {
     CTMap<const char*, int> map;
-    auto at = [&](auto& field) { return reinterpret_cast<char*>(&field) - reinterpret_cast<char*>(&map); };
+    auto at = [&](auto& field) {
+        return reinterpret_cast<char*>(&field) - reinterpret_cast<char*>(&map);
+    };
     EXPECT_EQ(at(map.buckets), 8);  // behind the table of virtual functions
     EXPECT_EQ(at(map.count), 16);
     EXPECT_EQ(at(map.heap), 24);

@@ -163,7 +163,8 @@ TEST(MapWalkTest, AdditionsAndRemovalsInAnyOrderAgreeWithAModel) {
         IntMap map;
         std::map<int, int> model;
         for (int step = 0; step < 20000; ++step) {
-            // Growing and shrinking phases; keys that differ in high bits alone as well as neighbours.
+            // Growing and shrinking phases; keys that differ in high bits alone as well as
+            // neighbours.
             int key = static_cast<int>(random() % keyRange);
             if (key % 3 == 0) key = static_cast<int>(static_cast<unsigned>(key) << 20);
             bool grows = step / 4000 % 2 == 0;

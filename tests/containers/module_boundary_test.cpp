@@ -16,8 +16,8 @@ namespace {
 const CollectionsModule& Plugin() {
     static const CollectionsModule& plugin = *[] {
         HMODULE module = LoadLibraryA("test_collections_module.dll");
-        auto get =
-            reinterpret_cast<GetCollectionsModule>(reinterpret_cast<void*>(GetProcAddress(module, "Collections")));
+        auto get = reinterpret_cast<GetCollectionsModule>(
+            reinterpret_cast<void*>(GetProcAddress(module, "Collections")));
         return get();
     }();
     return plugin;
@@ -115,7 +115,9 @@ TEST_F(ModuleBoundaryTest, OurMapIsFilledAndDeletedByAnotherModule) {
     // Past the size where a map keeps an index, from both sides.
     for (int i = 0; i < 300; ++i) {
         std::string name = std::to_string(i);
-        EXPECT_EQ(i % 2 ? map->SetAt(name.c_str(), object) : Plugin().store(map, name.c_str(), object), 1);
+        EXPECT_EQ(
+            i % 2 ? map->SetAt(name.c_str(), object) : Plugin().store(map, name.c_str(), object),
+            1);
     }
     IQXUnknown* found = nullptr;
     for (int i = 0; i < 300; ++i) EXPECT_EQ(map->Lookup(std::to_string(i).c_str(), found), 1);

@@ -120,7 +120,8 @@ TEST(StringEnumTest, ABlockGivesItsTextsUpToTheEmptyOne) {
 
 TEST(StringEnumTest, ABlockIsMeasuredInBytes) {
     CodePage japanese(932);
-    EXPECT_EQ(Block("\x83\x5C\x83\x5C\0\x83\x40\0z\0"), (Texts{"\x83\x5C\x83\x5C", "\x83\x40", "z"}));
+    EXPECT_EQ(Block("\x83\x5C\x83\x5C\0\x83\x40\0z\0"),
+              (Texts{"\x83\x5C\x83\x5C", "\x83\x40", "z"}));
 }
 
 TEST(StringEnumTest, TheTextsAreCopiesThatLiveAsLongAsTheEnumerator) {

@@ -6,7 +6,8 @@
 
 // Tells when it is destroyed.
 struct Owned {
-    explicit Owned(int number = 0, int* destroyed = nullptr) : number(number), destroyed(destroyed) {}
+    explicit Owned(int number = 0, int* destroyed = nullptr)
+        : number(number), destroyed(destroyed) {}
     Owned(const Owned&) = delete;
     Owned& operator=(const Owned&) = delete;
     ~Owned() {
@@ -38,7 +39,8 @@ public:
     int* destroyed;
 };
 
-// Two texts with the same hash: adding 1, -4, 6, -4, 1 to five bytes in a row changes it by (257 - 1)^4 = 2^32.
+// Two texts with the same hash: adding 1, -4, 6, -4, 1 to five bytes in a row changes it by (257 -
+// 1)^4 = 2^32.
 inline constexpr char kFirstOfTwins[] = "mmmmm";
 inline constexpr char kSecondOfTwins[] = "nisin";
 

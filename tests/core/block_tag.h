@@ -6,7 +6,8 @@
 
 // Volatile, since the compiler knows that nothing lies before a block of `new`.
 QXCORE_NOINLINE inline IHeap* TagOf(const volatile void* block) {
-    return static_cast<IHeap*>(const_cast<void*>(static_cast<const volatile void* const volatile*>(block)[-1]));
+    return static_cast<IHeap*>(
+        const_cast<void*>(static_cast<const volatile void* const volatile*>(block)[-1]));
 }
 
 #endif

@@ -1,4 +1,5 @@
-// What the core does when the n-th allocation fails: of a heap's blocks, and of what the core takes beside its heaps.
+// What the core does when the n-th allocation fails: of a heap's blocks, and of what the core takes
+// beside its heaps.
 #include "support/allocation_failure.h"
 #include "support/held.h"
 
@@ -69,7 +70,8 @@ TEST(CoreMemoryTest, ABlockThatCannotBeMadeLeavesTheHeapUsable) {
 
 TEST(CoreMemoryTest, ABlockThatCannotBeMovedKeepsItsContent) {
     struct Block {
-        explicit Block(const char* text) : bytes(static_cast<char*>(Mem_DefaultHeap(0)->Alloc(100))) {
+        explicit Block(const char* text)
+            : bytes(static_cast<char*>(Mem_DefaultHeap(0)->Alloc(100))) {
             strcpy(bytes, text);
         }
         Block(Block&& other) noexcept : bytes(std::exchange(other.bytes, nullptr)) {}
@@ -78,7 +80,9 @@ TEST(CoreMemoryTest, ABlockThatCannotBeMovedKeepsItsContent) {
         }
         char* bytes;
     };
-    auto grow = [](Block& block) { block.bytes = static_cast<char*>(Mem_DefaultHeap(0)->Realloc(block.bytes, 200)); };
+    auto grow = [](Block& block) {
+        block.bytes = static_cast<char*>(Mem_DefaultHeap(0)->Realloc(block.bytes, 200));
+    };
     auto check = [](Block& block) { EXPECT_STREQ(block.bytes, "content"); };
     EXPECT_EQ(FailEachAllocation([] { return Block("content"); }, grow, check), 1u);
 }

@@ -71,7 +71,8 @@ TEST(FileExceptionTest, ANullNameLeavesItsBufferUnmarked) {
 }
 
 TEST(FileExceptionTest, TheFifthAtOnceOverwritesTheFirstOnesName) {
-    CXFileException first(1, "first", 0), second(1, "second", 0), third(1, "third", 0), fourth(1, "fourth", 0);
+    CXFileException first(1, "first", 0), second(1, "second", 0), third(1, "third", 0),
+        fourth(1, "fourth", 0);
     EXPECT_STREQ(first.name, "first");
     CXFileException fifth(1, "fifth", 0);
     EXPECT_EQ(fifth.name, first.name);
@@ -82,7 +83,8 @@ TEST(FileExceptionTest, TheFifthAtOnceOverwritesTheFirstOnesName) {
 }
 
 TEST(FileExceptionTest, ANullNameWithAllBuffersBusyEmptiesTheFirst) {
-    CXFileException first(1, "first", 0), second(1, "second", 0), third(1, "third", 0), fourth(1, "fourth", 0);
+    CXFileException first(1, "first", 0), second(1, "second", 0), third(1, "third", 0),
+        fourth(1, "fourth", 0);
     CXFileException fifth(1, nullptr, 0);
     EXPECT_EQ(fifth.name, first.name);
     EXPECT_STREQ(fifth.name, "");

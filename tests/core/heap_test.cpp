@@ -200,7 +200,8 @@ TEST_F(HeapTest, ReallocToLargerKeepsTheContentAndZeroesTheRest) {
     for (int i = 0; i < 100; ++i) block[i] = char(i + 1);
     auto grown = static_cast<char*>(heap->Realloc(block, 200));
     for (int i = 0; i < 100; ++i) ASSERT_EQ(grown[i], char(i + 1));
-    for (int i = 100 + 16; i < 200; ++i) ASSERT_EQ(grown[i], 0);  // the system's rounding may hold up to 16 bytes
+    for (int i = 100 + 16; i < 200; ++i)
+        ASSERT_EQ(grown[i], 0);  // the system's rounding may hold up to 16 bytes
     heap->Free(grown);
 }
 
@@ -311,7 +312,9 @@ TEST_F(HeapTest, TheSlotsStandInTheirOrder) {
     using Count = unsigned(void*);
     EXPECT_EQ(Slot<Count>(heap, 0)(heap), 2u);
     EXPECT_EQ(Slot<Count>(heap, 1)(heap), 1u);
-    EXPECT_EQ(Slot<int(void*, qx_type_info const&, IQXUnknown**)>(heap, 2)(heap, qx_typeid<IHeap>(), nullptr), 1);
+    EXPECT_EQ(Slot<int(void*, qx_type_info const&, IQXUnknown**)>(heap, 2)(heap, qx_typeid<IHeap>(),
+                                                                           nullptr),
+              1);
     void* block = Slot<void*(void*, size_t)>(heap, 3)(heap, 50);
     block = Slot<void*(void*, void*, size_t)>(heap, 5)(heap, block, 60);
     EXPECT_GE(Slot<size_t(void*, void*)>(heap, 6)(heap, block), 60u);

@@ -124,7 +124,8 @@ TEST(LayoutTest, AnExceptionIsItsDestructorGetCodeReport) {
     Slot<void(void*)>(&exception, kDestructorSlots + 1)(&exception);
     EXPECT_EQ(exception.code, 4);
     CXMemException other;
-    EXPECT_EQ(Slot<int(void*)>(&exception, kDestructorSlots), Slot<int(void*)>(&other, kDestructorSlots));
+    EXPECT_EQ(Slot<int(void*)>(&exception, kDestructorSlots),
+              Slot<int(void*)>(&other, kDestructorSlots));
 }
 
 TEST(LayoutTest, AnExceptionsFieldsStandInTheirOrder) {

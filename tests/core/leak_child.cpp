@@ -1,5 +1,5 @@
-// Uses the library as a host would and lets go of everything, or misuses memory in the way its argument names.
-// The standard library's containers stay away: what they keep would count as well.
+// Uses the library as a host would and lets go of everything, or misuses memory in the way its
+// argument names. The standard library's containers stay away: what they keep would count as well.
 #include <qxcore.h>
 
 #include <cstring>

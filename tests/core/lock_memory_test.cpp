@@ -36,7 +36,9 @@ unsigned AnswersSeven(void*) {
 
 TEST(LockMemoryTest, ALockThatCannotBeMadeDoesNotCount) {
     auto make = [](int) { Ref<ICritSect> lock(CriticalSection_New()); };
-    auto check = [](int) { EXPECT_EQ(Wait_All(0), QXWAIT_ACQUIRED); };  // there is no lock, so no mutex
+    auto check = [](int) {
+        EXPECT_EQ(Wait_All(0), QXWAIT_ACQUIRED);
+    };  // there is no lock, so no mutex
     EXPECT_EQ(FailEachAllocation(Nothing, make, check), 1u);
 }
 

@@ -1,4 +1,5 @@
-// One mutex spans all processes that use the library, so these tests are a program of their own and run alone.
+// One mutex spans all processes that use the library, so these tests are a program of their own and
+// run alone.
 #include "core/lock_child.h"
 #include "support/held.h"
 #include "support/slot.h"
@@ -32,11 +33,13 @@ auto OnAnotherThread(Call call) {
 class ChildProcess {
 public:
     explicit ChildProcess(const char* mode)
-        : entered(CreateEventA(nullptr, TRUE, FALSE, kEntered)), leave(CreateEventA(nullptr, TRUE, FALSE, kLeave)) {
+        : entered(CreateEventA(nullptr, TRUE, FALSE, kEntered)),
+          leave(CreateEventA(nullptr, TRUE, FALSE, kLeave)) {
         std::string command = std::string("test_lock_child.exe ") + mode;
         STARTUPINFOA start = {};
         start.cb = sizeof start;
-        started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &info);
+        started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                 nullptr, &start, &info);
         if (started) inside = WaitForSingleObject(entered, 30000) == WAIT_OBJECT_0;
     }
     ~ChildProcess() {

@@ -93,8 +93,9 @@ TEST_F(LowMemoryTest, ReallocThatFailsAsksTheSinkAndKeepsTheBlock) {
 
 TEST_F(LowMemoryTest, ASecondSinkThrowsEvenIfItIsNull) {
     RecordingSink other;
-    for (ILowMemoryNotifySink* sink : {static_cast<ILowMemoryNotifySink*>(&other), (ILowMemoryNotifySink*)nullptr,
-                                       static_cast<ILowMemoryNotifySink*>(&Sink())}) {
+    for (ILowMemoryNotifySink* sink :
+         {static_cast<ILowMemoryNotifySink*>(&other), (ILowMemoryNotifySink*)nullptr,
+          static_cast<ILowMemoryNotifySink*>(&Sink())}) {
         try {
             Mem_SetLowMemoryNotifySink(sink);
             ADD_FAILURE();

@@ -58,7 +58,8 @@ TEST(TypeIdTest, NamesThatDifferInOneByteAreDifferent) {
 }
 
 TEST(TypeIdTest, ACachedAndAnUncachedRecordCompareByName) {
-    qx_type_info a = Record(".?AUINeverSeenBefore3@@"), b = a, c = Record(".?AUINeverSeenBefore4@@");
+    qx_type_info a = Record(".?AUINeverSeenBefore3@@"), b = a,
+                 c = Record(".?AUINeverSeenBefore4@@");
     EXPECT_TRUE(a == a);
     EXPECT_TRUE(a == b);
     EXPECT_TRUE(c == c);
@@ -143,8 +144,10 @@ TEST(CrossModuleTest, AModuleLoadedLaterFreesWhatWasMadeBefore) {
     void* block = ::operator new(100);
     HMODULE late = LoadLibraryA("test_late_module.dll");
     ASSERT_NE(late, nullptr);
-    auto release = reinterpret_cast<void (*)(void*)>(reinterpret_cast<void*>(GetProcAddress(late, "Late_Delete")));
-    auto make = reinterpret_cast<void* (*)(size_t)>(reinterpret_cast<void*>(GetProcAddress(late, "Late_New")));
+    auto release = reinterpret_cast<void (*)(void*)>(
+        reinterpret_cast<void*>(GetProcAddress(late, "Late_Delete")));
+    auto make = reinterpret_cast<void* (*)(size_t)>(
+        reinterpret_cast<void*>(GetProcAddress(late, "Late_New")));
     ASSERT_TRUE(release && make);
     release(block);
     void* theirs = make(100);

@@ -169,8 +169,8 @@ TEST_F(UnknownTest, TheLastReleaseOfAChildReleasesTheParentBeforeTheChildIsDestr
     parent->Release();
     g_events.clear();
     EXPECT_EQ(child->Release(), 0u);
-    EXPECT_EQ(g_events,
-              (std::vector<std::string>{"child released", "parent released", "parent destroyed", "child destroyed"}));
+    EXPECT_EQ(g_events, (std::vector<std::string>{"child released", "parent released",
+                                                  "parent destroyed", "child destroyed"}));
 }
 
 TEST_F(UnknownTest, SetParentWithThePresentParentLeavesItsCount) {
@@ -247,13 +247,15 @@ TEST_F(UnknownTest, AnObjectThatIsQueriedByItsDestructorEndsOnce) {
     int destroyed = 0;
     EXPECT_EQ((new CQueriedAtItsEnd<CQXUnknownImpl<INode>>(&destroyed))->Release(), 0u);
     EXPECT_EQ(destroyed, 1);
-    EXPECT_EQ((new CQueriedAtItsEnd<CQXUnknownImplParent<INode, INode>>(&destroyed))->Release(), 0u);
+    EXPECT_EQ((new CQueriedAtItsEnd<CQXUnknownImplParent<INode, INode>>(&destroyed))->Release(),
+              0u);
     EXPECT_EQ(destroyed, 2);
 }
 
 namespace {
 
-// Leaves the root's operations open; the other form, with its own, stands in the tests of the class registry.
+// Leaves the root's operations open; the other form, with its own, stands in the tests of the class
+// registry.
 class CContainedTicket : public CQXContainedObject<CContainedTicket>, public ITicket {
 public:
     ~CContainedTicket() override { g_events.push_back("contained destroyed"); }

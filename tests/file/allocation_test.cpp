@@ -1,4 +1,5 @@
-// The file layer when memory runs out: null where the heap gives none, and nothing lost, locked or left behind.
+// The file layer when memory runs out: null where the heap gives none, and nothing lost, locked or
+// left behind.
 #include "file/file_fixture.h"
 #include "support/allocation_failure.h"
 
@@ -6,7 +7,8 @@ namespace {
 
 class FileAllocationTest : public FileTest {
 protected:
-    // Runs an operation with each of its allocations failing. A null file counts as the failure it is.
+    // Runs an operation with each of its allocations failing. A null file counts as the failure it
+    // is.
     template <class Act, class Check>
     static unsigned FailEach(Act act, Check check) {
         return FailEachAllocation([] { return 0; }, [&](int) { act(); }, [&](int) { check(); });
@@ -40,7 +42,9 @@ TEST_F(FileAllocationTest, AnOutputFileThatFindsNoMemoryLeavesTheOldContentAlone
 }
 
 TEST_F(FileAllocationTest, ATemporaryFileThatFindsNoMemoryIsNull) {
-    EXPECT_GT(FailEach([&] { NotNull(File(Fio_Open(nullptr, QXFIO_OUTPUT | QXFIO_TEMPORARY))); }, [] {}), 0u);
+    EXPECT_GT(
+        FailEach([&] { NotNull(File(Fio_Open(nullptr, QXFIO_OUTPUT | QXFIO_TEMPORARY))); }, [] {}),
+        0u);
 }
 
 TEST_F(FileAllocationTest, ANewTargetIsThereWholeOrNotAtAll) {

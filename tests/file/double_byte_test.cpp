@@ -1,4 +1,5 @@
-// Paths in code page 932, where the second byte of a character may be a backslash. The process runs under that page.
+// Paths in code page 932, where the second byte of a character may be a backslash. The process runs
+// under that page.
 #include "file/file_fixture.h"
 
 #include <mbctype.h>
@@ -49,7 +50,8 @@ TEST_F(DoubleBytePathTest, TheTemporaryOfAnOutputFileLiesBesideItsTarget) {
     EXPECT_EQ(ContentOf(target), "n");
 }
 
-TEST_F(DoubleBytePathTest, ATargetInTheCurrentDirectoryWhoseNameHoldsABackslashByteHasNoDirectoryPart) {
+TEST_F(DoubleBytePathTest,
+       ATargetInTheCurrentDirectoryWhoseNameHoldsABackslashByteHasNoDirectoryPart) {
     char old[MAX_PATH];
     GetCurrentDirectoryA(MAX_PATH, old);
     SetCurrentDirectoryA(Directory().c_str());

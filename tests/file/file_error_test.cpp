@@ -26,7 +26,8 @@ const ErrorRow kRows[] = {
 
 int CodeOf(DWORD error) {
     for (const ErrorRow& row : kRows) {
-        if (std::find(row.errors.begin(), row.errors.end(), error) != row.errors.end()) return row.code;
+        if (std::find(row.errors.begin(), row.errors.end(), error) != row.errors.end())
+            return row.code;
     }
     return 11;
 }
@@ -82,14 +83,16 @@ TEST_F(FileErrorTest, EveryErrorOfTheTableHasItsCodeAndTheOthersHaveEleven) {
         ReplacedImport failing("CreateFileA", Address(kFailingCreateFile));
         ASSERT_TRUE(failing);
         g_error = error;
-        ASSERT_EQ(FailureOf([&] { Open(path); }), (Failure{CodeOf(error), 1, path})) << "error " << error;
+        ASSERT_EQ(FailureOf([&] { Open(path); }), (Failure{CodeOf(error), 1, path}))
+            << "error " << error;
     }
 }
 
 TEST_F(FileErrorTest, OutputFailuresNameTheModeWrite) {
     ReplacedImport failing("CreateFileA", Address(kFailingCreateFile));
     g_error = ERROR_DISK_FULL;
-    EXPECT_EQ(FailureOf([&] { Open(Path("f"), QXFIO_OUTPUT); }), (Failure{QXERR_DISK_FULL, 2, Path("f")}));
+    EXPECT_EQ(FailureOf([&] { Open(Path("f"), QXFIO_OUTPUT); }),
+              (Failure{QXERR_DISK_FULL, 2, Path("f")}));
 }
 
 TEST_F(FileErrorTest, TheTemporaryFileOfOpenOutHasCodesOfItsOwn) {
@@ -101,7 +104,8 @@ TEST_F(FileErrorTest, TheTemporaryFileOfOpenOutHasCodesOfItsOwn) {
         if (error >= 64 && error <= 67) code = 13;
         for (DWORD badName : {3, 53, 123, 161, 267}) code = error == badName ? 7 : code;
         g_error = error;
-        ASSERT_EQ(FailureOf([&] { OpenOut(Path("f")); }), (Failure{code, -1, ""})) << "error " << error;
+        ASSERT_EQ(FailureOf([&] { OpenOut(Path("f")); }), (Failure{code, -1, ""}))
+            << "error " << error;
     }
 }
 
@@ -113,7 +117,9 @@ TEST_F(FileErrorTest, AMappingThatFailsAtOpenClosesTheFile) {
             ReplacedImport replaced(call, failing);
             ASSERT_TRUE(replaced);
             g_error = ERROR_NOT_ENOUGH_MEMORY;
-            EXPECT_EQ(FailureOf([&] { Open(path, flags); }), (Failure{QXERR_MEMORY, flags ? 2 : 1, path})) << call;
+            EXPECT_EQ(FailureOf([&] { Open(path, flags); }),
+                      (Failure{QXERR_MEMORY, flags ? 2 : 1, path}))
+                << call;
             EXPECT_EQ(TryOpen(path, GENERIC_READ | GENERIC_WRITE, 0), 0u) << call;
             EXPECT_EQ(ContentOf(path), "abc") << call;  // not as long as a chunk
         }
@@ -128,7 +134,8 @@ TEST_F(FileErrorTest, AViewThatCannotMoveIsMovedAgainByTheNextRead) {
     {
         ReplacedImport failing("MapViewOfFile", Address(&FailingMapView));
         g_error = ERROR_NOT_ENOUGH_MEMORY;
-        EXPECT_EQ(FailureOf([&] { file->Read(buffer.data(), kChunk + 100); }), (Failure{QXERR_MEMORY, 1, path}));
+        EXPECT_EQ(FailureOf([&] { file->Read(buffer.data(), kChunk + 100); }),
+                  (Failure{QXERR_MEMORY, 1, path}));
         EXPECT_EQ(file->Tell(), kChunk);  // what the old view held was read
         EXPECT_EQ(FailureOf([&] { file->ReadByte(); }), (Failure{QXERR_MEMORY, 1, path}));
         file->Seek(0, 0);
@@ -145,7 +152,8 @@ TEST_F(FileErrorTest, ADiskThatIsFullWhileAFileGrowsKeepsWhatWasWritten) {
     {
         ReplacedImport failing("CreateFileMappingA", Address(&FailingCreateMapping));
         g_error = ERROR_DISK_FULL;
-        EXPECT_EQ(FailureOf([&] { file->Write(text.data(), kChunk + 10); }), (Failure{QXERR_DISK_FULL, 2, Path("f")}));
+        EXPECT_EQ(FailureOf([&] { file->Write(text.data(), kChunk + 10); }),
+                  (Failure{QXERR_DISK_FULL, 2, Path("f")}));
         EXPECT_EQ(file->GetLength(), kChunk);
     }
     file->Write(text.data() + kChunk, 10);
@@ -248,13 +256,15 @@ TEST_F(FileErrorTest, FailuresOfTheRealPlatformHaveTheirCodes) {
     EXPECT_EQ(FailureOf([&] { Open(Path(std::string(300, 'n'))); }).code, QXERR_BAD_NAME);
     EXPECT_EQ(FailureOf([&] { Open(Directory()); }).code, QXERR_ACCESS_DENIED);
     EXPECT_EQ(FailureOf([&] { Open(Directory(), QXFIO_OUTPUT); }).code, QXERR_ACCESS_DENIED);
-    HANDLE held = CreateFileA(MakeFile("f", "abc").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE held = CreateFileA(MakeFile("f", "abc").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                              0, nullptr);
     EXPECT_EQ(FailureOf([&] { Open(Path("f")); }).code, QXERR_SHARING);
     CloseHandle(held);
 }
 
 TEST_F(FileErrorTest, FailuresOfRealOperationsHaveTheirCodesAndNames) {
-    std::string file = MakeFile("f", "abc"), other = MakeFile("g", "def"), directory = Path("d"), none = Path("none");
+    std::string file = MakeFile("f", "abc"), other = MakeFile("g", "def"), directory = Path("d"),
+                none = Path("none");
     std::string held = MakeFile("held", "ghi"), below = file + "\\x";
     CreateDirectoryA(directory.c_str(), nullptr);
     CreateDirectoryA((directory + "\\sub").c_str(), nullptr);
@@ -267,7 +277,8 @@ TEST_F(FileErrorTest, FailuresOfRealOperationsHaveTheirCodesAndNames) {
     expect([&] { Fio_DeleteFile(held.c_str()); }, QXERR_SHARING, 7, held);
     expect([&] { Fio_CopyFile(none.c_str(), other.c_str(), 0); }, QXERR_NOT_FOUND, 8, none);
     expect([&] { Fio_CopyFile(file.c_str(), other.c_str(), 1); }, QXERR_UNKNOWN, 8, file);
-    expect([&] { Fio_CopyFile(directory.c_str(), none.c_str(), 0); }, QXERR_ACCESS_DENIED, 8, directory);
+    expect([&] { Fio_CopyFile(directory.c_str(), none.c_str(), 0); }, QXERR_ACCESS_DENIED, 8,
+           directory);
     expect([&] { Fio_CopyFile(held.c_str(), none.c_str(), 0); }, QXERR_SHARING, 8, held);
     expect([&] { Fio_RenameFile(none.c_str(), other.c_str()); }, QXERR_NOT_FOUND, 9, none);
     expect([&] { Fio_RenameFile(file.c_str(), other.c_str()); }, QXERR_UNKNOWN, 9, file);
@@ -285,7 +296,8 @@ TEST_F(FileErrorTest, FailuresOfRealOperationsHaveTheirCodesAndNames) {
 
 TEST_F(FileErrorTest, AFifthExceptionAtOnceTakesTheNameOfTheFirst) {
     char one[] = "one";
-    CXFileException first(1, one, 0), second(1, "two", 0), third(1, "three", 0), fourth(1, "four", 0);
+    CXFileException first(1, one, 0), second(1, "two", 0), third(1, "three", 0),
+        fourth(1, "four", 0);
     {
         CXFileException fifth(1, "five", 0);
         EXPECT_STREQ(first.name, "five");

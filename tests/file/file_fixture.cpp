@@ -6,8 +6,9 @@
 namespace {
 
 HANDLE OpenOrFail(const std::string& path, DWORD access, DWORD creation) {
-    HANDLE file = CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                              creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE file =
+        CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
     EXPECT_NE(file, INVALID_HANDLE_VALUE) << path << " error " << GetLastError();
     return file;
 }
@@ -31,8 +32,8 @@ std::vector<std::string> FileTest::NamesIn(const std::string& directory) {
 DeepDirectory::DeepDirectory(const std::string& below, size_t length) {
     std::wstring path = L"\\\\?\\" + std::wstring(below.begin(), below.end());
     for (int level = 0; level == 0 || path.size() < length; ++level) {
-        path +=
-            L"\\of" + std::to_wstring(length) + std::wstring(std::clamp<size_t>(length - path.size(), 6, 60) - 5, L'd');
+        path += L"\\of" + std::to_wstring(length) +
+                std::wstring(std::clamp<size_t>(length - path.size(), 6, 60) - 5, L'd');
         EXPECT_TRUE(CreateDirectoryW(path.c_str(), nullptr)) << GetLastError();
         m_levels.push_back(path);
     }
@@ -79,7 +80,8 @@ void Overwrite(const std::string& path, const std::string& content) {
 }
 
 void SetReadOnly(const std::string& path, bool on) {
-    EXPECT_TRUE(SetFileAttributesA(path.c_str(), on ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL));
+    EXPECT_TRUE(
+        SetFileAttributesA(path.c_str(), on ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL));
 }
 
 DWORD TryOpen(const std::string& path, DWORD access, DWORD sharing) {
@@ -100,7 +102,8 @@ std::string Pattern(size_t size, unsigned seed) {
 }
 
 void PrintTo(const Failure& failure, std::ostream* out) {
-    *out << "code " << failure.code << ", operation " << failure.operation << ", name " << failure.name;
+    *out << "code " << failure.code << ", operation " << failure.operation << ", name "
+         << failure.name;
 }
 
 Peer::Peer(const std::string& arguments) {
@@ -120,8 +123,8 @@ Peer::Peer(const std::string& arguments) {
     start.hStdInput = peerIn;
     start.hStdOutput = peerOut;
     start.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    EXPECT_TRUE(
-        CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &m_process))
+    EXPECT_TRUE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                               &start, &m_process))
         << command << " error " << GetLastError();
     CloseHandle(peerIn);
     CloseHandle(peerOut);

@@ -27,7 +27,8 @@ private:
     ScratchDirectory m_directory;
 };
 
-// A directory whose path is at least so long, which only the platform's wide calls reach. Its path starts with
+// A directory whose path is at least so long, which only the platform's wide calls reach. Its path
+// starts with
 // "\\\\?\\".
 class DeepDirectory {
 public:
@@ -94,7 +95,8 @@ public:
     ~Peer();
     Peer(const Peer&) = delete;
 
-    // The peer says with one byte that it has done what it was asked for, and goes on after Continue.
+    // The peer says with one byte that it has done what it was asked for, and goes on after
+    // Continue.
     bool WaitForWord();
     void Continue();
     void Kill();

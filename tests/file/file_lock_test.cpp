@@ -16,7 +16,8 @@ protected:
     static void Unlock(const std::string& path) { Fio_UnlockFile(path.c_str()); }
     static int Count(const std::string& path) { return Fio_LockCount(path.c_str()); }
     static bool IsHeld(const std::string& path) {
-        return TryOpen(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE) == ERROR_SHARING_VIOLATION;
+        return TryOpen(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE) ==
+               ERROR_SHARING_VIOLATION;
     }
 };
 
@@ -118,8 +119,8 @@ TEST_F(FileLockTest, OpeningALockedFileLiftsTheLockForTheLifeOfTheFile) {
 TEST_F(FileLockTest, AnOpenThatFailsPutsTheLockBack) {
     std::string path = MakeFile("f", "abc");
     Lock(path);
-    HANDLE reader =
-        CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE reader = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_EQ(FailureOf([&] { Open(path, QXFIO_OUTPUT); }).code, QXERR_SHARING);
     CloseHandle(reader);
     Fio_ChangeNELock(path.c_str(), 0);

@@ -4,8 +4,10 @@
 //     file_peer open PATH ACCESS SHARING    exit code: the error of opening
 //     file_peer lock PATH                   Fio_LockFile; says so, and holds it until told to go on
 //     file_peer hold_saving PATH            writes over PATH, says so, and waits without Commit
-//     file_peer save PATH SIZE STEP         saves SIZE bytes 'n' over PATH, and dies before call number STEP to the
-//                                           system that the library makes; exit code 0 when it made fewer
+//     file_peer save PATH SIZE STEP         saves SIZE bytes 'n' over PATH, and dies before call
+//     number STEP to the
+//                                           system that the library makes; exit code 0 when it made
+//                                           fewer
 #include <qxcore.h>
 
 #include "support/import_slot.h"
@@ -28,8 +30,8 @@ void SayAndWait() {
 }
 
 HANDLE OpenPlain(char** arguments) {
-    return CreateFileA(arguments[0], strtoul(arguments[1], nullptr, 0), strtoul(arguments[2], nullptr, 0), nullptr,
-                       OPEN_EXISTING, 0, nullptr);
+    return CreateFileA(arguments[0], strtoul(arguments[1], nullptr, 0),
+                       strtoul(arguments[2], nullptr, 0), nullptr, OPEN_EXISTING, 0, nullptr);
 }
 
 int g_step;
@@ -41,22 +43,26 @@ struct DeadlyCall {
     static inline void* real;
 
     static void* Call(void* a, void* b, void* c, void* d, void* e, void* f, void* g) {
-        auto call = reinterpret_cast<void* (*)(void*, void*, void*, void*, void*, void*, void*)>(real);
+        auto call =
+            reinterpret_cast<void* (*)(void*, void*, void*, void*, void*, void*, void*)>(real);
         void* result = call(a, b, c, d, e, f, g);
         if (++g_step == g_deadlyStep) TerminateProcess(GetCurrentProcess(), kDied);
         return result;
     }
 };
 
-constexpr const char* kCalls[] = {"CreateFileA",     "CreateFileMappingA", "MapViewOfFile",  "UnmapViewOfFile",
-                                  "FlushViewOfFile", "CloseHandle",        "SetEndOfFile",   "SetFilePointerEx",
-                                  "GetFileSizeEx",   "GetTempFileNameA",   "FindFirstFileA", "FindClose",
-                                  "CopyFileA",       "DeleteFileA",        "MoveFileA",      "GetFileAttributesA"};
+constexpr const char* kCalls[] = {
+    "CreateFileA",     "CreateFileMappingA", "MapViewOfFile",  "UnmapViewOfFile",
+    "FlushViewOfFile", "CloseHandle",        "SetEndOfFile",   "SetFilePointerEx",
+    "GetFileSizeEx",   "GetTempFileNameA",   "FindFirstFileA", "FindClose",
+    "CopyFileA",       "DeleteFileA",        "MoveFileA",      "GetFileAttributesA"};
 constexpr int kCallCount = int(sizeof kCalls / sizeof kCalls[0]);
 
 template <int... N>
-void PatchAll(std::unique_ptr<ReplacedImport> (&patches)[kCallCount], std::integer_sequence<int, N...>) {
-    ((patches[N] = std::make_unique<ReplacedImport>(kCalls[N], reinterpret_cast<void*>(&DeadlyCall<N>::Call)),
+void PatchAll(std::unique_ptr<ReplacedImport> (&patches)[kCallCount],
+              std::integer_sequence<int, N...>) {
+    ((patches[N] = std::make_unique<ReplacedImport>(kCalls[N],
+                                                    reinterpret_cast<void*>(&DeadlyCall<N>::Call)),
       DeadlyCall<N>::real = patches[N]->Real()),
      ...);
 }
@@ -68,7 +74,8 @@ int Save(const char* path, unsigned size, int step) {
     g_deadlyStep = step;
     std::string content(size, 'n');
     IXOutFile* file = Fio_OpenOut(path, 0);
-    for (unsigned at = 0; at < size; at += 50000) file->Write(&content[at], std::min(50000u, size - at));
+    for (unsigned at = 0; at < size; at += 50000)
+        file->Write(&content[at], std::min(50000u, size - at));
     file->Commit();
     file->Release();
     return 0;

@@ -33,7 +33,8 @@ TEST_F(FileOpsTest, GetFileInfoDeliversSizeAndTimeOfTheLastWrite) {
     time.wSecond = 57;
     FILETIME fileTime;
     ASSERT_TRUE(SystemTimeToFileTime(&time, &fileTime));
-    HANDLE file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE file =
+        CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_TRUE(SetFileTime(file, nullptr, nullptr, &fileTime));
     CloseHandle(file);
     FioFileInfo info;
@@ -71,7 +72,8 @@ TEST_F(FileOpsTest, GetFileInfoOfAMissingFileNamesTheOperationAndRestoresTheErro
 TEST_F(FileOpsTest, CopyFileOverwritesUnlessItIsToldNotTo) {
     std::string from = MakeFile("from", "new"), to = MakeFile("to", "old");
     EXPECT_EQ(FailureOf([&] { Fio_CopyFile(from.c_str(), to.c_str(), 1); }),
-              (Failure{QXERR_UNKNOWN, QXOP_COPY, from}));  // the file exists: an error without a code of its own
+              (Failure{QXERR_UNKNOWN, QXOP_COPY,
+                       from}));  // the file exists: an error without a code of its own
     EXPECT_EQ(ContentOf(to), "old");
     Fio_CopyFile(from.c_str(), to.c_str(), 0);
     EXPECT_EQ(ContentOf(to), "new");
@@ -84,7 +86,8 @@ TEST_F(FileOpsTest, DeleteFileDeletesOrRaises) {
     std::string path = MakeFile("f", "abc");
     Fio_DeleteFile(path.c_str());
     EXPECT_FALSE(Exists(path));
-    EXPECT_EQ(FailureOf([&] { Fio_DeleteFile(path.c_str()); }), (Failure{QXERR_NOT_FOUND, QXOP_DELETE_FILE, path}));
+    EXPECT_EQ(FailureOf([&] { Fio_DeleteFile(path.c_str()); }),
+              (Failure{QXERR_NOT_FOUND, QXOP_DELETE_FILE, path}));
     EXPECT_EQ(FailureOf([&] { Fio_DeleteFile(Directory().c_str()); }),
               (Failure{QXERR_ACCESS_DENIED, QXOP_DELETE_FILE, Directory()}));
     std::string readOnly = MakeFile("r", "abc");
@@ -96,7 +99,8 @@ TEST_F(FileOpsTest, DeleteFileDeletesOrRaises) {
 TEST_F(FileOpsTest, DeleteFileOfAnOpenFileIsASharingFailure) {
     std::string path = MakeFile("f", "abc");
     File file = Open(path);
-    EXPECT_EQ(FailureOf([&] { Fio_DeleteFile(path.c_str()); }), (Failure{QXERR_SHARING, QXOP_DELETE_FILE, path}));
+    EXPECT_EQ(FailureOf([&] { Fio_DeleteFile(path.c_str()); }),
+              (Failure{QXERR_SHARING, QXOP_DELETE_FILE, path}));
     EXPECT_EQ(file->ReadByte(), 'a');
 }
 
@@ -252,8 +256,10 @@ TEST_F(FileOpsTest, PathIsUrlAnswersAsThePlatformDoes) {
 TEST_F(FileOpsTest, UrlsNeedANetworkService) {
     const char* url = "ftp://127.0.0.1/none";
     FioFileInfo info;
-    EXPECT_EQ(FailureOf([&] { Fio_GetFileInfo(url, &info); }), (Failure{QXERR_NETWORK, QXOP_GET_INFORMATION, url}));
-    EXPECT_EQ(FailureOf([&] { Fio_CreateDirectory(url); }), (Failure{QXERR_NETWORK, QXOP_CREATE_DIRECTORY, url}));
+    EXPECT_EQ(FailureOf([&] { Fio_GetFileInfo(url, &info); }),
+              (Failure{QXERR_NETWORK, QXOP_GET_INFORMATION, url}));
+    EXPECT_EQ(FailureOf([&] { Fio_CreateDirectory(url); }),
+              (Failure{QXERR_NETWORK, QXOP_CREATE_DIRECTORY, url}));
     EXPECT_EQ(Fio_IsWritableFile(url), 0);
 }
 
@@ -264,10 +270,13 @@ TEST_F(FileOpsTest, PathsOf260AndMoreCharactersAreBadNames) {
         std::string path = deep.Path() + "\\f";
         std::string name = path.substr(0, 511);  // what an exception has room for
         EXPECT_EQ(FailureOf([&] { Open(path); }), (Failure{QXERR_BAD_NAME, 1, name})) << length;
-        EXPECT_EQ(FailureOf([&] { Open(path, QXFIO_OUTPUT); }), (Failure{QXERR_BAD_NAME, 2, name})) << length;
+        EXPECT_EQ(FailureOf([&] { Open(path, QXFIO_OUTPUT); }), (Failure{QXERR_BAD_NAME, 2, name}))
+            << length;
         EXPECT_EQ(Fio_IsFileExist(path.c_str()), 0);
-        EXPECT_EQ(FailureOf([&] { Fio_DeleteFile(path.c_str()); }), (Failure{QXERR_BAD_NAME, QXOP_DELETE_FILE, name}));
-        EXPECT_EQ(FailureOf([&] { Fio_CreateDirectory((path + "\\g").c_str()); }).code, QXERR_BAD_NAME);
+        EXPECT_EQ(FailureOf([&] { Fio_DeleteFile(path.c_str()); }),
+                  (Failure{QXERR_BAD_NAME, QXOP_DELETE_FILE, name}));
+        EXPECT_EQ(FailureOf([&] { Fio_CreateDirectory((path + "\\g").c_str()); }).code,
+                  QXERR_BAD_NAME);
         EXPECT_TRUE(deep.IsEmpty()) << length;
     }
 }

@@ -1,4 +1,5 @@
-// Saving to a full disk: drive T: is a file system of about a megabyte, empty at the start of each test.
+// Saving to a full disk: drive T: is a file system of about a megabyte, empty at the start of each
+// test.
 #include "file/file_fixture.h"
 
 namespace {
@@ -26,10 +27,12 @@ protected:
     }
     // Takes the whole disk but for so many bytes.
     static void FillDisk(unsigned left) {
-        HANDLE filler = CreateFileA("T:\\filler", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        HANDLE filler =
+            CreateFileA("T:\\filler", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
         std::string page(4096, 'f');
         DWORD size = 0, written = 0;
-        while (WriteFile(filler, page.data(), 4096, &written, nullptr) && written == 4096) size += written;
+        while (WriteFile(filler, page.data(), 4096, &written, nullptr) && written == 4096)
+            size += written;
         SetFilePointer(filler, LONG(size - left), nullptr, FILE_BEGIN);
         SetEndOfFile(filler);
         CloseHandle(filler);
@@ -66,8 +69,10 @@ TEST_F(FullDiskTest, ADiskThatFillsUpWhileSavingLosesNothing) {
             file = OpenOut(kDocument);
             Save(*file, content);
         });
-        // Wine extends a file by a hole, which may then have no page for a byte; Windows refuses to extend it.
-        EXPECT_TRUE(failure.code == QXERR_DISK_FULL || failure.code == QXERR_DEVICE) << failure.code;
+        // Wine extends a file by a hole, which may then have no page for a byte; Windows refuses to
+        // extend it.
+        EXPECT_TRUE(failure.code == QXERR_DISK_FULL || failure.code == QXERR_DEVICE)
+            << failure.code;
         EXPECT_EQ(failure.operation, 2);
         file.reset();
         FreeDisk();
@@ -104,7 +109,8 @@ TEST_F(FullDiskTest, ACopyThatDoesNotFitNamesTheSource) {
     FillDisk(8192);
     EXPECT_EQ(FailureOf([] { Fio_CopyFile(kDocument, "T:\\copy", 0); }),
               (Failure{QXERR_DISK_FULL, QXOP_COPY, kDocument}));
-    EXPECT_EQ(FailureOf([] { OpenOut(kDocument, QXFIO_KEEP); }), (Failure{QXERR_DISK_FULL, QXOP_COPY, kDocument}));
+    EXPECT_EQ(FailureOf([] { OpenOut(kDocument, QXFIO_KEEP); }),
+              (Failure{QXERR_DISK_FULL, QXOP_COPY, kDocument}));
     DeleteFileA("T:\\copy");
     FreeDisk();
     EXPECT_EQ(ContentOf(kDocument) == m_old, true);

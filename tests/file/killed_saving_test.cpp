@@ -1,4 +1,5 @@
-// Saving through Fio_OpenOut in a process that is killed at each step: one of the contents is always there, whole.
+// Saving through Fio_OpenOut in a process that is killed at each step: one of the contents is
+// always there, whole.
 #include "file/file_fixture.h"
 
 #include <map>
@@ -10,7 +11,8 @@ protected:
     // Where the contents are found after the process is gone.
     enum Outcome { kOldInPlace, kNewInPlace, kNewInTheTemporary, kLost };
 
-    Outcome Look(const std::string& target, const std::string& old, const std::string& fresh) const {
+    Outcome Look(const std::string& target, const std::string& old,
+                 const std::string& fresh) const {
         if (Exists(target)) {
             std::string content = ContentOf(target);
             return content == old ? kOldInPlace : content == fresh ? kNewInPlace : kLost;
@@ -38,7 +40,8 @@ TEST_F(KilledSavingTest, AtEveryStepTheOldOrTheNewContentIsThereWhole) {
     for (;; ++step) {
         std::string target = MakeFile("document", old);
         DWORD exitCode =
-            Peer("save \"" + target + "\" " + std::to_string(kSize) + " " + std::to_string(step)).ExitCode();
+            Peer("save \"" + target + "\" " + std::to_string(kSize) + " " + std::to_string(step))
+                .ExitCode();
         Outcome outcome = Look(target, old, fresh);
         ++counts[outcome];
         order.push_back(outcome);
@@ -46,15 +49,20 @@ TEST_F(KilledSavingTest, AtEveryStepTheOldOrTheNewContentIsThereWhole) {
         if (exitCode == 0) break;
         ASSERT_EQ(exitCode, kDied) << "step " << step;
     }
-    printf("killed at %d steps: old content %d, new content %d, new content in the temporary %d, lost %d\n", step - 1,
-           counts[kOldInPlace], counts[kNewInPlace] - 1, counts[kNewInTheTemporary], counts[kLost]);
+    printf(
+        "killed at %d steps: old content %d, new content %d, new content in the temporary %d, lost "
+        "%d\n",
+        step - 1, counts[kOldInPlace], counts[kNewInPlace] - 1, counts[kNewInTheTemporary],
+        counts[kLost]);
     EXPECT_EQ(counts[kLost], 0);
     EXPECT_GT(counts[kOldInPlace], 10);
     EXPECT_EQ(counts[kNewInTheTemporary], 1);  // between the delete and the rename
     EXPECT_GT(counts[kNewInPlace], 1);         // while the lock is taken again
     EXPECT_EQ(order.back(), kNewInPlace);
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end(), [](Outcome a, Outcome b) {
-        auto rank = [](Outcome o) { return o == kOldInPlace ? 0 : o == kNewInTheTemporary ? 1 : 2; };
+        auto rank = [](Outcome o) {
+            return o == kOldInPlace ? 0 : o == kNewInTheTemporary ? 1 : 2;
+        };
         return rank(a) < rank(b);
     }));
 }
@@ -65,7 +73,8 @@ TEST_F(KilledSavingTest, ANewDocumentIsThereWholeOrNotAtAll) {
     for (int step = 1;; ++step) {
         std::string target = Path("document");
         DWORD exitCode =
-            Peer("save \"" + target + "\" " + std::to_string(kSize) + " " + std::to_string(step)).ExitCode();
+            Peer("save \"" + target + "\" " + std::to_string(kSize) + " " + std::to_string(step))
+                .ExitCode();
         EXPECT_TRUE(!Exists(target) || ContentOf(target) == fresh) << "step " << step;
         bool done = exitCode == 0;
         EXPECT_TRUE(!done || Exists(target));

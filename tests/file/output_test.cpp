@@ -184,9 +184,11 @@ TEST_F(OutputTest, ATemporaryFileGoesWhenItIsClosed) {
 
 TEST_F(OutputTest, AnOutputFileIsSharedWithNobody) {
     File file = Open(Path("f"), QXFIO_OUTPUT);
-    EXPECT_EQ(TryOpen(Path("f"), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE), DWORD(ERROR_SHARING_VIOLATION));
+    EXPECT_EQ(TryOpen(Path("f"), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE),
+              DWORD(ERROR_SHARING_VIOLATION));
     EXPECT_EQ(FailureOf([&] { Open(Path("f")); }), (Failure{QXERR_SHARING, 1, Path("f")}));
-    EXPECT_EQ(FailureOf([&] { Open(Path("f"), QXFIO_OUTPUT); }), (Failure{QXERR_SHARING, 2, Path("f")}));
+    EXPECT_EQ(FailureOf([&] { Open(Path("f"), QXFIO_OUTPUT); }),
+              (Failure{QXERR_SHARING, 2, Path("f")}));
 }
 
 TEST_F(OutputTest, FlushPutsTheViewOnDisk) {
@@ -200,7 +202,9 @@ TEST_F(OutputTest, ABadSourceIsADeviceFailureInEveryWidthAndTheLengthStays) {
     file->Write("ab", 2);
     auto nowhere = reinterpret_cast<const void*>(size_t(16));
     for (unsigned width : {1u, 2u, 3u, 4u, 5u, 7u, 8u, 9u, 100u}) {
-        EXPECT_EQ(FailureOf([&] { file->Write(nowhere, width); }), (Failure{QXERR_DEVICE, 2, Path("f")})) << width;
+        EXPECT_EQ(FailureOf([&] { file->Write(nowhere, width); }),
+                  (Failure{QXERR_DEVICE, 2, Path("f")}))
+            << width;
     }
     EXPECT_EQ(file->Tell(), 2u);
     file.reset();
@@ -212,8 +216,10 @@ TEST_F(OutputTest, AReadOnlyFileIsReadButNotOpenedForOutput) {
     SetReadOnly(path, true);
     EXPECT_EQ(Open(path)->ReadByte(), 'a');
     // Wine lets root write read-only files.
-    if (TryOpen(path, GENERIC_WRITE, 0) == 0) GTEST_SKIP() << "the platform lets this user write read-only files";
-    EXPECT_EQ(FailureOf([&] { Open(path, QXFIO_OUTPUT); }), (Failure{QXERR_ACCESS_DENIED, 2, path}));
+    if (TryOpen(path, GENERIC_WRITE, 0) == 0)
+        GTEST_SKIP() << "the platform lets this user write read-only files";
+    EXPECT_EQ(FailureOf([&] { Open(path, QXFIO_OUTPUT); }),
+              (Failure{QXERR_ACCESS_DENIED, 2, path}));
     EXPECT_EQ(ContentOf(path), "abc");
 }
 

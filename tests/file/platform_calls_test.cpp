@@ -13,7 +13,8 @@ struct OpenCall {
     bool operator==(const OpenCall&) const = default;
 };
 void PrintTo(const OpenCall& call, std::ostream* out) {
-    *out << std::hex << call.access << " " << call.sharing << " " << call.creation << " " << call.attributes;
+    *out << std::hex << call.access << " " << call.sharing << " " << call.creation << " "
+         << call.attributes;
 }
 
 struct MappingCall {
@@ -40,14 +41,14 @@ std::vector<MappingCall> g_mappings;
 std::vector<ViewCall> g_views;
 std::vector<std::string> g_tempNames;  // directory, prefix, number
 
-HANDLE WINAPI RecordedOpen(LPCSTR path, DWORD access, DWORD sharing, LPSECURITY_ATTRIBUTES security, DWORD creation,
-                           DWORD attributes, HANDLE like) {
+HANDLE WINAPI RecordedOpen(LPCSTR path, DWORD access, DWORD sharing, LPSECURITY_ATTRIBUTES security,
+                           DWORD creation, DWORD attributes, HANDLE like) {
     g_opens.push_back({access, sharing, creation, attributes});
     return CreateFileA(path, access, sharing, security, creation, attributes, like);
 }
 
-HANDLE WINAPI RecordedMapping(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protection, DWORD high, DWORD low,
-                              LPCSTR name) {
+HANDLE WINAPI RecordedMapping(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protection,
+                              DWORD high, DWORD low, LPCSTR name) {
     g_mappings.push_back({protection, (unsigned long long)high << 32 | low});
     return CreateFileMappingA(file, security, protection, high, low, name);
 }
@@ -96,9 +97,12 @@ TEST_F(PlatformCallsTest, EachFlagOfAnOpenHasItsMeaning) {
         {QXFIO_KEEP, {GENERIC_READ, kShared, OPEN_EXISTING, kInputAttributes | kInOrder}},
         {QXFIO_TEMPORARY, {GENERIC_READ, kShared, OPEN_EXISTING, kInputAttributes | kInOrder}},
         {QXFIO_OUTPUT, {kReadWrite, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_ARCHIVE | kInOrder}},
-        {QXFIO_OUTPUT | QXFIO_RANDOM, {kReadWrite, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_ARCHIVE | kRandom}},
-        {QXFIO_OUTPUT | QXFIO_KEEP, {kReadWrite, 0, OPEN_EXISTING, FILE_ATTRIBUTE_ARCHIVE | kInOrder}},
-        {QXFIO_OUTPUT | QXFIO_TEMPORARY, {kReadWrite, 0, CREATE_ALWAYS, kTemporaryAttributes | kInOrder}},
+        {QXFIO_OUTPUT | QXFIO_RANDOM,
+         {kReadWrite, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_ARCHIVE | kRandom}},
+        {QXFIO_OUTPUT | QXFIO_KEEP,
+         {kReadWrite, 0, OPEN_EXISTING, FILE_ATTRIBUTE_ARCHIVE | kInOrder}},
+        {QXFIO_OUTPUT | QXFIO_TEMPORARY,
+         {kReadWrite, 0, CREATE_ALWAYS, kTemporaryAttributes | kInOrder}},
     };
     for (const auto& row : kRows) {
         std::string path = MakeFile("f", "abc");
@@ -115,9 +119,9 @@ TEST_F(PlatformCallsTest, AnInputFileIsMappedOnceInItsLengthAndSeenByChunks) {
     file->Seek(-1, 2);
     file->ReadByte();
     EXPECT_EQ(g_mappings, (std::vector<MappingCall>{{PAGE_READONLY, 0}}));
-    EXPECT_EQ(g_views,
-              (std::vector<ViewCall>{
-                  {FILE_MAP_READ, 0, kChunk}, {FILE_MAP_READ, kChunk, kChunk}, {FILE_MAP_READ, 2 * kChunk, 10}}));
+    EXPECT_EQ(g_views, (std::vector<ViewCall>{{FILE_MAP_READ, 0, kChunk},
+                                              {FILE_MAP_READ, kChunk, kChunk},
+                                              {FILE_MAP_READ, 2 * kChunk, 10}}));
 }
 
 TEST_F(PlatformCallsTest, AnEmptyInputFileIsNotMapped) {
@@ -130,8 +134,10 @@ TEST_F(PlatformCallsTest, AnOutputFileGrowsByANewMappingForEachView) {
     File file = Open(Path("f"), QXFIO_OUTPUT);
     file->Seek(3 * kChunk + 5, 0);
     file->WriteByte(1);
-    EXPECT_EQ(g_mappings, (std::vector<MappingCall>{{PAGE_READWRITE, kChunk}, {PAGE_READWRITE, 4 * kChunk}}));
-    EXPECT_EQ(g_views, (std::vector<ViewCall>{{FILE_MAP_WRITE, 0, kChunk}, {FILE_MAP_WRITE, 3 * kChunk, kChunk}}));
+    EXPECT_EQ(g_mappings,
+              (std::vector<MappingCall>{{PAGE_READWRITE, kChunk}, {PAGE_READWRITE, 4 * kChunk}}));
+    EXPECT_EQ(g_views, (std::vector<ViewCall>{{FILE_MAP_WRITE, 0, kChunk},
+                                              {FILE_MAP_WRITE, 3 * kChunk, kChunk}}));
 }
 
 TEST_F(PlatformCallsTest, SmallReadsInsideAViewAskNothing) {
@@ -147,8 +153,9 @@ TEST_F(PlatformCallsTest, ALockTriesTheFileForItselfAndThenHoldsItForReading) {
     constexpr DWORD kAttributes = kInputAttributes | FILE_FLAG_NO_BUFFERING;
     std::string path = MakeFile("f", "abc");
     Fio_LockFile(path.c_str());
-    EXPECT_EQ(g_opens, (std::vector<OpenCall>{{kReadWrite, 0, OPEN_EXISTING, kAttributes},
-                                              {GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, kAttributes}}));
+    EXPECT_EQ(g_opens,
+              (std::vector<OpenCall>{{kReadWrite, 0, OPEN_EXISTING, kAttributes},
+                                     {GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, kAttributes}}));
     Fio_UnlockFile(path.c_str());
 }
 

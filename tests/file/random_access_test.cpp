@@ -8,10 +8,12 @@ namespace {
 
 class RandomAccessTest : public FileTest {};
 
-constexpr unsigned kWidths[] = {1, 2, 3, 4, 5, 7, 8, 9, 16, 100, 4096, 65536, kChunk, kChunk + 1, 2 * kChunk + 3};
+constexpr unsigned kWidths[] = {
+    1, 2, 3, 4, 5, 7, 8, 9, 16, 100, 4096, 65536, kChunk, kChunk + 1, 2 * kChunk + 3};
 
 // Sizes around multiples of the chunk, and one that is far from any.
-constexpr unsigned kSizes[] = {kChunk - 1, kChunk, kChunk + 1, 3 * kChunk - 1, 3 * kChunk, 3 * kChunk + 1, 300001};
+constexpr unsigned kSizes[] = {kChunk - 1, kChunk,         kChunk + 1, 3 * kChunk - 1,
+                               3 * kChunk, 3 * kChunk + 1, 300001};
 
 std::string Expected(const std::string& copy, size_t at, size_t count) {
     return at < copy.size() ? copy.substr(at, count) : std::string();
@@ -80,7 +82,9 @@ TEST_F(RandomAccessTest, LinesStraddleTheSeam) {
             file->Seek(start, 0);
             std::string buffer(64, '?');
             ASSERT_EQ(file->ReadLine(buffer.data(), 60), int(length)) << before;
-            ASSERT_EQ(buffer, std::string(length, 'a') + '\n' + '\0' + std::string(62 - length, '?')) << before;
+            ASSERT_EQ(buffer,
+                      std::string(length, 'a') + '\n' + '\0' + std::string(62 - length, '?'))
+                << before;
             ASSERT_EQ(file->Tell(), start + length + 1);
             file->Seek(start + length, 0);
             file->WriteByte('a');
@@ -114,10 +118,12 @@ TEST_F(RandomAccessTest, ReadsAndWritesAtRandomAgreeWithAReferenceCopy) {
             std::string bytes = Pattern(width, unsigned(step));
             file->Write(bytes.data(), width);
             if (width && copy.size() < at + width) copy.resize(at + width, '\0');
-            copy.replace(at, width && at < copy.size() ? width : 0, bytes.substr(0, at < copy.size() ? width : 0));
+            copy.replace(at, width && at < copy.size() ? width : 0,
+                         bytes.substr(0, at < copy.size() ? width : 0));
         } else {
             std::string expected = Expected(copy, at, width);
-            ASSERT_EQ(Take(*file, width) == expected, true) << "step " << step << " at " << at << " width " << width;
+            ASSERT_EQ(Take(*file, width) == expected, true)
+                << "step " << step << " at " << at << " width " << width;
         }
         ASSERT_EQ(file->GetLength(), copy.size()) << "step " << step;
     }

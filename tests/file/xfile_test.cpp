@@ -16,8 +16,8 @@ std::string ReadUpTo(IXFile& file, unsigned count) {
 // False where the platform is no Wine.
 bool CutBelowThePlatform(const std::string& path) {
     using UnixName = char*(CDECL*)(const wchar_t*);
-    auto unixName = reinterpret_cast<UnixName>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
+    auto unixName = reinterpret_cast<UnixName>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
     if (!unixName) return false;
     char* name = unixName(std::wstring(path.begin(), path.end()).c_str());
     std::string command = "/usr/bin/truncate --size=0 " + std::string(name);
@@ -26,8 +26,8 @@ bool CutBelowThePlatform(const std::string& path) {
     start.cb = sizeof start;
     PROCESS_INFORMATION process;
     std::string program = "\\\\?\\unix\\usr\\bin\\truncate";
-    EXPECT_TRUE(
-        CreateProcessA(program.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process))
+    EXPECT_TRUE(CreateProcessA(program.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                               nullptr, &start, &process))
         << GetLastError();
     WaitForSingleObject(process.hProcess, INFINITE);
     CloseHandle(process.hThread);
@@ -288,7 +288,8 @@ TEST_F(XFileTest, BothAccessHintsReadTheSameBytes) {
 TEST_F(XFileTest, AFileThatShrinksUnderTheViewIsADeviceFailureInEveryWidth) {
     std::string path = MakeFile("f", Pattern(kChunk));
     File file = Open(path);
-    // The platform itself keeps a mapped file from shrinking, so the tool of the system below Wine does it.
+    // The platform itself keeps a mapped file from shrinking, so the tool of the system below Wine
+    // does it.
     if (!CutBelowThePlatform(path)) GTEST_SKIP() << "there is no system below the platform";
     Failure lost{QXERR_DEVICE, 1, path};
     char buffer[4096];
@@ -309,7 +310,8 @@ TEST_F(XFileTest, AnUnreadableBufferIsADeviceFailure) {
     File file = Open(path);
     auto nowhere = reinterpret_cast<void*>(size_t(16));
     for (unsigned width : {1u, 2u, 4u, 8u, 100u}) {
-        EXPECT_EQ(FailureOf([&] { file->Read(nowhere, width); }), (Failure{QXERR_DEVICE, 1, path})) << width;
+        EXPECT_EQ(FailureOf([&] { file->Read(nowhere, width); }), (Failure{QXERR_DEVICE, 1, path}))
+            << width;
     }
     EXPECT_EQ(file->ReadByte(), static_cast<unsigned char>(Pattern(1)[0]));
 }

@@ -10,8 +10,8 @@ class LowBlock {
 public:
     explicit LowBlock(const std::string& content) {
         for (size_t at = 0x10000000; !bytes && at < 0x70000000; at += 0x10000) {
-            bytes = static_cast<char*>(
-                VirtualAlloc(reinterpret_cast<void*>(at), kSize, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+            bytes = static_cast<char*>(VirtualAlloc(reinterpret_cast<void*>(at), kSize,
+                                                    MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
         }
         memcpy(bytes, content.data(), content.size());
         size = content.size();
@@ -20,7 +20,8 @@ public:
     ~LowBlock() { VirtualFree(bytes, 0, MEM_RELEASE); }
 
     std::string Path(const char* separator = ",") const {
-        return "fmem::" + std::to_string(reinterpret_cast<size_t>(bytes)) + separator + std::to_string(size);
+        return "fmem::" + std::to_string(reinterpret_cast<size_t>(bytes)) + separator +
+               std::to_string(size);
     }
 
     static constexpr size_t kSize = 4096;
@@ -73,8 +74,9 @@ TEST(MemFileTest, SeparatorsAreAnyMixOfCommasAndPoints) {
 
 TEST(MemFileTest, AMissingNumberLeavesAnEmptyFile) {
     LowBlock block("abcd");
-    for (const std::string& path : {"fmem::" + std::to_string(reinterpret_cast<size_t>(block.bytes)),
-                                    std::string("fmem::"), std::string("fmem::,.,"), std::string("fmem::x,y")}) {
+    for (const std::string& path :
+         {"fmem::" + std::to_string(reinterpret_cast<size_t>(block.bytes)), std::string("fmem::"),
+          std::string("fmem::,.,"), std::string("fmem::x,y")}) {
         File file = Open(path);
         EXPECT_EQ(file->GetLength(), 0u) << path;
         EXPECT_EQ(ReadAll(*file), "") << path;
@@ -175,7 +177,8 @@ TEST(MemFileTest, AddRefAndReleaseCountFromOne) {
 
 TEST(MemFileTest, ABadAddressIsADeviceFailureInEveryWidthAndTheProcessLives) {
     // Nothing is mapped at 0, nor at 16; negative numbers name the top of the address space.
-    for (const char* text : {"fmem::0,4096", "fmem::16.4096", "fmem::-4096,4096", "fmem::-2147483648,4096"}) {
+    for (const char* text :
+         {"fmem::0,4096", "fmem::16.4096", "fmem::-4096,4096", "fmem::-2147483648,4096"}) {
         std::string path = text;
         Failure fault{QXERR_DEVICE, 1, path};
         File file = Open(path);
@@ -196,15 +199,18 @@ TEST(MemFileTest, ABadAddressIsADeviceFailureInEveryWidthAndTheProcessLives) {
 
 TEST(MemFileTest, AnAddressOfZeroWithASizeOfFourRaisesCodeTwelve) {
     char buffer[4];
-    EXPECT_EQ(FailureOf([&] { Open("fmem::0,4")->Read(buffer, 4); }), (Failure{QXERR_DEVICE, 1, "fmem::0,4"}));
+    EXPECT_EQ(FailureOf([&] { Open("fmem::0,4")->Read(buffer, 4); }),
+              (Failure{QXERR_DEVICE, 1, "fmem::0,4"}));
 }
 
 TEST(MemFileTest, ABlockThatIsReadableOnlyInPartFailsWhereItEnds) {
     LowBlock block(std::string(100, 'a'));
-    std::string path = "fmem::" + std::to_string(reinterpret_cast<size_t>(block.bytes)) + ",1000000000";
+    std::string path =
+        "fmem::" + std::to_string(reinterpret_cast<size_t>(block.bytes)) + ",1000000000";
     File file = Open(path);
     std::string buffer(3 * 65536, 'x');
-    EXPECT_EQ(FailureOf([&] { file->Read(buffer.data(), unsigned(buffer.size())); }).code, QXERR_DEVICE);
+    EXPECT_EQ(FailureOf([&] { file->Read(buffer.data(), unsigned(buffer.size())); }).code,
+              QXERR_DEVICE);
     EXPECT_EQ(file->Tell(), 0u);
     EXPECT_EQ(file->Read(buffer.data(), 100), 100u);
     EXPECT_EQ(buffer.substr(0, 100), std::string(100, 'a'));
@@ -219,7 +225,8 @@ TEST(MemFileTest, LinesOfEveryLengthAreCopiedFromEveryPlaceAndNothingBehindThem)
             file->Seek(int64_t(start), 0);
             std::string buffer(100, '?');
             EXPECT_EQ(file->ReadLine(buffer.data(), 90), int(length)) << start;
-            EXPECT_EQ(buffer, (text + "\n" + '\0' + std::string(98 - length, '?'))) << start << " " << length;
+            EXPECT_EQ(buffer, (text + "\n" + '\0' + std::string(98 - length, '?')))
+                << start << " " << length;
             EXPECT_EQ(file->Tell(), start + length + 1);
         }
     }
@@ -227,7 +234,8 @@ TEST(MemFileTest, LinesOfEveryLengthAreCopiedFromEveryPlaceAndNothingBehindThem)
 
 TEST(MemFileTest, ALineIsReadUpToWhereMemoryEnds) {
     LowBlock block(std::string(LowBlock::kSize, 'a'));
-    std::string path = "fmem::" + std::to_string(reinterpret_cast<size_t>(block.bytes)) + ",1000000000";
+    std::string path =
+        "fmem::" + std::to_string(reinterpret_cast<size_t>(block.bytes)) + ",1000000000";
     for (size_t left = 0; left < 40; ++left) {
         File file = Open(path);
         size_t start = LowBlock::kSize - left;
@@ -285,7 +293,8 @@ TEST(MemFileTest, ANegativeSizeIsAnEnormousFile) {
 TEST(MemFileTest, ABlockAboveTwoGibibytesCannotBeNamed) {
     void* high = nullptr;
     for (size_t at = size_t(1) << 33; !high; at += size_t(1) << 30) {
-        high = VirtualAlloc(reinterpret_cast<void*>(at + 0x10000), 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+        high = VirtualAlloc(reinterpret_cast<void*>(at + 0x10000), 4096, MEM_RESERVE | MEM_COMMIT,
+                            PAGE_READWRITE);
     }
     memcpy(high, "high", 4);
     char buffer[5] = {};

@@ -170,7 +170,8 @@ TEST_F(OutFileTest, APathWithoutDirectoryMakesItsTemporaryInTheCurrentOne) {
 TEST_F(OutFileTest, TheTargetIsLockedWhileItIsBeingReplaced) {
     std::string path = MakeFile("f", "old");
     OutFile file = OpenOut(path);
-    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE), DWORD(ERROR_SHARING_VIOLATION));
+    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE),
+              DWORD(ERROR_SHARING_VIOLATION));
     EXPECT_EQ(TryOpen(path, GENERIC_READ, FILE_SHARE_READ), 0u);
     file->Commit();
     EXPECT_EQ(TryOpen(path, GENERIC_WRITE, 0), 0u);
@@ -185,7 +186,8 @@ TEST_F(OutFileTest, AfterCommitTheLockOfOthersHoldsTheNewFile) {
     file->Commit();
     EXPECT_EQ(Fio_LockCount(path.c_str()), 1);
     EXPECT_EQ(ContentOf(path), "new");
-    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE), DWORD(ERROR_SHARING_VIOLATION));
+    EXPECT_EQ(TryOpen(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE),
+              DWORD(ERROR_SHARING_VIOLATION));
     Fio_UnlockFile(path.c_str());
     EXPECT_EQ(TryOpen(path, GENERIC_WRITE, 0), 0u);
 }
@@ -194,7 +196,8 @@ TEST_F(OutFileTest, ATargetThatAnotherProcessHoldsStaysAndTheNewContentStaysBesi
     std::string path = MakeFile("f", "old");
     OutFile file = OpenOut(path);
     Put(*file, "new");
-    HANDLE other = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE other = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                               0, nullptr);
     Failure failure = FailureOf([&] { file->Commit(); });
     EXPECT_EQ(failure, (Failure{QXERR_SHARING, QXOP_DELETE_FILE, path}));
     CloseHandle(other);
@@ -253,7 +256,8 @@ TEST_F(OutFileTest, ATargetThatIsOpenElsewhereIsReplacedOnceItIsClosed) {
     EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
 }
 
-// The inner file takes its temporary with it, so Commit deletes the target and finds nothing to rename.
+// The inner file takes its temporary with it, so Commit deletes the target and finds nothing to
+// rename.
 TEST_F(OutFileTest, TheTemporaryFlagLosesTheFileOnCommit) {
     MakeFile("f", "old");
     OutFile file = OpenOut(Path("f"), QXFIO_TEMPORARY);

@@ -1,5 +1,5 @@
-// Broken dialog templates of a known size, through both passes: nothing behind them is read, and what comes out is a
-// sound template. A sound one comes out as the tests' own parser says it must.
+// Broken dialog templates of a known size, through both passes: nothing behind them is read, and
+// what comes out is a sound template. A sound one comes out as the tests' own parser says it must.
 #include "fuzz/fuzz_driver.h"
 #include "fuzz/guarded_bytes.h"
 #include "translate/dialog_template.h"
@@ -16,7 +16,8 @@ void Prepare() {
     static bool prepared = false;
     if (prepared) return;
     prepared = true;
-    for (auto [source, target] : {std::pair("Open", "Auf"), {"Name:", "Ein viel l\xE4ngerer Name:"}, {"x", ""}}) {
+    for (auto [source, target] :
+         {std::pair("Open", "Auf"), {"Name:", "Ein viel l\xE4ngerer Name:"}, {"x", ""}}) {
         g_Wld.m_Contexts.SetAt(source, new CContext(source, target));
     }
     g_Wld.SetDialogFont(RUSSIAN_CHARSET, 9, "No Such Font");
@@ -28,7 +29,8 @@ void Prepare() {
 
 FieldModel AnyField(Random& random) {
     static const wchar_t* const kTexts[] = {L"", L"Open", L"Name:", L"x", L"Op\u0416n", L"Unknown"};
-    return random.Below(3) ? FieldModel(kTexts[random.Below(6)]) : FieldModel::Number(uint16_t(0x7E + random.Below(8)));
+    return random.Below(3) ? FieldModel(kTexts[random.Below(6)])
+                           : FieldModel::Number(uint16_t(0x7E + random.Below(8)));
 }
 
 DialogModel AnyDialog(Random& random) {
@@ -68,7 +70,8 @@ DialogModel Expected(DialogModel d) {
     return d;
 }
 
-// The dialog 3 wider and 4 lower; in control 1 the left edge 1, the top 2, the right -30 and the bottom 40 further.
+// The dialog 3 wider and 4 lower; in control 1 the left edge 1, the top 2, the right -30 and the
+// bottom 40 further.
 DialogModel Moved(DialogModel d) {
     d.cx = static_cast<int16_t>(d.cx + 3);
     d.cy = static_cast<int16_t>(d.cy - 4);
@@ -91,14 +94,16 @@ bool IsSound(const unsigned char* output, int size) {
 }
 
 template <class Translate>
-bool Try(const std::string& bytes, const std::optional<DialogModel>& expected, Translate translate) {
+bool Try(const std::string& bytes, const std::optional<DialogModel>& expected,
+         Translate translate) {
     static GuardedBytes guarded(kLongest);
     uint8_t* input = guarded.Place(bytes);
     int size = -1;
     unsigned char* output = translate(TemplateBytes{input, bytes.size()}, &size);
     if (output == input) return size == 0 && !expected;
     bool holds = output && size > 0;
-    // The parser counts from the start of the template, so it knows only those that stand at a multiple of 4.
+    // The parser counts from the start of the template, so it knows only those that stand at a
+    // multiple of 4.
     if (holds && expected) holds = ParseTemplate(output, static_cast<size_t>(size)) == expected;
     if (holds) holds = IsSound(output, size);
     free(output);
@@ -120,9 +125,13 @@ bool Round(Random& random) {
         Mutate(bytes, random);
     }
     if (bytes.size() > kLongest) return true;
-    return Try(bytes, expected, [](auto b, int* size) { return TranslateTemplate(g_Wld, b, size, "a#1#2\xFD\xFD"); }) &&
-           Try(bytes, moved,
-               [](auto b, int* size) { return TranslateTemplatePosition(g_Wld, b, kHash, size, nullptr); });
+    return Try(bytes, expected,
+               [](auto b, int* size) {
+                   return TranslateTemplate(g_Wld, b, size, "a#1#2\xFD\xFD");
+               }) &&
+           Try(bytes, moved, [](auto b, int* size) {
+               return TranslateTemplatePosition(g_Wld, b, kHash, size, nullptr);
+           });
 }
 
 }  // namespace

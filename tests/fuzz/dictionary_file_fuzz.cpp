@@ -1,5 +1,6 @@
-// Broken dictionary files: what the dictionary holds is what a plain reader in here finds, which knows nothing of
-// blocks, words or shared texts. Half of the rounds run under a double-byte code page.
+// Broken dictionary files: what the dictionary holds is what a plain reader in here finds, which
+// knows nothing of blocks, words or shared texts. Half of the rounds run under a double-byte code
+// page.
 #include "fuzz/fuzz_driver.h"
 #include "translate/low_memory.h"
 
@@ -46,8 +47,10 @@ constexpr const char* kPieces[] = {"\"Open\"\r\n",
 
 std::string RandomFile(Random& random) {
     std::string text;
-    for (unsigned n = random.Below(60); n > 0; --n) text += kPieces[random.Below(std::size(kPieces))];
-    if (random.Below(20) == 0) text.insert(random.Below(unsigned(text.size()) + 1), 8150 + random.Below(100), 'x');
+    for (unsigned n = random.Below(60); n > 0; --n)
+        text += kPieces[random.Below(std::size(kPieces))];
+    if (random.Below(20) == 0)
+        text.insert(random.Below(unsigned(text.size()) + 1), 8150 + random.Below(100), 'x');
     if (random.Below(2)) Mutate(text, random);
     return text;
 }
@@ -81,7 +84,9 @@ private:
         return hash;
     }
     static bool IsLead(const Byte* at) { return _ismbblead(*at) && at[1]; }
-    static bool IsSpace(const Byte* at) { return _ismbcspace(IsLead(at) ? at[0] << 8 | at[1] : *at) != 0; }
+    static bool IsSpace(const Byte* at) {
+        return _ismbcspace(IsLead(at) ? at[0] << 8 | at[1] : *at) != 0;
+    }
 
     static std::string Unescaped(const std::string& text) {
         std::string out;
@@ -104,7 +109,8 @@ private:
         return out;
     }
 
-    // Of the line reader: the line feed stays in front of the terminator, where there is room for both.
+    // Of the line reader: the line feed stays in front of the terminator, where there is room for
+    // both.
     int NextLine() {
         int i = 0;
         while (i < kLineSize && m_at < m_file.size()) {
@@ -127,7 +133,8 @@ private:
             // A lone quote is too short, whatever stands behind it in the buffer.
             if (last <= first || first + 1 >= s_line + size || *first != '"') continue;
             if (last + 1 < s_line + size && IsLead(last)) ++last;
-            text.assign(reinterpret_cast<const char*>(first + 1), static_cast<size_t>(last - first - 1));
+            text.assign(reinterpret_cast<const char*>(first + 1),
+                        static_cast<size_t>(last - first - 1));
             text.resize(strlen(text.c_str()));
             return true;
         }
@@ -155,7 +162,8 @@ bool HoldsTexts(CWld& dictionary, const PlainReader& expected) {
     return std::all_of(expected.texts.begin(), expected.texts.end(), [&](auto& text) {
         CContext** found = dictionary.m_Contexts.FindHash(text.first);
         return found && text.second.first == static_cast<const char*>((*found)->source) &&
-               text.second.second == static_cast<const char*>((*found)->target) && (*found)->count == 1;
+               text.second.second == static_cast<const char*>((*found)->target) &&
+               (*found)->count == 1;
     });
 }
 

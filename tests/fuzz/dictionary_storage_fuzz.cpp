@@ -1,5 +1,5 @@
-// Broken stored dictionaries: Restore reads what a plain reader of the streams reads, and ends as that one does. What
-// it restored is saved and restored the same.
+// Broken stored dictionaries: Restore reads what a plain reader of the streams reads, and ends as
+// that one does. What it restored is saved and restored the same.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>
@@ -25,7 +25,8 @@ std::string Text(const std::string& text) {
 }
 
 std::string AnyText(Random& random) {
-    static constexpr const char* kTexts[] = {"Open", "", "Auf\\n", "a\\", "\\\\t", "view.dll#1#130\xFD\xFDOpen", "x"};
+    static constexpr const char* kTexts[] = {
+        "Open", "", "Auf\\n", "a\\", "\\\\t", "view.dll#1#130\xFD\xFDOpen", "x"};
     if (random.Below(20) == 0) return Text(std::string(1000 + random.Below(2000), 'l'));
     if (random.Below(10) == 0) return Long(0);
     return Text(kTexts[random.Below(std::size(kTexts))]);
@@ -35,8 +36,8 @@ std::string AnyText(Random& random) {
 std::map<std::string, std::string> AnyDictionary(Random& random) {
     std::map<std::string, std::string> streams;
     unsigned entries = random.Below(kMostStreams);
-    streams["ContextHeader"] = Long(random.Below(10) ? entries : random.Border() % 1000) + AnyText(random) +
-                               Long(random.Next()) + Long(random.Next());
+    streams["ContextHeader"] = Long(random.Below(10) ? entries : random.Border() % 1000) +
+                               AnyText(random) + Long(random.Next()) + Long(random.Next());
     for (unsigned i = 0; i < entries; ++i) {
         streams["C" + std::to_string(i)] = AnyText(random) + AnyText(random) + Long(random.Next());
     }
@@ -174,7 +175,8 @@ Entries EntriesOf(CWld& dictionary) {
 }
 
 bool Agrees(CWld& dictionary, const PlainReader& expected) {
-    return EntriesOf(dictionary) == expected.entries && dictionary.m_nContexts == expected.count.value_or(0) &&
+    return EntriesOf(dictionary) == expected.entries &&
+           dictionary.m_nContexts == expected.count.value_or(0) &&
            dictionary.m_szFontName == expected.font.value_or("none") &&
            dictionary.m_nFontScript == expected.script.value_or(-7) &&
            dictionary.m_nFontSize == expected.size.value_or(-7);
@@ -202,7 +204,8 @@ bool Round(Random& random) {
     dictionary.m_nFontScript = dictionary.m_nFontSize = -7;
     int failure = Restore(dictionary, storage);
     PlainReader expected(streams);
-    bool holds = failure == expected.failure && Agrees(dictionary, expected) && SurvivesRoundTrip(dictionary);
+    bool holds = failure == expected.failure && Agrees(dictionary, expected) &&
+                 SurvivesRoundTrip(dictionary);
     DeleteObject(dictionary.m_hFont);
     return holds;
 }

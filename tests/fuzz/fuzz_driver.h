@@ -1,6 +1,8 @@
-// What every fuzz driver is: rounds of one body, each from a seed of its own, so that any round can be had again.
+// What every fuzz driver is: rounds of one body, each from a seed of its own, so that any round can
+// be had again.
 //
-//     x_fuzz [ROUNDS [SEED]]      0 rounds go on until they are stopped; the first seed is 1 unless told
+//     x_fuzz [ROUNDS [SEED]]      0 rounds go on until they are stopped; the first seed is 1 unless
+//     told
 //
 // A round that crashes prints its seed; `x_fuzz 1 SEED` runs that round alone.
 #ifndef QXCORE_TESTS_FUZZ_DRIVER_H
@@ -27,7 +29,8 @@ public:
     unsigned Below(unsigned limit) { return Next() % limit; }
     // A number that likes to stand at a border: 0, 1, 127, 128, 255, 0x7FFFFFFF, ...
     unsigned Border() {
-        static constexpr unsigned kBorders[] = {0, 1, 0x7F, 0x80, 0xFF, 0x7FFF, 0x8000, 0x7FFFFFFF, 0x80000000, ~0u};
+        static constexpr unsigned kBorders[] = {0,      1,      0x7F,       0x80,       0xFF,
+                                                0x7FFF, 0x8000, 0x7FFFFFFF, 0x80000000, ~0u};
         return kBorders[Below(10)] + Below(3) - 1;
     }
 

@@ -1,4 +1,5 @@
-// Broken geometry files: the records are those that a walk over the same text, read as a parameter tree, finds.
+// Broken geometry files: the records are those that a walk over the same text, read as a parameter
+// tree, finds.
 #include "fuzz/fuzz_driver.h"
 #include "translate/low_memory.h"
 
@@ -40,8 +41,10 @@ constexpr const char* kPieces[] = {"[\\view.dll\\Dialogs\\#130]\r\n",
 
 std::string RandomFile(Random& random) {
     std::string text;
-    for (unsigned n = random.Below(40); n > 0; --n) text += kPieces[random.Below(std::size(kPieces))];
-    if (random.Below(30) == 0) text.insert(random.Below(unsigned(text.size()) + 1), 8150 + random.Below(100), 'x');
+    for (unsigned n = random.Below(40); n > 0; --n)
+        text += kPieces[random.Below(std::size(kPieces))];
+    if (random.Below(30) == 0)
+        text.insert(random.Below(unsigned(text.size()) + 1), 8150 + random.Below(100), 'x');
     if (random.Below(2)) Mutate(text, random);
     return text;
 }
@@ -72,8 +75,8 @@ Record RecordOf(IParam* dialog) {
         }
         const tagRECT& edges = value.value.rect;
         if (value.type == QXVT_RECT) {
-            record.controls[static_cast<unsigned>(atoi(name.c_str()))] = {edges.left, edges.top, edges.right,
-                                                                          edges.bottom};
+            record.controls[static_cast<unsigned>(atoi(name.c_str()))] = {
+                edges.left, edges.top, edges.right, edges.bottom};
         }
     });
     return record;

@@ -13,7 +13,8 @@ public:
     explicit GuardedBytes(size_t capacity) {
         constexpr size_t kPage = 4096;
         size_t size = (capacity + kPage - 1) / kPage * kPage;
-        region = static_cast<uint8_t*>(VirtualAlloc(nullptr, size + kPage, MEM_RESERVE, PAGE_NOACCESS));
+        region =
+            static_cast<uint8_t*>(VirtualAlloc(nullptr, size + kPage, MEM_RESERVE, PAGE_NOACCESS));
         VirtualAlloc(region, size, MEM_COMMIT, PAGE_READWRITE);
         end = region + size;
     }

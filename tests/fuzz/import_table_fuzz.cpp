@@ -1,5 +1,5 @@
-// Modules with broken headers and import tables: patching them ends in an answer, and nothing outside their own
-// memory is written.
+// Modules with broken headers and import tables: patching them ends in an answer, and nothing
+// outside their own memory is written.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>
@@ -39,7 +39,8 @@ const Places& KnownPlaces() {
     static const Places places = [] {
         const char* base = Pristine().data();
         Places p;
-        p.headers = static_cast<unsigned>(reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
+        p.headers =
+            static_cast<unsigned>(reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
         auto headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + p.headers);
         p.directory = p.headers + offsetof(IMAGE_NT_HEADERS64, OptionalHeader.DataDirectory[1]);
         p.descriptors = headers->OptionalHeader.DataDirectory[1].VirtualAddress;
@@ -49,14 +50,17 @@ const Places& KnownPlaces() {
     return places;
 }
 
-// Breaks what the walk reads: the place of the headers, the signature, the directory and the descriptors.
+// Breaks what the walk reads: the place of the headers, the signature, the directory and the
+// descriptors.
 void Break(char* image, Random& random) {
     const Places& p = KnownPlaces();
-    const unsigned spots[] = {0x3C, p.headers, p.headers + 20, p.directory, p.descriptors + random.Below(p.size)};
+    const unsigned spots[] = {0x3C, p.headers, p.headers + 20, p.directory,
+                              p.descriptors + random.Below(p.size)};
     for (unsigned n = random.Below(4); n > 0; --n) {
         unsigned at = spots[random.Below(5)] & ~3u;
-        unsigned value =
-            random.Below(3) ? random.Below(static_cast<unsigned>(Pristine().size()) + 64) : random.Border();
+        unsigned value = random.Below(3)
+                             ? random.Below(static_cast<unsigned>(Pristine().size()) + 64)
+                             : random.Border();
         memcpy(image + at, &value, sizeof value);
     }
 }
@@ -64,7 +68,8 @@ void Break(char* image, Random& random) {
 bool Round(Random& random) {
     static char* const region = [] {
         size_t size = Pristine().size();
-        auto base = static_cast<char*>(VirtualAlloc(nullptr, size + 4096, MEM_RESERVE, PAGE_NOACCESS));
+        auto base =
+            static_cast<char*>(VirtualAlloc(nullptr, size + 4096, MEM_RESERVE, PAGE_NOACCESS));
         return static_cast<char*>(VirtualAlloc(base, size, MEM_COMMIT, PAGE_READWRITE));
     }();
     // Headers and imports are what rounds change; the rest of the image stays.
@@ -72,9 +77,11 @@ bool Round(Random& random) {
     if (!filled) memcpy(region, Pristine().data(), Pristine().size());
     filled = true;
     memcpy(region, Pristine().data(), 4096);
-    memcpy(region + KnownPlaces().descriptors, Pristine().data() + KnownPlaces().descriptors, KnownPlaces().size);
+    memcpy(region + KnownPlaces().descriptors, Pristine().data() + KnownPlaces().descriptors,
+           KnownPlaces().size);
     Break(region, random);
-    auto real = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "VirtualQuery"));
+    auto real =
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "VirtualQuery"));
     auto replacement = reinterpret_cast<void*>(&Replacement);
     void* answer = HookProc_Install(region, "kernel32.dll", "VirtualQuery", replacement);
     HookProc_Install(region, "kernel32.dll", "VirtualQuery", replacement);

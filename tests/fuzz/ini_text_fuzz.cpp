@@ -1,5 +1,6 @@
-// Broken ini text, and broken text that it includes: the reader ends, what it made can be walked and cleared, and
-// nothing but its own exceptions comes out. Half of the rounds run under a double-byte code page.
+// Broken ini text, and broken text that it includes: the reader ends, what it made can be walked
+// and cleared, and nothing but its own exceptions comes out. Half of the rounds run under a
+// double-byte code page.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>
@@ -11,23 +12,28 @@ namespace {
 constexpr char kFile[] = "ini_text_fuzz.ini";
 constexpr char kIncluded[] =
     "ini_text_part.ini";  // includes nothing: a file that includes itself is the caller's affair
-constexpr const char* kIncludes[] = {"#include ini_text_part.ini\r\n", "# INCLUDE \"ini_text_part.ini\" |k=i1|",
+constexpr const char* kIncludes[] = {"#include ini_text_part.ini\r\n",
+                                     "# INCLUDE \"ini_text_part.ini\" |k=i1|",
                                      "#include .\\ini_text_part.ini|"};
 
 constexpr const char* kPieces[] = {
-    "[\\]\r\n", "[\\a\\b]\r\n", "[",      "]",        "key=i5\r\n", "=",     "|",        ";",        "#include ",
-    "\"",       "\n",           "\r\n",   "t1,2,3,4", "R2.5",       "fY",    "b1F",      "w0x10",    "stext",
-    "\x83\x5C", "\x81\x40",     "\x83",   "\\",       "# x",        "e",     "p3,4\r\n", "z",        "\t ",
-    "W-1\r\n",  "r1e400\r\n",   "T1,2,3", "u",        "P,,\r\n",    "k\r\n", "name=",    "[\\s]|k=", "[]"};
+    "[\\]\r\n",   "[\\a\\b]\r\n", "[",     "]",        "key=i5\r\n", "=",        "|",
+    ";",          "#include ",    "\"",    "\n",       "\r\n",       "t1,2,3,4", "R2.5",
+    "fY",         "b1F",          "w0x10", "stext",    "\x83\x5C",   "\x81\x40", "\x83",
+    "\\",         "# x",          "e",     "p3,4\r\n", "z",          "\t ",      "W-1\r\n",
+    "r1e400\r\n", "T1,2,3",       "u",     "P,,\r\n",  "k\r\n",      "name=",    "[\\s]|k=",
+    "[]"};
 
 std::string RandomText(Random& random, bool includes) {
     std::string text = random.Below(4) ? "[\\]\r\n" : "";
     for (unsigned n = random.Below(60); n > 0; --n) {
         text += kPieces[random.Below(std::size(kPieces))];
         if (random.Below(20) == 0) text += '\0';
-        if (includes && random.Below(30) == 0) text += kIncludes[random.Below(std::size(kIncludes))];
+        if (includes && random.Below(30) == 0)
+            text += kIncludes[random.Below(std::size(kIncludes))];
     }
-    if (random.Below(20) == 0) text.insert(random.Below(unsigned(text.size()) + 1), 8150 + random.Below(100), 'x');
+    if (random.Below(20) == 0)
+        text.insert(random.Below(unsigned(text.size()) + 1), 8150 + random.Below(100), 'x');
     if (random.Below(2)) Mutate(text, random);
     return text;
 }

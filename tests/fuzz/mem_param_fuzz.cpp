@@ -1,5 +1,5 @@
-// Random operations on a tree in memory against a model that is simple enough to be right: names are folded, each
-// node keeps its entries in order of first creation.
+// Random operations on a tree in memory against a model that is simple enough to be right: names
+// are folded, each node keeps its entries in order of first creation.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>
@@ -69,7 +69,8 @@ struct Model {
 
     void Set(const std::string& name, int value) {
         size_t cut = name.rfind('\\');
-        if (cut != std::string::npos) Open(name.substr(0, cut), true)->Set(name.substr(cut + 1), value);
+        if (cut != std::string::npos)
+            Open(name.substr(0, cut), true)->Set(name.substr(cut + 1), value);
         std::string own = name.empty() ? "@" : name;
         auto at = Find(values, own);
         if (at == values.end()) {
@@ -109,7 +110,8 @@ std::string Text(IParam* node) {
     while (values->Next(1, &name, nullptr)) {
         CQXVariant value;
         text += name;
-        if (!strchr(name, '\\') && node->GetValue(name, &value)) text += "=" + std::to_string(value.value.intVal);
+        if (!strchr(name, '\\') && node->GetValue(name, &value))
+            text += "=" + std::to_string(value.value.intVal);
         text += ";";
     }
     values->Release();
@@ -126,7 +128,8 @@ std::string Text(IParam* node) {
 std::string RandomName(Random& random, unsigned levels) {
     static constexpr const char* kNames[] = {"a", "A", "b", "long name", "X1", "x1", "c"};
     std::string name = kNames[random.Below(7)];
-    while (--levels > 0 && random.Below(3) == 0) name += std::string("\\") + kNames[random.Below(7)];
+    while (--levels > 0 && random.Below(3) == 0)
+        name += std::string("\\") + kNames[random.Below(7)];
     return name;
 }
 
@@ -165,7 +168,8 @@ void Step(IParam* root, Model& model, Random& random) {
     }
 }
 
-// Walks over the names of the root that go on while the tree changes under them: what one delivers is there.
+// Walks over the names of the root that go on while the tree changes under them: what one delivers
+// is there.
 class Walks {
 public:
     explicit Walks(IParam* root) : m_root(root) {}
@@ -193,7 +197,9 @@ private:
     CTEnum<const char*>* m_walks[4] = {Start(0), Start(1), Start(2), Start(3)};
 
     static bool IsOfValues(size_t at) { return at % 2 == 0; }
-    CTEnum<const char*>* Start(size_t at) { return IsOfValues(at) ? m_root->EnumValues() : m_root->EnumSubParams(); }
+    CTEnum<const char*>* Start(size_t at) {
+        return IsOfValues(at) ? m_root->EnumValues() : m_root->EnumSubParams();
+    }
 };
 
 bool Round(Random& random) {

@@ -1,5 +1,5 @@
-// Broken object frames: each ends in an object, in null or in an exception, and a stand-in for an unknown class writes
-// the bytes that it was read from.
+// Broken object frames: each ends in an object, in null or in an exception, and a stand-in for an
+// unknown class writes the bytes that it was read from.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>
@@ -12,7 +12,8 @@ constexpr size_t kLongestName = 259;
 
 std::string Frame(Random& random) {
     std::string name;
-    for (unsigned n = random.Below(8); n > 0; --n) name.push_back(static_cast<char>('a' + random.Below(26)));
+    for (unsigned n = random.Below(8); n > 0; --n)
+        name.push_back(static_cast<char>('a' + random.Below(26)));
     if (random.Below(50) == 0) name.append(250 + random.Below(20), 'n');
     std::string payload(random.Below(40), 'p');
     auto size = static_cast<unsigned>(payload.size());

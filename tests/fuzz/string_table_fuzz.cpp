@@ -1,4 +1,5 @@
-// Broken string table blocks of a known size: nothing behind them is read, and each entry comes out as it must.
+// Broken string table blocks of a known size: nothing behind them is read, and each entry comes out
+// as it must.
 #include "fuzz/fuzz_driver.h"
 #include "fuzz/guarded_bytes.h"
 #include "translate/string_table.h"
@@ -16,13 +17,15 @@ void Prepare() {
     static bool prepared = false;
     if (prepared) return;
     prepared = true;
-    for (auto [source, target] : {std::pair("Open", "Auf"), {"Close", "Ein viel l\xE4ngerer Text"}, {"x", ""}}) {
+    for (auto [source, target] :
+         {std::pair("Open", "Auf"), {"Close", "Ein viel l\xE4ngerer Text"}, {"x", ""}}) {
         g_Wld.m_Contexts.SetAt(source, new CContext(source, target));
     }
 }
 
 std::string AnyBlock(Random& random) {
-    static const wchar_t* const kTexts[] = {L"", L"", L"Open", L"Close", L"x", L"Unknown", L"Op\u0416n"};
+    static const wchar_t* const kTexts[] = {L"",  L"",        L"Open",     L"Close",
+                                            L"x", L"Unknown", L"Op\u0416n"};
     std::wstring words;
     for (int i = 0; i < 16; ++i) {
         std::wstring text = kTexts[random.Below(7)];
@@ -40,7 +43,8 @@ Entries Read(const void* data, size_t size) {
     std::wstring words(size / 2, 0);
     memcpy(words.data(), data, words.size() * 2);
     Entries entries;
-    for (size_t at = 0; at < words.size(); at += words[at] + 1) entries.push_back(words.substr(at + 1, words[at]));
+    for (size_t at = 0; at < words.size(); at += words[at] + 1)
+        entries.push_back(words.substr(at + 1, words[at]));
     return entries;
 }
 
@@ -48,7 +52,8 @@ std::wstring Expected(const std::wstring& entry) {
     if (entry.empty() || entry.size() > 1024) return entry;
     auto length = static_cast<int>(entry.size());
     std::string narrow(entry.size(), 0);
-    int bytes = WideCharToMultiByte(CP_ACP, 0, entry.data(), length, narrow.data(), length, nullptr, nullptr);
+    int bytes = WideCharToMultiByte(CP_ACP, 0, entry.data(), length, narrow.data(), length, nullptr,
+                                    nullptr);
     narrow = narrow.substr(0, bytes).c_str();
     if (narrow.empty()) return entry;
     if (narrow == "Open") narrow = "Auf";
@@ -66,11 +71,12 @@ bool Round(Random& random) {
     if (random.Below(4)) Mutate(bytes, random);
     if (bytes.size() > kLongest) return true;
     Entries expected = Read(bytes.data(), bytes.size());
-    bool any = std::any_of(expected.begin(), expected.end(), [](auto& entry) { return !entry.empty(); });
+    bool any =
+        std::any_of(expected.begin(), expected.end(), [](auto& entry) { return !entry.empty(); });
     std::transform(expected.begin(), expected.end(), expected.begin(), Expected);
     uint32_t size = 0;
-    void* block =
-        TranslateStringTable(guarded.Place(bytes), static_cast<uint32_t>(bytes.size()), "a#3#1\xFD\xFD", &size);
+    void* block = TranslateStringTable(guarded.Place(bytes), static_cast<uint32_t>(bytes.size()),
+                                       "a#3#1\xFD\xFD", &size);
     if (!block) return !any && size == 0;
     bool holds = any && Read(block, size) == expected;
     LocalFree(block);

@@ -1,5 +1,5 @@
-// Broken streams of variants: each ends in a variant, a plain answer or an exception, and what was read whole is
-// written and read again unchanged.
+// Broken streams of variants: each ends in a variant, a plain answer or an exception, and what was
+// read whole is written and read again unchanged.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>

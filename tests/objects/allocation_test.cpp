@@ -102,7 +102,8 @@ TEST(ObjectAllocationTest, AFailedContainerIsNotMade) {
         object->Release();
         object = nullptr;
     };
-    EXPECT_GE(FailEachAllocation([] { return 0; }, act, [&](int) { EXPECT_EQ(object, nullptr); }), 1u);
+    EXPECT_GE(FailEachAllocation([] { return 0; }, act, [&](int) { EXPECT_EQ(object, nullptr); }),
+              1u);
 }
 
 TEST(ObjectAllocationTest, AServiceThatCouldNotBeAddedIsNotThere) {
@@ -128,7 +129,9 @@ TEST(ObjectAllocationTest, AnEnumeratorThatCouldNotBeMadeLeavesTheContainerUsabl
         container->EnumServices(qx_typeid<IQXUnknown>(), &services);
         services->Release();
     };
-    auto check = [](ContainerRef& container) { EXPECT_EQ(container->GetService("first", nullptr), 1); };
+    auto check = [](ContainerRef& container) {
+        EXPECT_EQ(container->GetService("first", nullptr), 1);
+    };
     EXPECT_EQ(FailEachAllocation(UsedContainer, act, check), 2u);
 }
 
@@ -170,7 +173,9 @@ TEST(ObjectAllocationTest, AnObjectWhoseFrameCouldNotBeWrittenCanBeWrittenElsewh
         if (!stream) throw CXMemException();
         WriteObjectToXStream(stream.get(), proxy.get());
     };
-    EXPECT_EQ(FailEachAllocation(NewProxy, write, [](Ref<IPersistXStream>& proxy) { ExpectFrameOf(proxy.get()); }), 2u);
+    EXPECT_EQ(FailEachAllocation(NewProxy, write,
+                                 [](Ref<IPersistXStream>& proxy) { ExpectFrameOf(proxy.get()); }),
+              2u);
 }
 
 TEST(ObjectAllocationTest, MeasuringAndSkippingAFrameTakesNoMemory) {

@@ -3,5 +3,6 @@
 #include <qxcore/registry.h>
 
 extern "C" __declspec(dllexport) RegistryCalls GetRegistryCalls() {
-    return {&qx_typeid<IQXUnknown>(), RegisterObject, RegisterObject, IsRegisterObject, UnregisterObject, CreateObject};
+    return {&qx_typeid<IQXUnknown>(), RegisterObject,   RegisterObject,
+            IsRegisterObject,         UnregisterObject, CreateObject};
 }

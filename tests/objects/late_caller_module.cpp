@@ -1,4 +1,5 @@
-// Does not import the library, so it is unloaded after it when it was loaded before it; calls the registry then.
+// Does not import the library, so it is unloaded after it when it was loaded before it; calls the
+// registry then.
 #include "objects/registry_calls.h"
 
 namespace {
@@ -25,6 +26,7 @@ extern "C" __declspec(dllexport) void KeepRegistryCalls(const RegistryCalls& cal
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
-    if (reason == DLL_PROCESS_DETACH && g_calls.create) TerminateProcess(GetCurrentProcess(), CallTheRegistry());
+    if (reason == DLL_PROCESS_DETACH && g_calls.create)
+        TerminateProcess(GetCurrentProcess(), CallTheRegistry());
     return TRUE;
 }

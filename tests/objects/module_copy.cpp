@@ -11,7 +11,8 @@ ModuleCopy::ModuleCopy(const char* module) {
     static int copies = 0;
     char folder[MAX_PATH];
     GetTempPathA(sizeof folder, folder);
-    path = folder + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++copies) + "-" + module;
+    path = folder + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++copies) + "-" +
+           module;
     CopyFileA((ProgramFolder() + module).c_str(), Path(), FALSE);
 }
 

@@ -1,4 +1,5 @@
-// A copy of a test module under a name of its own, so that each test sees it loaded for the first time.
+// A copy of a test module under a name of its own, so that each test sees it loaded for the first
+// time.
 #ifndef QXCORE_TESTS_OBJECTS_MODULE_COPY_H
 #define QXCORE_TESTS_OBJECTS_MODULE_COPY_H
 

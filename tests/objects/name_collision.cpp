@@ -22,7 +22,8 @@ unsigned TextHash(const std::string& text) {
     return hash;
 }
 
-// The hash of first + last half is hash(first) * 257^4 + hash(last): many halves are tried against many.
+// The hash of first + last half is hash(first) * 257^4 + hash(last): many halves are tried against
+// many.
 std::string NameWithTheHashOf(const std::string& name) {
     const unsigned shift = 257u * 257u * 257u * 257u;
     std::mt19937 random(1);
@@ -35,7 +36,8 @@ std::string NameWithTheHashOf(const std::string& name) {
     for (int i = 0; i < 10000000; ++i) {
         std::string first = RandomLetters(random, 5);
         unsigned wanted = TextHash(name) - TextHash(first) * shift;
-        auto last = std::lower_bound(lastHalves.begin(), lastHalves.end(), std::pair(wanted, std::string()));
+        auto last = std::lower_bound(lastHalves.begin(), lastHalves.end(),
+                                     std::pair(wanted, std::string()));
         if (last != lastHalves.end() && last->first == wanted) return first + last->second;
     }
     return "";

@@ -12,7 +12,8 @@
 
 namespace {
 
-// A class whose payload is a text of bytes. It reads as many bytes as it is told to, whatever the frame says.
+// A class whose payload is a text of bytes. It reads as many bytes as it is told to, whatever the
+// frame says.
 class CBytes : public CQXUnknownImpl<IPersistXStream> {
 public:
     explicit CBytes(std::string className = "PersistBytes", std::string bytes = "")
@@ -33,7 +34,9 @@ public:
         bytes.assign(static_cast<size_t>(bytesToRead), '?');
         stream->Read(bytes.data(), bytesToRead);
     }
-    void Save(IXStream* stream) override { stream->Write(bytes.data(), static_cast<int>(bytes.size())); }
+    void Save(IXStream* stream) override {
+        stream->Write(bytes.data(), static_cast<int>(bytes.size()));
+    }
 
     static int live;
     static int bytesToRead;
@@ -153,7 +156,9 @@ protected:
         UnregisterObject("PersistOuter");
         EXPECT_EQ(CBytes::live, live);
     }
-    void Register(const char* name) { ASSERT_EQ(RegisterObject(name, GetModuleHandleA(nullptr)), 1); }
+    void Register(const char* name) {
+        ASSERT_EQ(RegisterObject(name, GetModuleHandleA(nullptr)), 1);
+    }
 
 private:
     int live = 0;
@@ -282,7 +287,8 @@ TEST_F(PersistTest, AnUnknownClassComesBackAndIsWrittenUnchanged) {
 TEST_F(PersistTest, AProxyAnswersTheInterfacesOfPersistence) {
     IPersistXStream* proxy = ObjectOf(Frame("PersistNobody", 1, "x"));
     ASSERT_NE(proxy, nullptr);
-    for (const qx_type_info* id : {&qx_typeid<IQXUnknown>(), &qx_typeid<IPersistX>(), &qx_typeid<IPersistXStream>()}) {
+    for (const qx_type_info* id :
+         {&qx_typeid<IQXUnknown>(), &qx_typeid<IPersistX>(), &qx_typeid<IPersistXStream>()}) {
         IQXUnknown* answer = nullptr;
         EXPECT_EQ(proxy->QueryInterface(*id, nullptr), 1);
         EXPECT_EQ(proxy->QueryInterface(*id, &answer), 1);

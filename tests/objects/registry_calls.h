@@ -6,7 +6,8 @@
 #include <qxcore/unknown.h>
 
 struct RegistryCalls {
-    qx_type_info const* root;  // of a module that goes with the library: a record keeps what it once compared
+    qx_type_info const*
+        root;  // of a module that goes with the library: a record keeps what it once compared
     int (*registerHandle)(const char* name, HINSTANCE module);
     int (*registerPath)(const char* name, const char* path);
     int (*isRegistered)(const char* name);
@@ -14,10 +15,12 @@ struct RegistryCalls {
     int (*create)(const char* name, IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out);
 };
 
-// Exported by test_calls_module as "GetRegistryCalls", and taken by test_late_caller_module as "KeepRegistryCalls".
+// Exported by test_calls_module as "GetRegistryCalls", and taken by test_late_caller_module as
+// "KeepRegistryCalls".
 using GetRegistryCallsFunction = RegistryCalls (*)();
 using KeepRegistryCallsFunction = void (*)(const RegistryCalls& calls);
 
-constexpr UINT kLateCallsDidNoHarm = 70;  // the exit code of a process whose late calls answered as they should
+constexpr UINT kLateCallsDidNoHarm =
+    70;  // the exit code of a process whose late calls answered as they should
 
 #endif

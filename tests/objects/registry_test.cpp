@@ -256,7 +256,8 @@ TEST(RegistryTest, TheOuterObjectReachesTheCreator) {
     Registered guard("TestAggregatedTicket");
     ASSERT_EQ(RegisterObject("TestAggregatedTicket", kModule), 1);
     auto outer = new COuter;
-    ASSERT_EQ(CreateObject("TestAggregatedTicket", outer, qx_typeid<IQXUnknown>(), &outer->inner), 1);
+    ASSERT_EQ(CreateObject("TestAggregatedTicket", outer, qx_typeid<IQXUnknown>(), &outer->inner),
+              1);
     IQXUnknown* ticket;
     ASSERT_EQ(outer->QueryInterface(qx_typeid<ITicket>(), &ticket), 1);
     EXPECT_EQ(static_cast<ITicket*>(ticket)->Number(), 43);
@@ -340,7 +341,8 @@ TEST(RegistryTest, TwoNamesOfOneHashAreOneClass) {
 }
 
 TEST(RegistryTest, BytesAboveOneHundredTwentySevenSubtract) {
-    // "B\x80" hashes to 66 * 257 - 128, as "A\x01" would with 129 more: both differ from their neighbours.
+    // "B\x80" hashes to 66 * 257 - 128, as "A\x01" would with 129 more: both differ from their
+    // neighbours.
     EXPECT_EQ(TextHash("B\x80"), 66u * 257u - 128u);
     Registered guard("B\x80");
     ASSERT_EQ(RegisterObject("B\x80", kModule), 1);
@@ -374,7 +376,8 @@ TEST(RegistryTest, ObjectsOfOneModuleAreQueriedInAnother) {
     EXPECT_EQ(inspector->Inspect(inspector), -1);
     EXPECT_EQ(ticket->Release(), 0u);
 
-    // The id is the caller's own record, the object the other module's, its memory freed wherever the last release is.
+    // The id is the caller's own record, the object the other module's, its memory freed wherever
+    // the last release is.
     IQXUnknown* issued = inspector->Issue(qx_typeid<ITicket>());
     ASSERT_NE(issued, nullptr);
     EXPECT_EQ(static_cast<ITicket*>(issued)->Number(), 7);

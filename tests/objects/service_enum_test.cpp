@@ -8,11 +8,13 @@ namespace {
 
 using ServiceEnumTest = ServicesTest;
 
-// The walk goes by hash modulo 127, in each chain the newest first: the order of the names, added one after the other.
+// The walk goes by hash modulo 127, in each chain the newest first: the order of the names, added
+// one after the other.
 std::vector<std::string> WalkOrder(const std::vector<std::string>& added) {
     std::vector<std::string> order(added.rbegin(), added.rend());
-    std::stable_sort(order.begin(), order.end(),
-                     [](const std::string& a, const std::string& b) { return TextHash(a) % 127 < TextHash(b) % 127; });
+    std::stable_sort(order.begin(), order.end(), [](const std::string& a, const std::string& b) {
+        return TextHash(a) % 127 < TextHash(b) % 127;
+    });
     return order;
 }
 
@@ -30,7 +32,8 @@ TEST_F(ServiceEnumTest, NamesComeInTheOrderOfTheTable) {
 
 TEST_F(ServiceEnumTest, NamesAreDeliveredInPortions) {
     Held<CPlain> plain;
-    for (const char* name : {"a", "b", "c"}) container->AddService(name, plain);  // 97, 98, 99: in this order
+    for (const char* name : {"a", "b", "c"})
+        container->AddService(name, plain);  // 97, 98, 99: in this order
     CTEnum<const char*>* names;
     container->EnumServiceNames(&names);
     const char* out[4] = {};

@@ -78,7 +78,8 @@ public:
         // The container can be asked even while it is destroyed.
         IQXUnknown* asked;
         EXPECT_EQ(container->QueryInterface(qx_typeid<IQXServiceContainer>(), &asked), 1);
-        presentWhenRemoved = static_cast<IQXServiceContainer*>(asked)->GetService(name.c_str(), nullptr);
+        presentWhenRemoved =
+            static_cast<IQXServiceContainer*>(asked)->GetService(name.c_str(), nullptr);
         asked->Release();
         if (throwWhenRemoved) throw CXException(78);
     }

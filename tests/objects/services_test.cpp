@@ -90,7 +90,8 @@ TEST_F(ServicesTest, InAnAggregateReferencesAndQueriesGoToTheOuterObject) {
 
     auto sink = new CSink("s");
     EXPECT_EQ(services->AddService("s", sink), 1);
-    EXPECT_EQ(sink->handle->QueryInterface(qx_typeid<ITicket>(), &other), 1);  // the handle reaches the outer object
+    EXPECT_EQ(sink->handle->QueryInterface(qx_typeid<ITicket>(), &other),
+              1);  // the handle reaches the outer object
     other->Release();
     sink->Release();
     services->Release();
@@ -243,7 +244,8 @@ TEST_F(ServicesTest, TheEndOfTheContainerTellsEverySink) {
     auto a = new CSink("a"), b = new CSink("b");
     container->AddService("a", a);
     container->AddService("b", b);
-    a->throwWhenRemoved = true;  // nobody is left to hear of it, and the other sink is told all the same
+    a->throwWhenRemoved =
+        true;  // nobody is left to hear of it, and the other sink is told all the same
     b->throwWhenRemoved = true;
     a->Release();
     b->Release();

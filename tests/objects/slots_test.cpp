@@ -44,8 +44,8 @@ TEST_F(SlotsTest, AContainersAreTheEnumeratorsThenGetAddRemoveRemoveAll) {
     found->Release();
 
     CTEnum<IQXUnknown*>* services;
-    EXPECT_EQ(Slot<int(IQXUnknown*, qx_type_info const&, CTEnum<IQXUnknown*>**)>(root, 3)(root, qx_typeid<ITicket>(),
-                                                                                          &services),
+    EXPECT_EQ(Slot<int(IQXUnknown*, qx_type_info const&, CTEnum<IQXUnknown*>**)>(root, 3)(
+                  root, qx_typeid<ITicket>(), &services),
               1);
     EXPECT_EQ(services->Skip(9), 1);
     services->Release();

@@ -1,4 +1,5 @@
-// The interfaces that the test modules and the test program share. Each has a type record of its own for them.
+// The interfaces that the test modules and the test program share. Each has a type record of its
+// own for them.
 #ifndef QXCORE_TESTS_OBJECTS_TICKET_H
 #define QXCORE_TESTS_OBJECTS_TICKET_H
 
@@ -17,7 +18,8 @@ QX_DECLARE_TYPEID(ITicket, ".?AUITicket@@");
 struct IInspector : IQXUnknown {
     // The number of a ticket that somebody else made, or -1 if the object is none.
     virtual int Inspect(IQXUnknown* object) = 0;
-    // A ticket of the inspector's own, with a reference for the caller, or null if the caller asks for something else.
+    // A ticket of the inspector's own, with a reference for the caller, or null if the caller asks
+    // for something else.
     virtual IQXUnknown* Issue(qx_type_info const& id) = 0;
 
 protected:

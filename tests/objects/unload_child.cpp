@@ -1,5 +1,5 @@
-// A program that does not import the library: it loads and unloads it, watches what it does then, or lets a module call
-// the registry too late.
+// A program that does not import the library: it loads and unloads it, watches what it does then,
+// or lets a module call the registry too late.
 #include "objects/registry_calls.h"
 #include "support/import_slot.h"
 
@@ -51,8 +51,8 @@ int CallLate() {
     return 0;
 }
 
-// What the library does at its unload, in order: 'h' calls the entry hook, 'c' leaves COM; capital when the container
-// is still registered then.
+// What the library does at its unload, in order: 'h' calls the entry hook, 'c' leaves COM; capital
+// when the container is still registered then.
 char g_events[8];
 RegistryCalls g_calls;
 HINSTANCE g_hookedModule;
@@ -69,7 +69,8 @@ void EntryHook(HINSTANCE module, DWORD reason) {
 }
 
 FARPROC WINAPI FindsEntryHook(HMODULE module, const char* name) {
-    if (strcmp(name, "_QXAfxDllMain") == 0) return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&EntryHook));
+    if (strcmp(name, "_QXAfxDllMain") == 0)
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&EntryHook));
     return GetProcAddress(module, name);
 }
 

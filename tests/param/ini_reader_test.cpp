@@ -51,8 +51,9 @@ TEST_F(IniReaderTest, AWholeTreeMayStandInOneLine) {
 }
 
 TEST_F(IniReaderTest, SectionsAreFullPathsFromTheRoot) {
-    EXPECT_EQ(Read("[\\a\\b]\r\nx=i1\r\n[\\c]\r\ny=i2\r\n[\\a]\r\nz=i3\r\n[\\a\\b]\r\nx=i4\r\nw=i5\r\n"),
-              "a{z=5:3 b{x=5:4 w=5:5}} c{y=5:2}");
+    EXPECT_EQ(
+        Read("[\\a\\b]\r\nx=i1\r\n[\\c]\r\ny=i2\r\n[\\a]\r\nz=i3\r\n[\\a\\b]\r\nx=i4\r\nw=i5\r\n"),
+        "a{z=5:3 b{x=5:4 w=5:5}} c{y=5:2}");
 }
 
 TEST_F(IniReaderTest, AHeaderNeedsNoClosingBracket) {
@@ -64,7 +65,8 @@ TEST_F(IniReaderTest, TheFirstTwoCharactersOfAHeaderAreDroppedUnread) {
 }
 
 TEST_F(IniReaderTest, ShortHeadersNameTheRoot) {
-    EXPECT_EQ(Read("[a]\r\nx=i1\r\n[\\s]\r\n[]\r\ny=i2\r\n[\\s]\r\n[\\]\r\nz=i3\r\n"), "x=5:1 y=5:2 z=5:3 s{}");
+    EXPECT_EQ(Read("[a]\r\nx=i1\r\n[\\s]\r\n[]\r\ny=i2\r\n[\\s]\r\n[\\]\r\nz=i3\r\n"),
+              "x=5:1 y=5:2 z=5:3 s{}");
 }
 
 TEST_F(IniReaderTest, AnEmptySegmentIsPassedOnAsItIs) {
@@ -84,11 +86,13 @@ TEST_F(IniReaderTest, ALineOfOneCharacterIsDropped) {
 }
 
 TEST_F(IniReaderTest, BlanksAroundKeyAndValueAreDroppedButNotThoseBehindTheLetter) {
-    EXPECT_EQ(Read("[\\]\r\n  key \t =  i5 \r\ns1=s  two  blanks  \r\n"), "key=5:5 s1=10:  two  blanks");
+    EXPECT_EQ(Read("[\\]\r\n  key \t =  i5 \r\ns1=s  two  blanks  \r\n"),
+              "key=5:5 s1=10:  two  blanks");
 }
 
 TEST_F(IniReaderTest, ACommentRunsToTheEndOfThePhysicalLineAlsoInsideAValue) {
-    EXPECT_EQ(Read("; all\r\n[\\]\r\nkey=i5 ; five\r\ns1=sa;b|lost=i1\r\n;x|y=i1\r\n"), "key=5:5 s1=10:a");
+    EXPECT_EQ(Read("; all\r\n[\\]\r\nkey=i5 ; five\r\ns1=sa;b|lost=i1\r\n;x|y=i1\r\n"),
+              "key=5:5 s1=10:a");
 }
 
 TEST_F(IniReaderTest, SeparatorsAndBlanksAtTheEndsOfALineAreDropped) {
@@ -148,7 +152,8 @@ TEST_F(IniReaderTest, AFlagIsADigitOrAWord) {
     EXPECT_EQ(ReadValue("fyes"), "key=1:1");
     EXPECT_EQ(ReadValue("fNo"), "key=1:0");
     EXPECT_EQ(ReadValue("fn"), "key=1:0");
-    for (const char* bad : {"f2", "f10", "f", "fx", "f-1", "f Y"}) EXPECT_EQ(ReadValue(bad), "") << bad;
+    for (const char* bad : {"f2", "f10", "f", "fx", "f-1", "f Y"})
+        EXPECT_EQ(ReadValue(bad), "") << bad;
 }
 
 TEST_F(IniReaderTest, AByteTakesTwoHexadecimalDigitsAndStoresNone) {
@@ -161,7 +166,8 @@ TEST_F(IniReaderTest, ASixteenBitNumberEndsAt65535) {
     EXPECT_EQ(ReadValue("w65535"), "key=3:65535");
     EXPECT_EQ(ReadValue("w0x10"), "key=3:16");
     EXPECT_EQ(ReadValue("w 7"), "key=3:7");
-    for (const char* bad : {"w70000", "w65536", "w-1", "wx10", "w", "wz"}) EXPECT_EQ(ReadValue(bad), "") << bad;
+    for (const char* bad : {"w70000", "w65536", "w-1", "wx10", "w", "wz"})
+        EXPECT_EQ(ReadValue(bad), "") << bad;
 }
 
 TEST_F(IniReaderTest, ThirtyTwoBitNumbersAreReadByTheRuntime) {
@@ -210,13 +216,15 @@ TEST_F(IniReaderTest, WhatStandsBetweenANumberAndItsCommaIsSkipped) {
 }
 
 TEST_F(IniReaderTest, AMissingNumberOrCommaFailsTheValue) {
-    for (const char* bad : {"p3", "p3,", "p,4", "z1 2", "t1,2,3", "t1,,3,4", "T1.5,2.5,3.5", "Z1.5"}) {
+    for (const char* bad :
+         {"p3", "p3,", "p,4", "z1 2", "t1,2,3", "t1,,3,4", "T1.5,2.5,3.5", "Z1.5"}) {
         EXPECT_EQ(ReadValue(bad), "") << bad;
     }
 }
 
 TEST_F(IniReaderTest, AValueWithoutAValidLetterSetsNothing) {
-    for (const char* bad : {"", "q1", "5", "I5", "S", "F1", "B00"}) EXPECT_EQ(ReadValue(bad), "") << bad;
+    for (const char* bad : {"", "q1", "5", "I5", "S", "F1", "B00"})
+        EXPECT_EQ(ReadValue(bad), "") << bad;
 }
 
 TEST_F(IniReaderTest, DecimalsReadTheSameUnderACommaLocale) {
@@ -242,7 +250,8 @@ TEST_F(IniReaderTest, ALineOf8192BytesIsWholeAndALongerOneComesInPieces) {
 }
 
 TEST_F(IniReaderTest, AFullLineBeforeALoneLineFeedEndsTheInput) {
-    // 8192 bytes are one piece, and what is left of the line is an empty one; with a carriage return it is not.
+    // 8192 bytes are one piece, and what is left of the line is an empty one; with a carriage
+    // return it is not.
     std::string value(8192 - 5, 'v');
     EXPECT_EQ(Read("[\\]\nkey=s" + value + "\nk1=i1\n"), "key=10:" + value);
     root.reset(new_MemParam());
@@ -321,7 +330,8 @@ TEST_F(IniReaderTest, ANumberSignBeforeTheLastCharacterIsNoDirective) {
 TEST_F(IniReaderTest, IncludesNest) {
     TextFile inner("ini_reader_inner.ini", "deep=i3\r\n");
     TextFile middle("ini_reader_middle.ini", "m1=i1\r\n#include ini_reader_inner.ini\r\nm2=i2\r\n");
-    EXPECT_EQ(Read("[\\]\r\n#include ini_reader_middle.ini\r\nlast=i4\r\n"), "m1=5:1 deep=5:3 m2=5:2 last=5:4");
+    EXPECT_EQ(Read("[\\]\r\n#include ini_reader_middle.ini\r\nlast=i4\r\n"),
+              "m1=5:1 deep=5:3 m2=5:2 last=5:4");
 }
 
 TEST_F(IniReaderTest, AMissingIncludeEndsTheWholeReadWithTheFilesException) {
@@ -356,7 +366,8 @@ TEST_F(IniReaderTest, AnIncludeStandsBesideTheOutermostFile) {
 }
 
 TEST_F(IniReaderTest, AnIncludeThatStartsWithADotGetsBothDirectories) {
-    // The directory of the outermost file comes before that of the including one, so "a\" doubles here.
+    // The directory of the outermost file comes before that of the including one, so "a\" doubles
+    // here.
     CreateDirectoryA("ini_reader_a", nullptr);
     CreateDirectoryA("ini_reader_a\\ini_reader_a", nullptr);
     {
@@ -375,7 +386,8 @@ TEST_F(IniReaderTest, ADotIncludeOfAFileWithoutDirectoryIsTheNameAlone) {
 }
 
 TEST_F(IniReaderTest, WhatStandsBehindAnIncludeIsLostToWhatTheIncludedFileLeftInTheLineBuffer) {
-    // "|k1=i1" stands at bytes 27 to 32 of its line; there the included file's last line has six of its characters.
+    // "|k1=i1" stands at bytes 27 to 32 of its line; there the included file's last line has six of
+    // its characters.
     std::string value(40, 'v');
     TextFile sub("ini_reader_sub.ini", "[\\s]\r\nlong=s" + value + "\r\n");
     EXPECT_EQ(Read("[\\]\r\n#include ini_reader_sub.ini|k1=i1\r\nk2=i2\r\n"),

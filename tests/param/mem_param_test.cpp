@@ -10,7 +10,9 @@ protected:
     ParamPtr root{new_MemParam()};
 
     ParamPtr Create(const char* name) { return ParamPtr(root->CreateSubParam(name)); }
-    ParamPtr Open(const char* name, int create = 0) { return ParamPtr(root->OpenSubParam(name, create)); }
+    ParamPtr Open(const char* name, int create = 0) {
+        return ParamPtr(root->OpenSubParam(name, create));
+    }
 };
 
 unsigned CountOf(IQXUnknown* object) {
@@ -348,7 +350,8 @@ TEST_F(MemParamTest, TwoNamesWithOneHashAreOneItem) {
     SetInt(root.get(), "cKYGVI", 2);
     EXPECT_EQ(GetInt(root.get(), "Boskui"), 2);
     EXPECT_EQ(NamesText(root->EnumValues()), "Boskui");
-    // The list compares texts, so the first spelling stays in it when the item goes under the other name.
+    // The list compares texts, so the first spelling stays in it when the item goes under the other
+    // name.
     root->DeleteValue("cKYGVI");
     EXPECT_EQ(NamesText(root->EnumValues()), "Boskui");
     EXPECT_EQ(GetInt(root.get(), "Boskui"), -1);

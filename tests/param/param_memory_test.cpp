@@ -24,7 +24,8 @@ void ExpectUsable(ParamPtr& root) {
     // Every name that is enumerated leads to its value or child.
     NamesPtr names(root->EnumSubParams());
     const char* name;
-    while (names->Next(1, &name, nullptr)) EXPECT_TRUE(ParamPtr(root->OpenSubParam(name, 0))) << name;
+    while (names->Next(1, &name, nullptr))
+        EXPECT_TRUE(ParamPtr(root->OpenSubParam(name, 0))) << name;
     NamesPtr values(root->EnumValues());
     while (values->Next(1, &name, nullptr)) {
         CQXVariant value;
@@ -41,7 +42,9 @@ TEST(ParamMemoryTest, ARootThatFindsNoMemoryIsNull) {
         root.reset(new_MemParam());
         if (!root) throw CXMemException();  // as FailEachAllocation counts failures
     };
-    EXPECT_GT(FailEachAllocation([] { return ParamPtr(); }, make, [](ParamPtr& root) { EXPECT_FALSE(root); }), 0u);
+    EXPECT_GT(FailEachAllocation([] { return ParamPtr(); }, make,
+                                 [](ParamPtr& root) { EXPECT_FALSE(root); }),
+              0u);
 }
 
 TEST(ParamMemoryTest, StoringAValueStoresItWholeOrNotAtAll) {
@@ -104,11 +107,13 @@ TEST(ParamMemoryTest, ReadingAValueLeavesItWhereItIs) {
 
 TEST(ParamMemoryTest, OpeningAPathKeepsTheTreeUsable) {
     EXPECT_GT(FailEachAllocation(
-                  SmallTree, [](ParamPtr& root) { ParamPtr(root->OpenSubParam("child\\x", 1)); }, ExpectUsable),
+                  SmallTree, [](ParamPtr& root) { ParamPtr(root->OpenSubParam("child\\x", 1)); },
+                  ExpectUsable),
               0u);
-    EXPECT_GT(FailEachAllocation(
-                  SmallTree, [](ParamPtr& root) { ParamPtr(root->OpenSubParam("x", 1)); }, ExpectUsable),
-              0u);
+    EXPECT_GT(
+        FailEachAllocation(
+            SmallTree, [](ParamPtr& root) { ParamPtr(root->OpenSubParam("x", 1)); }, ExpectUsable),
+        0u);
 }
 
 TEST(ParamMemoryTest, DeletingAllValuesOrChildrenGoesOnWhereItStopped) {
@@ -153,7 +158,8 @@ TEST(ParamMemoryTest, ReadingIncludesKeepsWhatWasReadAndClosesTheFiles) {
         fputs(text, file);
         fclose(file);
     };
-    write("param_memory_outer.ini", "[\\]\r\nb=i2\r\n#include .\\param_memory_inner.ini\r\nc=i3\r\n");
+    write("param_memory_outer.ini",
+          "[\\]\r\nb=i2\r\n#include .\\param_memory_inner.ini\r\nc=i3\r\n");
     write("param_memory_inner.ini", "[\\child]\r\nt=stext\r\n");
     auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_outer.ini", root.get()); };
     auto check = [](ParamPtr& root) {

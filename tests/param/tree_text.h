@@ -1,4 +1,5 @@
-// A tree as one line of text, so that a test compares it whole: "X=5:1 a{x=10:abc}" holds the int 1 and a child.
+// A tree as one line of text, so that a test compares it whole: "X=5:1 a{x=10:abc}" holds the int 1
+// and a child.
 #ifndef QXCORE_TESTS_PARAM_TREE_TEXT_H
 #define QXCORE_TESTS_PARAM_TREE_TEXT_H
 

@@ -1,5 +1,6 @@
-// The sample host's user interface in one process: before translation, with it, with the switch off and on again, and
-// after the patches are taken back. Prints the texts of each state behind a line with its name.
+// The sample host's user interface in one process: before translation, with it, with the switch off
+// and on again, and after the patches are taken back. Prints the texts of each state behind a line
+// with its name.
 #include <qxcore/translation.h>
 
 #include <fcntl.h>
@@ -11,7 +12,8 @@
 
 namespace {
 
-// The window that the dump destroyed has posted the end of its message loop; the next one must not find it.
+// The window that the dump destroyed has posted the end of its message loop; the next one must not
+// find it.
 void ForgetQuit() {
     MSG message;
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) continue;

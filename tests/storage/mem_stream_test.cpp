@@ -196,7 +196,8 @@ namespace {
 DWORD g_fault;
 
 LONG CALLBACK NoteFault(EXCEPTION_POINTERS* info) {
-    if (info->ExceptionRecord->ExceptionCode != EXCEPTION_INT_DIVIDE_BY_ZERO) return EXCEPTION_CONTINUE_SEARCH;
+    if (info->ExceptionRecord->ExceptionCode != EXCEPTION_INT_DIVIDE_BY_ZERO)
+        return EXCEPTION_CONTINUE_SEARCH;
     g_fault = info->ExceptionRecord->ExceptionCode;
     ExitThread(0);
 }

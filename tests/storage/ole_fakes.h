@@ -67,7 +67,9 @@ public:
         return S_OK;
     }
     STDMETHOD(SetSize)(ULARGE_INTEGER) override { return E_NOTIMPL; }
-    STDMETHOD(CopyTo)(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override { return E_NOTIMPL; }
+    STDMETHOD(CopyTo)(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override {
+        return E_NOTIMPL;
+    }
     STDMETHOD(Revert)() override { return E_NOTIMPL; }
     STDMETHOD(LockRegion)(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
     STDMETHOD(UnlockRegion)(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
@@ -93,14 +95,18 @@ public:
     STDMETHOD(OpenStream)(const OLECHAR* text, void*, DWORD mode, DWORD, IStream** out) override {
         return HandOut(text, mode, stream, out);
     }
-    STDMETHOD(CreateStorage)(const OLECHAR* text, DWORD mode, DWORD, DWORD, IStorage** out) override {
+    STDMETHOD(CreateStorage)
+    (const OLECHAR* text, DWORD mode, DWORD, DWORD, IStorage** out) override {
         return HandOut(text, mode, child, out);
     }
-    STDMETHOD(OpenStorage)(const OLECHAR* text, IStorage*, DWORD mode, SNB, DWORD, IStorage** out) override {
+    STDMETHOD(OpenStorage)
+    (const OLECHAR* text, IStorage*, DWORD mode, SNB, DWORD, IStorage** out) override {
         return HandOut(text, mode, child, out);
     }
     STDMETHOD(CopyTo)(DWORD, const IID*, SNB, IStorage*) override { return E_NOTIMPL; }
-    STDMETHOD(MoveElementTo)(const OLECHAR*, IStorage*, const OLECHAR*, DWORD) override { return E_NOTIMPL; }
+    STDMETHOD(MoveElementTo)(const OLECHAR*, IStorage*, const OLECHAR*, DWORD) override {
+        return E_NOTIMPL;
+    }
     STDMETHOD(Commit)(DWORD) override {
         Note("Commit");
         return status;
@@ -118,7 +124,8 @@ public:
         return status;
     }
     STDMETHOD(RenameElement)(const OLECHAR*, const OLECHAR*) override { return E_NOTIMPL; }
-    STDMETHOD(SetElementTimes)(const OLECHAR*, const FILETIME*, const FILETIME*, const FILETIME*) override {
+    STDMETHOD(SetElementTimes)
+    (const OLECHAR*, const FILETIME*, const FILETIME*, const FILETIME*) override {
         return E_NOTIMPL;
     }
     STDMETHOD(SetClass)(REFCLSID) override { return E_NOTIMPL; }
@@ -160,12 +167,14 @@ struct StatusRow {
 // Written down once more from the rule, not taken from the library.
 inline const std::vector<StatusRow>& FailingStatusRows() {
     static const std::vector<StatusRow> rows = {
-        {0x80030002, 6},  {0x80030003, 6},  {0x80030004, 14}, {0x80030005, 8},  {0x80030020, 8},  {0x80030021, 8},
-        {0x80030008, 2},  {0x80030012, 3},  {0x80030070, 3},  {0x80030013, 9},  {0x80030019, 12}, {0x8003001D, 12},
-        {0x8003001E, 12}, {0x80030103, 12}, {0x800300F0, 11}, {0x800300FA, 11}, {0x800300FD, 11}, {0x800300FE, 11},
-        {0x80030104, 11}, {0x80030105, 11}, {0x80030108, 11}, {0x800300FC, 7},  {0x80030100, 8},  {0x80030106, 8},
-        {0x80030201, 13}, {0x80030202, 13}, {0x80030001, 15}, {0x80030006, 15}, {0x80030050, 15}, {0x80030057, 15},
-        {0x80030102, 15}, {0x8003010B, 15}, {0x80004005, 15}, {0x8007000E, 15}, {0x80070005, 15}, {0xFFFFFFFF, 15},
+        {0x80030002, 6},  {0x80030003, 6},  {0x80030004, 14}, {0x80030005, 8},  {0x80030020, 8},
+        {0x80030021, 8},  {0x80030008, 2},  {0x80030012, 3},  {0x80030070, 3},  {0x80030013, 9},
+        {0x80030019, 12}, {0x8003001D, 12}, {0x8003001E, 12}, {0x80030103, 12}, {0x800300F0, 11},
+        {0x800300FA, 11}, {0x800300FD, 11}, {0x800300FE, 11}, {0x80030104, 11}, {0x80030105, 11},
+        {0x80030108, 11}, {0x800300FC, 7},  {0x80030100, 8},  {0x80030106, 8},  {0x80030201, 13},
+        {0x80030202, 13}, {0x80030001, 15}, {0x80030006, 15}, {0x80030050, 15}, {0x80030057, 15},
+        {0x80030102, 15}, {0x8003010B, 15}, {0x80004005, 15}, {0x8007000E, 15}, {0x80070005, 15},
+        {0xFFFFFFFF, 15},
     };
     return rows;
 }

@@ -43,7 +43,9 @@ TEST(ElementStreamTest, AFailedReadRaisesTheMappedCodeWithOperationOne) {
     char byte;
     for (const StatusRow& row : FailingStatusRows()) {
         element.ole.readStatus = static_cast<HRESULT>(row.status);
-        EXPECT_EQ(Thrown([&] { element.stream->Read(&byte, 1); }), std::to_string(row.code) + " 1 part") << row.status;
+        EXPECT_EQ(Thrown([&] { element.stream->Read(&byte, 1); }),
+                  std::to_string(row.code) + " 1 part")
+            << row.status;
     }
 }
 
@@ -51,7 +53,9 @@ TEST(ElementStreamTest, AFailedWriteRaisesTheMappedCodeWithTheOperationOfARead) 
     FakeElement element;
     for (const StatusRow& row : FailingStatusRows()) {
         element.ole.writeStatus = static_cast<HRESULT>(row.status);
-        EXPECT_EQ(Thrown([&] { element.stream->Write("x", 1); }), std::to_string(row.code) + " 1 part") << row.status;
+        EXPECT_EQ(Thrown([&] { element.stream->Write("x", 1); }),
+                  std::to_string(row.code) + " 1 part")
+            << row.status;
     }
 }
 
@@ -59,8 +63,10 @@ TEST(ElementStreamTest, AFailedSeekRaisesTheMappedCodeWithOperationThree) {
     FakeElement element;
     for (const StatusRow& row : FailingStatusRows()) {
         element.ole.seekStatus = static_cast<HRESULT>(row.status);
-        EXPECT_EQ(Thrown([&] { element.stream->Seek(0, 0); }), std::to_string(row.code) + " 3 part") << row.status;
-        EXPECT_EQ(Thrown([&] { element.stream->Tell(); }), std::to_string(row.code) + " 3 part") << row.status;
+        EXPECT_EQ(Thrown([&] { element.stream->Seek(0, 0); }), std::to_string(row.code) + " 3 part")
+            << row.status;
+        EXPECT_EQ(Thrown([&] { element.stream->Tell(); }), std::to_string(row.code) + " 3 part")
+            << row.status;
     }
 }
 

@@ -1,7 +1,7 @@
 // Compound files whose tables do not hang together are refused before the platform follows them.
 //
-// The offsets are those of the published format: sectors of 512 bytes behind a header of 512, directory entries of
-// 128 bytes.
+// The offsets are those of the published format: sectors of 512 bytes behind a header of 512,
+// directory entries of 128 bytes.
 #include "storage/storage_fixture.h"
 
 namespace {
@@ -14,12 +14,14 @@ protected:
     // A file with a large stream, small ones and a sub-storage.
     void SetUp() override {
         {
-            Owned<IXStorage> root(new_Storage(path.c_str(), 0)), child(root->CreateStorage("child", 0));
+            Owned<IXStorage> root(new_Storage(path.c_str(), 0)),
+                child(root->CreateStorage("child", 0));
             PutStream(root, "large", std::string(20000, 'L'));
             PutStream(root, "small", std::string(300, 's'));
             PutStream(child, "leaf", "leaf");
         }
-        HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        HANDLE file =
+            CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
         bytes.resize(GetFileSize(file, nullptr));
         DWORD read;
         ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
@@ -45,12 +47,15 @@ protected:
 
     // What opening the file with these bytes raises, in both modes.
     std::string Opening() {
-        HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        HANDLE file =
+            CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
         DWORD written;
         WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
         CloseHandle(file);
-        std::string reading = Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 1)); });
-        std::string changing = Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); });
+        std::string reading =
+            Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 1)); });
+        std::string changing =
+            Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); });
         EXPECT_EQ(reading, changing);
         return reading;
     }
@@ -60,7 +65,14 @@ protected:
     std::string refused = "15 0 " + path;
 };
 
-enum : size_t { kTypeAt = 66, kLeftAt = 68, kRightAt = 72, kChildAt = 76, kStartAt = 116, kSizeAt = 120 };
+enum : size_t {
+    kTypeAt = 66,
+    kLeftAt = 68,
+    kRightAt = 72,
+    kChildAt = 76,
+    kStartAt = 116,
+    kSizeAt = 120
+};
 
 }  // namespace
 
@@ -162,8 +174,9 @@ TEST_F(CorruptStorageTest, AFileOfLargeSectorsIsOpened) {
     options.usVersion = 1;
     options.ulSectorSize = 4096;
     std::wstring wide = Widen(Path("v4.stg"));
-    ASSERT_EQ(StgCreateStorageEx(wide.c_str(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, STGFMT_DOCFILE, 0,
-                                 &options, nullptr, IID_IStorage, reinterpret_cast<void**>(&ole)),
+    ASSERT_EQ(StgCreateStorageEx(wide.c_str(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE,
+                                 STGFMT_DOCFILE, 0, &options, nullptr, IID_IStorage,
+                                 reinterpret_cast<void**>(&ole)),
               S_OK);
     {
         Owned<IXStorage> storage(new_StorageByOleStorage(ole));

@@ -1,4 +1,5 @@
-// Names in code page 932, where the second byte of a character may be a backslash. The process runs under that page.
+// Names in code page 932, where the second byte of a character may be a backslash. The process runs
+// under that page.
 #include "storage/ole_fakes.h"
 #include "storage/storage_fixture.h"
 
@@ -45,7 +46,8 @@ TEST_F(DoubleByteStorageTest, ElementsMayHoldABackslashAsASecondByte) {
 TEST_F(DoubleByteStorageTest, ABackslashBehindAWholeCharacterIsRefused) {
     Owned<IXStorage> storage(new_Storage(nullptr, 0));
     EXPECT_EQ(storage->CreateStream((kTable + "\\").c_str()), nullptr);
-    EXPECT_EQ(Thrown([&] { storage->OpenStorage((kTable + "\\a").c_str()); }), "7 0 " + kTable + "\\a");
+    EXPECT_EQ(Thrown([&] { storage->OpenStorage((kTable + "\\a").c_str()); }),
+              "7 0 " + kTable + "\\a");
 }
 
 TEST_F(DoubleByteStorageTest, ANameIsCutAfter512CharactersAndNotInOne) {

@@ -32,14 +32,17 @@ HRESULT WINAPI FailingAllocator(DWORD, IMalloc** out) {
     return g_status;
 }
 
-// Each status through one replaced call of the platform: what `call` throws is the status's code and `rest`.
+// Each status through one replaced call of the platform: what `call` throws is the status's code
+// and `rest`.
 template <class Function, class Call>
-void ExpectEveryStatus(const char* function, Function* failing, const std::string& rest, Call call) {
+void ExpectEveryStatus(const char* function, Function* failing, const std::string& rest,
+                       Call call) {
     ReplacedImport replaced(function, reinterpret_cast<void*>(failing));
     ASSERT_TRUE(replaced) << function;
     for (const StatusRow& row : FailingStatusRows()) {
         g_status = static_cast<HRESULT>(row.status);
-        EXPECT_EQ(Thrown(call), std::to_string(row.code) + rest) << function << " " << std::hex << row.status;
+        EXPECT_EQ(Thrown(call), std::to_string(row.code) + rest)
+            << function << " " << std::hex << row.status;
     }
 }
 
@@ -81,12 +84,14 @@ TEST(StorageFailureTest, ADeletionAnswersTheStatus) {
 
 TEST_F(StorageTest, AFileThatCannotBeCreatedIsNamed) {
     std::string path = Path("a.stg");
-    ExpectEveryStatus("StgCreateDocfile", FailingCreate, " 0 " + path, [&] { new_Storage(path.c_str(), 0); });
+    ExpectEveryStatus("StgCreateDocfile", FailingCreate, " 0 " + path,
+                      [&] { new_Storage(path.c_str(), 0); });
 }
 
 TEST_F(StorageTest, ATemporaryFileThatCannotBeFilledGoesAndThePathIsAsGiven) {
     TemporaryFilesIn here(Directory());
-    ExpectEveryStatus("StgCreateDocfile", FailingCreate, " 0 given", [] { new_Storage("given", QXSTG_TEMPORARY); });
+    ExpectEveryStatus("StgCreateDocfile", FailingCreate, " 0 given",
+                      [] { new_Storage("given", QXSTG_TEMPORARY); });
     EXPECT_TRUE(RemoveDirectoryA(Directory().c_str())) << "something is left";
 }
 
@@ -100,7 +105,8 @@ TEST_F(StorageTest, AFileThatCannotBeOpenedIsNamed) {
     std::string path = Path("a.stg");
     Owned<IXStorage>(new_Storage(path.c_str(), 0));
     for (int readOnly : {0, 1}) {
-        ExpectEveryStatus("StgOpenStorage", FailingOpen, " 0 " + path, [&] { open_Storage(path.c_str(), readOnly); });
+        ExpectEveryStatus("StgOpenStorage", FailingOpen, " 0 " + path,
+                          [&] { open_Storage(path.c_str(), readOnly); });
     }
 }
 

@@ -35,8 +35,8 @@ private:
 
 inline std::wstring Widen(const std::string& text) {
     std::wstring wide(text.size(), L' ');
-    int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                                     static_cast<int>(wide.size()));
+    int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
+                                     wide.data(), static_cast<int>(wide.size()));
     wide.resize(length);
     return wide;
 }

@@ -63,10 +63,14 @@ TEST(StreamMemoryTest, AGrowingWriteKeepsTheStreamWhenMemoryIsShort) {
 TEST(StreamMemoryTest, EveryTypedWriteKeepsTheStreamWhenMemoryIsShort) {
     CQXVariant number(5), object(static_cast<IQXUnknown*>(nullptr));
     const std::function<void(IXStream*)> writes[] = {
-        [](IXStream* s) { s->WriteByte(1); },           [](IXStream* s) { s->WriteShort(1); },
-        [](IXStream* s) { s->WriteLong(1); },           [](IXStream* s) { s->WriteDouble(1); },
-        [](IXStream* s) { s->WriteString(""); },        [&](IXStream* s) { s->WriteVariant(&number); },
-        [&](IXStream* s) { s->WriteVariant(&object); }, [](IXStream* s) { WriteObjectToXStream(s, nullptr); },
+        [](IXStream* s) { s->WriteByte(1); },
+        [](IXStream* s) { s->WriteShort(1); },
+        [](IXStream* s) { s->WriteLong(1); },
+        [](IXStream* s) { s->WriteDouble(1); },
+        [](IXStream* s) { s->WriteString(""); },
+        [&](IXStream* s) { s->WriteVariant(&number); },
+        [&](IXStream* s) { s->WriteVariant(&object); },
+        [](IXStream* s) { WriteObjectToXStream(s, nullptr); },
     };
     // A full block, so that the first byte more needs another.
     auto full = [] {
@@ -122,10 +126,11 @@ TEST(StreamMemoryTest, SetDataKeepsTheOldBytesWhenMemoryIsShort) {
 }
 
 TEST(StreamMemoryTest, ANewStreamIsNullWhenMemoryIsShort) {
-    unsigned failures = FailEachAllocation([] { return 0; }, [](int) { Owned<IXStream> stream(new_StreamOnMemory()); },
-                                           [](int) {}, true);
-    failures +=
-        FailEachAllocation([] { return 0; }, [](int) { Owned<IXStream> stream(new_EmptyStream()); }, [](int) {}, true);
+    unsigned failures = FailEachAllocation(
+        [] { return 0; }, [](int) { Owned<IXStream> stream(new_StreamOnMemory()); }, [](int) {},
+        true);
+    failures += FailEachAllocation(
+        [] { return 0; }, [](int) { Owned<IXStream> stream(new_EmptyStream()); }, [](int) {}, true);
     EXPECT_EQ(failures, 2u);
     FailingAllocation failing(1);
     EXPECT_EQ(new_StreamOnMemory(), nullptr);
@@ -134,7 +139,8 @@ TEST(StreamMemoryTest, ANewStreamIsNullWhenMemoryIsShort) {
 TEST(StreamMemoryTest, AVariantReadWithoutMemoryLeavesNothingBehind) {
     char bytes[] = "bytes";
     tagQXBLOB blob = {5, bytes};
-    unsigned failures = FailEachAllocation([] { return With(CQXVariant("a text")); }, ReadOne, ReadOne);
+    unsigned failures =
+        FailEachAllocation([] { return With(CQXVariant("a text")); }, ReadOne, ReadOne);
     failures += FailEachAllocation([&] { return With(CQXVariant(blob)); }, ReadOne, ReadOne);
     EXPECT_GE(failures, 2u);
     auto withProxy = [] {
@@ -142,7 +148,8 @@ TEST(StreamMemoryTest, AVariantReadWithoutMemoryLeavesNothingBehind) {
         Fill(kind->stream, Bytes({18, 0}) + "Absent" + Bytes({0, 2, 0, 0, 0, 'a', 'b'}));
         return kind;
     };
-    EXPECT_GE(FailEachAllocation(withProxy, ReadOne, ReadOne), 3u);  // the proxy, its name, its bytes
+    EXPECT_GE(FailEachAllocation(withProxy, ReadOne, ReadOne),
+              3u);  // the proxy, its name, its bytes
 }
 
 TEST(StreamMemoryTest, AWrapperIsNullAndTakesNoReferenceWhenMemoryIsShort) {
@@ -157,13 +164,16 @@ TEST(StreamMemoryTest, AWrapperIsNullAndTakesNoReferenceWhenMemoryIsShort) {
 
 TEST(StorageMemoryTest, ElementsAreNullWhenMemoryIsShort) {
     unsigned failures = FailEachAllocation(
-        std::make_unique<Document>, [](auto& document) { Owned<IXStream> s(document->storage->OpenStream("one")); },
+        std::make_unique<Document>,
+        [](auto& document) { Owned<IXStream> s(document->storage->OpenStream("one")); },
         CheckDocument, true);
     failures += FailEachAllocation(
         std::make_unique<Document>,
-        [](auto& document) { Owned<IXStorage> s(document->storage->CreateStorage("child", 0)); }, CheckDocument, true);
+        [](auto& document) { Owned<IXStorage> s(document->storage->CreateStorage("child", 0)); },
+        CheckDocument, true);
     failures += FailEachAllocation(
-        std::make_unique<Document>, [](auto& document) { Owned<IXStorage> s(document->storage->OpenStorage("sub")); },
+        std::make_unique<Document>,
+        [](auto& document) { Owned<IXStorage> s(document->storage->OpenStorage("sub")); },
         CheckDocument, true);
     EXPECT_GE(failures, 3u);
 
@@ -175,17 +185,19 @@ TEST(StorageMemoryTest, ElementsAreNullWhenMemoryIsShort) {
 
 TEST(StorageMemoryTest, AnEnumerationWithoutMemoryThrows) {
     unsigned failures = FailEachAllocation(
-        std::make_unique<Document>, [](auto& document) { document->storage->EnumStreams()->Release(); }, CheckDocument);
+        std::make_unique<Document>,
+        [](auto& document) { document->storage->EnumStreams()->Release(); }, CheckDocument);
     EXPECT_GE(failures, 6u);  // the list, two nodes, two names, the enumerator
     failures = FailEachAllocation(
-        std::make_unique<Document>, [](auto& document) { document->storage->EnumStorages()->Release(); },
-        CheckDocument);
+        std::make_unique<Document>,
+        [](auto& document) { document->storage->EnumStorages()->Release(); }, CheckDocument);
     EXPECT_GE(failures, 4u);
 }
 
 TEST(StorageMemoryTest, ANewStorageWithoutMemoryIsNullOrThrows) {
     unsigned failures = FailEachAllocation(
-        [] { return 0; }, [](int) { Owned<IXStorage> storage(new_Storage(nullptr, 0)); }, [](int) {}, true);
+        [] { return 0; }, [](int) { Owned<IXStorage> storage(new_Storage(nullptr, 0)); },
+        [](int) {}, true);
     EXPECT_GE(failures, 1u);
 }
 
@@ -225,9 +237,9 @@ TEST(StorageMemoryTest, AForeignStorageIsNotReferencedWhenMemoryIsShort) {
 TEST_F(StorageTest, AFileIsFreeAgainAfterAFailedOpening) {
     std::string path = Path("a.stg");
     Owned<IXStorage>(new_Storage(path.c_str(), 0));
-    unsigned failures =
-        FailEachAllocation([] { return 0; }, [&](int) { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); },
-                           [&](int) { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); }, true);
+    unsigned failures = FailEachAllocation(
+        [] { return 0; }, [&](int) { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); },
+        [&](int) { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); }, true);
     EXPECT_GE(failures, 1u);
 }
 

@@ -45,7 +45,8 @@ TEST(StorageNameTest, RefusedNamesNeverReachThePlatform) {
     for (const char* name : kRefused) {
         EXPECT_EQ(fake.storage->CreateStream(name), nullptr);
         EXPECT_EQ(fake.storage->OpenStream(name), nullptr);
-        EXPECT_EQ(Thrown([&] { fake.storage->CreateStorage(name, 0); }), std::string("7 0 ") + name);
+        EXPECT_EQ(Thrown([&] { fake.storage->CreateStorage(name, 0); }),
+                  std::string("7 0 ") + name);
         EXPECT_EQ(Thrown([&] { fake.storage->OpenStorage(name); }), std::string("7 0 ") + name);
         EXPECT_EQ(Thrown([&] { fake.storage->DeleteStream(name); }), "7 4 ");
         EXPECT_EQ(fake.ole.lastName, L"");

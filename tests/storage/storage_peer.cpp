@@ -35,7 +35,8 @@ void WriteTree(const char* path) {
     IQXUnknown* found = nullptr;
     root->QueryInterface(qx_typeid<IQXProperty>(), &found);
     auto properties = static_cast<IQXProperty*>(found);
-    // Wine leaves the last text of a set unpadded, which gsf refuses; these two fill their last four bytes.
+    // Wine leaves the last text of a set unpadded, which gsf refuses; these two fill their last
+    // four bytes.
     CQXVariant title("A new title"), company("The company");
     properties->SetProperty("Title", title);
     properties->SetProperty("Company", company);

@@ -73,7 +73,8 @@ TEST_F(StorageTest, WhatWeWriteIsReadByThePlatform) {
     ASSERT_EQ(StgOpenStorage(Widen(path).c_str(), nullptr, kRead, nullptr, 0, &root.ole), S_OK);
     EXPECT_EQ(RawGet(root.ole, L"large"), std::string(70000, 'L'));
     ASSERT_EQ(root->OpenStorage(L"sub", nullptr, kRead, nullptr, 0, &child.ole), S_OK);
-    EXPECT_EQ(RawGet(child.ole, L"variant"), Bytes({5, 0, 42, 0, 0, 0, 10, 0, 3, 0, 0, 0, 'o', 'k', 0}));
+    EXPECT_EQ(RawGet(child.ole, L"variant"),
+              Bytes({5, 0, 42, 0, 0, 0, 10, 0, 3, 0, 0, 0, 'o', 'k', 0}));
 }
 
 TEST_F(StorageTest, TheStreamUnderAnElementIsThePlatforms) {

@@ -16,7 +16,8 @@ TEST(StreamSlotsTest, AStreamHasItsOperationsInOrder) {
     IXStream* s = kind.stream;
     EXPECT_EQ(Slot<unsigned(void*)>(s, 0)(s), 2u);  // AddRef
     EXPECT_EQ(Slot<unsigned(void*)>(s, 1)(s), 1u);  // Release
-    EXPECT_EQ(Slot<int(void*, qx_type_info const&, void**)>(s, 2)(s, qx_typeid<IXStream>(), nullptr), 1);
+    EXPECT_EQ(
+        Slot<int(void*, qx_type_info const&, void**)>(s, 2)(s, qx_typeid<IXStream>(), nullptr), 1);
 
     EXPECT_EQ(Slot<int(void*, const char*, int)>(s, 4)(s, "0123456789", 10), 10);  // Write
     EXPECT_EQ(Slot<int(void*, int, int)>(s, 5)(s, 4, 0), 4);                       // Seek
@@ -54,7 +55,8 @@ TEST(StreamSlotsTest, AMemoryBlockHasItsSixOperationsInOrder) {
     ASSERT_EQ(kind.stream->QueryInterface(qx_typeid<IMemBlock>(), &b), 1);
     EXPECT_EQ(Slot<unsigned(void*)>(b, 0)(b), 3u);
     EXPECT_EQ(Slot<unsigned(void*)>(b, 1)(b), 2u);
-    EXPECT_EQ(Slot<int(void*, qx_type_info const&, void**)>(b, 2)(b, qx_typeid<IMemBlock>(), nullptr), 1);
+    EXPECT_EQ(
+        Slot<int(void*, qx_type_info const&, void**)>(b, 2)(b, qx_typeid<IMemBlock>(), nullptr), 1);
     Slot<void(void*, const char*, unsigned)>(b, 5)(b, "abc", 3);  // SetData
     EXPECT_EQ(Slot<unsigned(void*)>(b, 3)(b), 3u);                // GetSize
     EXPECT_EQ(memcmp(Slot<void*(void*)>(b, 4)(b), "abc", 3), 0);  // GetData
@@ -66,7 +68,8 @@ TEST(StorageSlotsTest, AStorageHasItsOperationsInOrder) {
     IXStorage* s = storage;
     EXPECT_EQ(Slot<unsigned(void*)>(s, 0)(s), 2u);
     EXPECT_EQ(Slot<unsigned(void*)>(s, 1)(s), 1u);
-    EXPECT_EQ(Slot<int(void*, qx_type_info const&, void**)>(s, 2)(s, qx_typeid<IXStorage>(), nullptr), 1);
+    EXPECT_EQ(
+        Slot<int(void*, qx_type_info const&, void**)>(s, 2)(s, qx_typeid<IXStorage>(), nullptr), 1);
     Owned<IXStorage> child(Slot<IXStorage*(void*, const char*, int)>(s, 3)(s, "child", 0));
     EXPECT_EQ(Owned<IXStorage>(Slot<IXStorage*(void*)>(child, 6)(child)).Get(), s);  // GetParent
     child.Reset();
@@ -85,7 +88,8 @@ TEST(StorageSlotsTest, AStorageHasItsOperationsInOrder) {
     EXPECT_EQ(Names(s->EnumStreams()), List{"leaf"});
 }
 
-// Behind the interface stand the destructor, whose slots are the compiler's affair, and the template's three.
+// Behind the interface stand the destructor, whose slots are the compiler's affair, and the
+// template's three.
 TEST(StorageSlotsTest, RevertAndTheReservedOperationStandLast) {
 #if defined(_MSC_VER)
     constexpr int kDestructorSlots = 1;
@@ -107,7 +111,9 @@ TEST(PropertySlotsTest, PropertiesHaveTheirOperationsInOrder) {
     ASSERT_EQ(storage->QueryInterface(qx_typeid<IQXProperty>(), &p), 1);
     EXPECT_EQ(Slot<unsigned(void*)>(p, 0)(p), 2u);
     EXPECT_EQ(Slot<unsigned(void*)>(p, 1)(p), 1u);
-    EXPECT_EQ(Slot<int(void*, qx_type_info const&, void**)>(p, 2)(p, qx_typeid<IQXProperty>(), nullptr), 1);
+    EXPECT_EQ(
+        Slot<int(void*, qx_type_info const&, void**)>(p, 2)(p, qx_typeid<IQXProperty>(), nullptr),
+        1);
     CQXVariant text("T"), read;
     EXPECT_EQ(Slot<int(void*, const char*, CQXVariant&)>(p, 4)(p, "Title", text), 1);
     EXPECT_EQ(Slot<int(void*, const char*, CQXVariant*)>(p, 3)(p, "Title", &read), 1);

@@ -87,7 +87,8 @@ TEST_F(StorageTest, AChildOfATransactionReachesTheFileWhenBothClose) {
     std::string path = Path("t.stg");
     MakeFile(path);
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0)), child(storage->OpenStorage("child"));
+        Owned<IXStorage> storage(open_Storage(path.c_str(), 0)),
+            child(storage->OpenStorage("child"));
         PutStream(child, "leaf", "new leaf");
     }
     EXPECT_EQ(LeafInFile(path), "new leaf");
@@ -97,7 +98,8 @@ TEST_F(StorageTest, AChildRevertsAlone) {
     std::string path = Path("t.stg");
     MakeFile(path);
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0)), child(storage->OpenStorage("child"));
+        Owned<IXStorage> storage(open_Storage(path.c_str(), 0)),
+            child(storage->OpenStorage("child"));
         PutStream(child, "leaf", "new leaf");
         PutStream(storage, "one", "new");
         Revert(child);
@@ -131,7 +133,8 @@ TEST_F(StorageTest, ANewTransactedFileCommitsWhenItCloses) {
 
 TEST_F(StorageTest, TheReservedOperationAnswersZero) {
     Owned<IXStorage> storage(new_Storage(nullptr, 0));
-    EXPECT_EQ(static_cast<CStorage*>(storage.Get())->Reserved(nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(static_cast<CStorage*>(storage.Get())->Reserved(nullptr, nullptr, nullptr, nullptr),
+              0);
 }
 
 TEST_F(StorageTest, TheModesOfTheRootFollowTheBits) {
@@ -140,7 +143,8 @@ TEST_F(StorageTest, TheModesOfTheRootFollowTheBits) {
               DWORD(STGM_SHARE_EXCLUSIVE | STGM_READWRITE));
     EXPECT_EQ(RawMode(Owned<IXStorage>(new_Storage(path.c_str(), 2))) & ~STGM_CREATE,
               DWORD(STGM_SHARE_EXCLUSIVE | STGM_READWRITE | STGM_TRANSACTED));
-    EXPECT_EQ(RawMode(Owned<IXStorage>(open_Storage(path.c_str(), 1))), DWORD(STGM_SHARE_EXCLUSIVE | STGM_READ));
+    EXPECT_EQ(RawMode(Owned<IXStorage>(open_Storage(path.c_str(), 1))),
+              DWORD(STGM_SHARE_EXCLUSIVE | STGM_READ));
     EXPECT_EQ(RawMode(Owned<IXStorage>(open_Storage(path.c_str(), 0))),
               DWORD(STGM_SHARE_EXCLUSIVE | STGM_READWRITE | STGM_TRANSACTED));
 }
@@ -240,7 +244,9 @@ TEST(StorageLifeTest, AChildClosesBeforeItsParent) {
 TEST_F(StorageTest, AForeignStorageIsReferencedAndHasNoPath) {
     IStorage* ole = nullptr;
     std::wstring path = Widen(Path("raw.stg"));
-    ASSERT_EQ(StgCreateDocfile(path.c_str(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0, &ole), S_OK);
+    ASSERT_EQ(StgCreateDocfile(path.c_str(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
+                               &ole),
+              S_OK);
     {
         Owned<IXStorage> storage(new_StorageByOleStorage(ole));
         EXPECT_STREQ(storage->GetPath(), "");

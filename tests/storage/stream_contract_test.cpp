@@ -67,7 +67,8 @@ TYPED_TEST(KeepingStreamTest, NumbersTravelLittleEndianWithoutPadding) {
     stream->WriteShort(0x1234);
     stream->WriteLong(0x89ABCDEF);
     stream->WriteDouble(-2.5);  // 0xC004000000000000
-    EXPECT_EQ(BytesOf(stream), Bytes({0xFE, 0x34, 0x12, 0xEF, 0xCD, 0xAB, 0x89, 0, 0, 0, 0, 0, 0, 0x04, 0xC0}));
+    EXPECT_EQ(BytesOf(stream),
+              Bytes({0xFE, 0x34, 0x12, 0xEF, 0xCD, 0xAB, 0x89, 0, 0, 0, 0, 0, 0, 0x04, 0xC0}));
 }
 
 TYPED_TEST(KeepingStreamTest, NumbersComeBackAsTheyWentIn) {
@@ -221,7 +222,8 @@ TYPED_TEST(CountingStreamTest, AStringWithoutAnEndRaisesAtTheEndOfTheStream) {
 TYPED_TEST(CountingStreamTest, AnUnknownOriginIsBadUse) {
     this->stream->Write("abc", 3);
     for (int origin : {-1, 3, 100}) {
-        EXPECT_EQ(Thrown([&] { this->stream->Seek(0, origin); }), std::string("10 3 ") + TypeParam::kName);
+        EXPECT_EQ(Thrown([&] { this->stream->Seek(0, origin); }),
+                  std::string("10 3 ") + TypeParam::kName);
     }
     EXPECT_EQ(this->stream->Tell(), 3);
 }

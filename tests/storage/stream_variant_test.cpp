@@ -52,7 +52,8 @@ std::vector<Row> Rows() {
         {"empty", CQXVariant(), Bytes({0, 0, 0, 0, 0, 0})},
         {"bool", flag, Bytes({1, 0, 7, 0, 0, 0})},
         {"byte", CQXVariant(static_cast<unsigned char>(0xAB)), Bytes({2, 0, 0xAB})},
-        {"unsigned short", CQXVariant(static_cast<unsigned short>(0x1234)), Bytes({3, 0, 0x34, 0x12})},
+        {"unsigned short", CQXVariant(static_cast<unsigned short>(0x1234)),
+         Bytes({3, 0, 0x34, 0x12})},
         {"unsigned long", CQXVariant(0x89ABCDEFul), Bytes({4, 0, 0xEF, 0xCD, 0xAB, 0x89})},
         {"int", CQXVariant(-2), Bytes({5, 0, 0xFE, 0xFF, 0xFF, 0xFF})},
         {"unsigned int", CQXVariant(0x01020304u), Bytes({6, 0, 4, 3, 2, 1})},
@@ -62,10 +63,13 @@ std::vector<Row> Rows() {
         {"text", CQXVariant("ab"), Bytes({10, 0, 3, 0, 0, 0, 'a', 'b', 0})},
         {"empty text", CQXVariant(""), Bytes({10, 0, 1, 0, 0, 0, 0})},
         {"size", CQXVariant(size), Bytes({11, 0, 1, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF})},
-        {"real size", CQXVariant(realSize), Bytes({12, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0xC0})},
+        {"real size", CQXVariant(realSize),
+         Bytes({12, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0xC0})},
         {"point", CQXVariant(point), Bytes({13, 0, 3, 0, 0, 0, 4, 3, 2, 1})},
-        {"real point", CQXVariant(realPoint), Bytes({14, 0, 0, 0, 0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0x40})},
-        {"rectangle", CQXVariant(rect), Bytes({15, 0, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0})},
+        {"real point", CQXVariant(realPoint),
+         Bytes({14, 0, 0, 0, 0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0x40})},
+        {"rectangle", CQXVariant(rect),
+         Bytes({15, 0, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0})},
         {"real rectangle", CQXVariant(realRect),
          Bytes({16,   0, 0, 0, 0, 0, 0, 0,    0xF0, 0x3F, 0, 0, 0, 0, 0, 0,    0,
                 0x40, 0, 0, 0, 0, 0, 0, 0x10, 0x40, 0,    0, 0, 0, 0, 0, 0x20, 0x40})},
@@ -174,7 +178,8 @@ TYPED_TEST(StreamVariantTest, ANulInsideATextCutsItAndTheRestIsReadOver) {
 }
 
 TYPED_TEST(StreamVariantTest, ANullTextIsWrittenAsAnEmptyOne) {
-    EXPECT_EQ(this->Written(CQXVariant(static_cast<const char*>(nullptr))), Bytes({10, 0, 1, 0, 0, 0, 0}));
+    EXPECT_EQ(this->Written(CQXVariant(static_cast<const char*>(nullptr))),
+              Bytes({10, 0, 1, 0, 0, 0, 0}));
 }
 
 TYPED_TEST(StreamVariantTest, AnEmptyBlobIsReadWhole) {
@@ -256,7 +261,8 @@ TYPED_TEST(StreamVariantTest, ATagAbove18IsABadFormatAndLeavesTheTagAlone) {
         this->stream->Seek(0, 0);
         this->Put(Bytes({tag & 0xFF, tag >> 8, 1, 2, 3, 4}));
         CQXVariant variant("old");
-        EXPECT_EQ(Thrown([&] { this->stream->ReadVariant(&variant); }), std::string("15 1 ") + TypeParam::kName);
+        EXPECT_EQ(Thrown([&] { this->stream->ReadVariant(&variant); }),
+                  std::string("15 1 ") + TypeParam::kName);
         EXPECT_EQ(variant.type, tag);
         const tagQXVALUE zero = {};
         EXPECT_EQ(memcmp(&variant.value, &zero, sizeof zero), 0);
@@ -313,7 +319,8 @@ TYPED_TEST(StreamVariantTest, ALengthThatNoStreamCanHoldIsABadFormat) {
         this->stream->Seek(0, 0);
         this->Put(Bytes({tag, 0, 0, 0, 0, 0x80, 'a', 'b'}));
         CQXVariant variant;
-        EXPECT_EQ(Thrown([&] { this->stream->ReadVariant(&variant); }), std::string("15 1 ") + TypeParam::kName);
+        EXPECT_EQ(Thrown([&] { this->stream->ReadVariant(&variant); }),
+                  std::string("15 1 ") + TypeParam::kName);
     }
 }
 

@@ -44,8 +44,12 @@ const List kNames = {"App name", "Author",      "Category", "Comments", "Company
 // Property sets that fail as badly as they can.
 class ThrowingSets : public FakeObject<IPropertySetStorage> {
 public:
-    STDMETHOD(Open)(REFFMTID, DWORD, IPropertyStorage**) override { throw CXException(QXERR_DEVICE); }
-    STDMETHOD(Create)(REFFMTID, const CLSID*, DWORD, DWORD, IPropertyStorage**) override { return E_FAIL; }
+    STDMETHOD(Open)(REFFMTID, DWORD, IPropertyStorage**) override {
+        throw CXException(QXERR_DEVICE);
+    }
+    STDMETHOD(Create)(REFFMTID, const CLSID*, DWORD, DWORD, IPropertyStorage**) override {
+        return E_FAIL;
+    }
     STDMETHOD(Delete)(REFFMTID) override { return E_NOTIMPL; }
     STDMETHOD(Enum)(IEnumSTATPROPSETSTG**) override { return E_NOTIMPL; }
 };
@@ -92,16 +96,17 @@ struct RawSets {
         spec.propid = id;
         PROPVARIANT value = {};
         set->ReadMultiple(1, &spec, &value);
-        std::string text = value.vt == VT_LPSTR ? value.pszVal : "(type " + std::to_string(value.vt) + ")";
+        std::string text =
+            value.vt == VT_LPSTR ? value.pszVal : "(type " + std::to_string(value.vt) + ")";
         PropVariantClear(&value);
         set->Release();
         return text;
     }
     void WriteNumber(const FMTID& format, PROPID id, int number) {
         IPropertyStorage* set = nullptr;
-        ASSERT_EQ(
-            sets->Create(format, nullptr, PROPSETFLAG_ANSI, STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, &set),
-            S_OK);
+        ASSERT_EQ(sets->Create(format, nullptr, PROPSETFLAG_ANSI,
+                               STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, &set),
+                  S_OK);
         PROPSPEC spec = {};
         spec.ulKind = PRSPEC_PROPID;
         spec.propid = id;
@@ -156,7 +161,8 @@ TEST_F(SummaryInfoTest, EachNameLandsInItsSetUnderItsId) {
         EXPECT_EQ(Set(properties, row.name, text.c_str()), 1) << row.name;
         EXPECT_EQ(RawSets(storage).Read(*row.set, row.id), text);
     }
-    for (const NameRow& row : kRows) EXPECT_EQ(Get(properties, row.name), std::string("1 the ") + row.name);
+    for (const NameRow& row : kRows)
+        EXPECT_EQ(Get(properties, row.name), std::string("1 the ") + row.name);
 }
 
 TEST_F(SummaryInfoTest, ASecondTextReplacesTheFirst) {
@@ -196,7 +202,8 @@ TEST_F(SummaryInfoTest, ASetThatIsOpenElsewhereAnswersZero) {
     Set(properties, "Title", "T");
     RawSets raw(storage);
     IPropertyStorage* set = nullptr;
-    ASSERT_EQ(raw.sets->Open(FMTID_SummaryInformation, STGM_READ | STGM_SHARE_EXCLUSIVE, &set), S_OK);
+    ASSERT_EQ(raw.sets->Open(FMTID_SummaryInformation, STGM_READ | STGM_SHARE_EXCLUSIVE, &set),
+              S_OK);
     EXPECT_EQ(Get(properties, "Title"), "0 (unchanged)");
     set->Release();
     EXPECT_EQ(Get(properties, "Title"), "1 T");

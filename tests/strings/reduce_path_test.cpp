@@ -1,4 +1,5 @@
-// ReducePathString, by hand and beside a second implementation that follows the rule's steps one by one.
+// ReducePathString, by hand and beside a second implementation that follows the rule's steps one by
+// one.
 #include "strings/string_probe.h"
 
 #include <random>
@@ -21,7 +22,8 @@ TYPED_TEST(ReducePathTest, MiddleDirectoriesGoAndTheLimitIsAGoalOnly) {
 
 TYPED_TEST(ReducePathTest, DirectoriesGoFromTheLeftUntilTheTextFits) {
     // Without "bbb" 20 characters remain, with the dots 24.
-    EXPECT_EQ(this->Reduced("c:\\aaa\\bbb\\cc\\dd\\file.txt", 25), "c:\\aaa\\bbb\\cc\\dd\\file.txt");
+    EXPECT_EQ(this->Reduced("c:\\aaa\\bbb\\cc\\dd\\file.txt", 25),
+              "c:\\aaa\\bbb\\cc\\dd\\file.txt");
     EXPECT_EQ(this->Reduced("c:\\aaa\\bbb\\cc\\dd\\file.txt", 24), "c:\\aaa\\...\\dd\\file.txt");
     EXPECT_EQ(this->Reduced("c:\\aaa\\bbbbbb\\cc\\dd\\f.txt", 24), "c:\\aaa\\...\\cc\\dd\\f.txt");
 }
@@ -34,8 +36,8 @@ TYPED_TEST(ReducePathTest, ALimitThatIsNotBelowTheLengthChangesNothing) {
 }
 
 TYPED_TEST(ReducePathTest, PathsWithoutARootAreLeft) {
-    for (const char* path : {"relative\\dir\\file.txt", "c:relative\\dir\\file.txt", "c:/a/b/c/d.txt",
-                             "\\a\\b\\c\\d.txt", "/a/b/c", "c:", "x"}) {
+    for (const char* path : {"relative\\dir\\file.txt", "c:relative\\dir\\file.txt",
+                             "c:/a/b/c/d.txt", "\\a\\b\\c\\d.txt", "/a/b/c", "c:", "x"}) {
         EXPECT_EQ(this->Reduced(path, 0, 0), path);
     }
 }
@@ -45,7 +47,8 @@ TYPED_TEST(ReducePathTest, AServerWithoutAShareIsNoRoot) {
 }
 
 TYPED_TEST(ReducePathTest, NetworkPathsKeepTheServerAndTheShare) {
-    EXPECT_EQ(this->Reduced("\\\\server\\share\\aaaa\\bbbb\\f.txt", 20), "\\\\server\\share\\...\\f.txt");
+    EXPECT_EQ(this->Reduced("\\\\server\\share\\aaaa\\bbbb\\f.txt", 20),
+              "\\\\server\\share\\...\\f.txt");
     EXPECT_EQ(this->Reduced("\\\\server\\f.txt", 3), "\\\\server\\f.txt");
 }
 
@@ -54,7 +57,8 @@ TYPED_TEST(ReducePathTest, AFileInTheRootStays) {
 }
 
 TYPED_TEST(ReducePathTest, TheOnlyDirectoryIsReplaced) {
-    // It is the one before the last backslash, so it does not count as the first directory after the root.
+    // It is the one before the last backslash, so it does not count as the first directory after
+    // the root.
     EXPECT_EQ(this->Reduced("c:\\dir\\file.txt", 3), "c:\\...\\file.txt");
 }
 
@@ -123,15 +127,18 @@ int ReduceBySteps(Text& s, int maxLen) {
 
 // Names of 0 to 9 characters behind the different starts of a path.
 Text GeneratedPath(std::mt19937& random) {
-    static const char* const starts[] = {"c:\\", "\\\\srv\\", "\\\\", "", "c:", "/", "\\", "c:\\\\", "\\\\\\"};
+    static const char* const starts[] = {
+        "c:\\", "\\\\srv\\", "\\\\", "", "c:", "/", "\\", "c:\\\\", "\\\\\\"};
     static const int units[] = {'a', 'b', '.', ' ', '/', ':', 0x835C, 0x82A0, 0xB1};
     Text s;
     for (const char* p = starts[random() % std::size(starts)]; *p; ++p) s.push_back(*p);
     for (int names = static_cast<int>(random() % 7); names > 0; --names) {
-        for (int n = static_cast<int>(random() % 10); n > 0; --n) s.push_back(units[random() % std::size(units)]);
+        for (int n = static_cast<int>(random() % 10); n > 0; --n)
+            s.push_back(units[random() % std::size(units)]);
         s.push_back('\\');
     }
-    for (int n = static_cast<int>(random() % 10); n > 0; --n) s.push_back(units[random() % std::size(units)]);
+    for (int n = static_cast<int>(random() % 10); n > 0; --n)
+        s.push_back(units[random() % std::size(units)]);
     return s;
 }
 
@@ -181,8 +188,8 @@ TEST(ReducePathJapaneseTest, TheLimitCountsCharactersAndTrailBytesAreNoBackslash
     EXPECT_EQ(same.ReducePathString(15), 1);
     EXPECT_EQ(same.Compare(s), 0);
     EXPECT_EQ(s.ReducePathString(14), 1);
-    // tail is 4, so the limit stays; without the three characters and their backslash 11 remain, and 4 more are too
-    // many; without the next directory 9 remain.
+    // tail is 4, so the limit stays; without the three characters and their backslash 11 remain,
+    // and 4 more are too many; without the next directory 9 remain.
     CXString expected = CXString("c:\\") + kSo + kSo + "\\...\\" + kU + ".x";
     EXPECT_STREQ(s, expected);
 }

@@ -244,7 +244,8 @@ TEST(StringAccessNarrowTest, ComparisonsAreTheRuntimes) {
                 auto x = reinterpret_cast<const unsigned char*>(a);
                 auto y = reinterpret_cast<const unsigned char*>(b);
                 CXString s(a);
-                SCOPED_TRACE(testing::PrintToString(a) + testing::PrintToString(b) + std::to_string(number));
+                SCOPED_TRACE(testing::PrintToString(a) + testing::PrintToString(b) +
+                             std::to_string(number));
                 EXPECT_EQ(s.Compare(b), _mbscmp(x, y));
                 EXPECT_EQ(s.CompareI(b), _mbsicmp(x, y));
                 EXPECT_EQ(s.CompareN(b, 1), _mbsncmp(x, y, 1));
@@ -353,7 +354,8 @@ TEST_F(StringAccessJapaneseTest, SetsHoldWholeCharacters) {
     EXPECT_EQ(s.FindRevOnOf(CXString(kA) + "y"), 2);
     EXPECT_EQ(s.FindOnOf(CXString("z") + kHalfA), 4);
     EXPECT_EQ(s.FindRevOnOf("x"), 0);
-    // A set of the lead byte's character alone does not match another character with that lead byte.
+    // A set of the lead byte's character alone does not match another character with that lead
+    // byte.
     EXPECT_EQ(CXString(kA).FindOnOf(kI), -1);
     EXPECT_EQ(CXString(kA).FindRevOnOf(kI), -1);
 }

@@ -1,5 +1,5 @@
-// Strings where the system's code page has double-byte characters: conversions and resources, which go through it, and
-// the runtime's code page, which is then the same one without being set.
+// Strings where the system's code page has double-byte characters: conversions and resources, which
+// go through it, and the runtime's code page, which is then the same one without being set.
 #include "strings/string_probe.h"
 
 namespace {

@@ -176,7 +176,8 @@ TYPED_TEST(StringFormatTest, UnknownTypesTakeNothingAndCountNothing) {
     EXPECT_EQ(this->Sized("%k"), 0);
     EXPECT_EQ(this->Sized("%k%hs", "abc"), 3);
     EXPECT_EQ(this->Sized("%hk%lk"), 0);
-    EXPECT_EQ(this->Sized("%F%d", 5), 1);  // F is skipped, the second percent sign is the type, d is text
+    EXPECT_EQ(this->Sized("%F%d", 5),
+              1);  // F is skipped, the second percent sign is the type, d is text
 }
 
 TYPED_TEST(StringFormatTest, AnUnfinishedDirectiveEndsTheWalk) {
@@ -285,7 +286,8 @@ TEST(StringFormatNarrowTest, BytesAboveAsciiPassInEachCodePage) {
         std::string text = std::string("\xE4") + kSo + kA;
         CXString s;
         s.Format((text + "|%s|%7s|%.3s|%c").c_str(), text.c_str(), kSo, text.c_str(), 0xB1);
-        EXPECT_EQ(std::string(s), text + "|" + text + "|     " + kSo + "|" + text.substr(0, 3) + "|\xB1");
+        EXPECT_EQ(std::string(s),
+                  text + "|" + text + "|     " + kSo + "|" + text.substr(0, 3) + "|\xB1");
         EXPECT_EQ(Probe().Sized("%s", text.c_str()), 5);
     }
 }

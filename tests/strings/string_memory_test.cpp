@@ -1,5 +1,5 @@
-// What the strings do when memory runs out in the middle of an operation: the text before or after it stays, valid
-// and not locked, a string that shared it keeps its own, and nothing is lost.
+// What the strings do when memory runs out in the middle of an operation: the text before or after
+// it stays, valid and not locked, a string that shared it keeps its own, and nothing is lost.
 #include "strings/string_probe.h"
 #include "support/allocation_failure.h"
 
@@ -18,7 +18,8 @@ protected:
     static std::basic_string<Ch> T(const char* text) { return {text, text + strlen(text)}; }
     static std::basic_string<Ch> TextOf(const S& s) { return s.GetData(0); }
 
-    // Each allocation of the operation fails once, on a string that shares its text with another one.
+    // Each allocation of the operation fails once, on a string that shares its text with another
+    // one.
     void ExpectSafe(const char* text, Operation operation, unsigned allocations) {
         std::basic_string<Ch> before = T(text), after;
         {
@@ -62,9 +63,9 @@ TYPED_TEST_SUITE(StringMemoryTest, Classes);
 
 TYPED_TEST(StringMemoryTest, MakingAStringFromATextTakesOneBlock) {
     auto text = this->T("some text");
-    unsigned failures =
-        FailEachAllocation([] { return TypeParam(); }, [&](TypeParam& s) { s = TypeParam(text.c_str()); },
-                           [](TypeParam& s) { EXPECT_EQ(s.GetLength(), 0); });
+    unsigned failures = FailEachAllocation([] { return TypeParam(); },
+                                           [&](TypeParam& s) { s = TypeParam(text.c_str()); },
+                                           [](TypeParam& s) { EXPECT_EQ(s.GetLength(), 0); });
     EXPECT_EQ(failures, 1u);
 }
 
@@ -89,7 +90,8 @@ TYPED_TEST(StringMemoryTest, CopyingALockedStringTakesABlockAndLeavesItLocked) {
         TypeParam source, target;
     };
     auto make = [this] {
-        auto strings = std::make_unique<Locked>(Locked{TypeParam(TEXT_OF("locked")), TypeParam(TEXT_OF("old"))});
+        auto strings = std::make_unique<Locked>(
+            Locked{TypeParam(TEXT_OF("locked")), TypeParam(TEXT_OF("old"))});
         strings->source.GetBuffer(6);
         return strings;
     };
@@ -117,8 +119,10 @@ TYPED_TEST(StringMemoryTest, ReadingTakesNoBlock) {
             s.Copy(buf), s.Copy(buf, 3), s.CopyFit(buf, 3);
             s.Compare(other.c_str()), s.CompareI(other.c_str());
             s.CompareN(other.c_str(), 3), s.CompareIN(other.c_str(), 3);
-            s.Find(set.c_str()), s.Find(L'd'), s.FindOnOf(set.c_str()), s.FindRev(L'd'), s.FindRevOnOf(set.c_str());
-            s.GetFilePath(buf), s.GetFileName(buf), s.GetFileExt(buf), s.GetFileName(), s.GetFileExt();
+            s.Find(set.c_str()), s.Find(L'd'), s.FindOnOf(set.c_str()), s.FindRev(L'd'),
+                s.FindRevOnOf(set.c_str());
+            s.GetFilePath(buf), s.GetFileName(buf), s.GetFileExt(buf), s.GetFileName(),
+                s.GetFileExt();
             s.FreeExtra(), s.CharToOemA(), s.OemToCharA(), s.ReleaseBuffer();
         },
         [](TypeParam&) { FAIL(); });
@@ -204,7 +208,9 @@ TYPED_TEST(StringMemoryTest, TrimmingAndCaseKeepTheText) {
 }
 
 TYPED_TEST(StringMemoryTest, LoadingKeepsTheTextAtEachTry) {
-    auto load = [](unsigned id) { return [id](TypeParam& s) { s.Load(GetModuleHandleA(nullptr), id); }; };
+    auto load = [](unsigned id) {
+        return [id](TypeParam& s) { s.Load(GetModuleHandleA(nullptr), id); };
+    };
     this->ExpectSafe("old", load(1), 1);
     this->ExpectSafe("old", load(600), 3);
 }
@@ -243,12 +249,13 @@ TYPED_TEST(StringMemoryTest, ValuesMadeFromAStringThrowAndLeaveIt) {
     };
     for (auto& make : makers) {
         SCOPED_TRACE(&make - makers);
-        unsigned failures = FailEachAllocation([&] { return S(TEXT_OF("c:\\dir\\file.txt")); }, [&](S& s) { make(s); },
-                                               [&](S& s) {
-                                                   EXPECT_TRUE(this->TextOf(s) == this->T("c:\\dir\\file.txt"));
-                                                   EXPECT_EQ(RefsOf(s), 1);
-                                                   EXPECT_GT(make(s).GetLength(), 0);
-                                               });
+        unsigned failures = FailEachAllocation(
+            [&] { return S(TEXT_OF("c:\\dir\\file.txt")); }, [&](S& s) { make(s); },
+            [&](S& s) {
+                EXPECT_TRUE(this->TextOf(s) == this->T("c:\\dir\\file.txt"));
+                EXPECT_EQ(RefsOf(s), 1);
+                EXPECT_GT(make(s).GetLength(), 0);
+            });
         EXPECT_EQ(failures, 1u);
     }
 }
@@ -287,33 +294,37 @@ TYPED_TEST(StringMemoryTest, TheOperationsOfTheClassItselfLeaveAValidString) {
     };
     for (auto& operation : operations) {
         SCOPED_TRACE(&operation - operations);
-        unsigned failures =
-            FailEachAllocation([&] { return P(TEXT_OF("abc")); }, operation,
-                               [&](P& s) {
-                                   EXPECT_TRUE(this->TextOf(s) == this->T("abc") || this->TextOf(s).empty());
-                                   EXPECT_TRUE(RefsOf(s) == 1 || s.data == TypeParam().GetData(0));
-                                   operation(s);
-                                   EXPECT_EQ(RefsOf(s), 1);
-                               });
+        unsigned failures = FailEachAllocation(
+            [&] { return P(TEXT_OF("abc")); }, operation,
+            [&](P& s) {
+                EXPECT_TRUE(this->TextOf(s) == this->T("abc") || this->TextOf(s).empty());
+                EXPECT_TRUE(RefsOf(s) == 1 || s.data == TypeParam().GetData(0));
+                operation(s);
+                EXPECT_EQ(RefsOf(s), 1);
+            });
         EXPECT_EQ(failures, 1u);
     }
 }
 
 TEST(StringConversionMemoryTest, ConvertingBetweenTheKindsLeavesAValidString) {
-    unsigned narrow = FailEachAllocation([] { return CXString("old"); }, [](CXString& s) { s = L"new text"; },
-                                         [](CXString& s) {
-                                             s = L"again";
-                                             EXPECT_STREQ(s, "again");
-                                         });
-    unsigned wide = FailEachAllocation([] { return CXStringW(L"old"); }, [](CXStringW& s) { s = "new text"; },
-                                       [](CXStringW& s) {
-                                           s = "again";
-                                           EXPECT_STREQ(s, L"again");
-                                       });
+    unsigned narrow =
+        FailEachAllocation([] { return CXString("old"); }, [](CXString& s) { s = L"new text"; },
+                           [](CXString& s) {
+                               s = L"again";
+                               EXPECT_STREQ(s, "again");
+                           });
+    unsigned wide =
+        FailEachAllocation([] { return CXStringW(L"old"); }, [](CXStringW& s) { s = "new text"; },
+                           [](CXStringW& s) {
+                               s = "again";
+                               EXPECT_STREQ(s, L"again");
+                           });
     EXPECT_EQ(narrow, 1u);
     EXPECT_EQ(wide, 1u);
-    EXPECT_EQ(FailEachAllocation([] { return 0; }, [](int) { CXString made(L"text"); }, [](int) {}), 1u);
-    EXPECT_EQ(FailEachAllocation([] { return 0; }, [](int) { CXStringW made("text"); }, [](int) {}), 1u);
+    EXPECT_EQ(FailEachAllocation([] { return 0; }, [](int) { CXString made(L"text"); }, [](int) {}),
+              1u);
+    EXPECT_EQ(FailEachAllocation([] { return 0; }, [](int) { CXStringW made("text"); }, [](int) {}),
+              1u);
 }
 
 // The runtime must not read on behind such a text, so the whole characters are compared in a copy.

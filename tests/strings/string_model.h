@@ -18,7 +18,9 @@ struct SingleByteText {
 struct DoubleByteText {
     using String = CXString;
     static constexpr int kCodePage = 932;
-    static std::vector<std::string> Special() { return {kA, kI, kSo, kAa, kHalfA, "\x81\x40", "\x83\x61"}; }
+    static std::vector<std::string> Special() {
+        return {kA, kI, kSo, kAa, kHalfA, "\x81\x40", "\x83\x61"};
+    }
 };
 struct WideText {
     using String = CXStringW;
@@ -76,7 +78,8 @@ public:
     bool Has(const Text& character) const {
         return std::find(characters.begin(), characters.end(), character) != characters.end();
     }
-    // The index from `start` on at which the other text stands. An empty one stands everywhere, the end included.
+    // The index from `start` on at which the other text stands. An empty one stands everywhere, the
+    // end included.
     int Find(const TextModel& what, int start) const {
         if (!Length()) return -1;
         for (int i = std::max(start, 0); i + what.Length() <= Length(); ++i) {
@@ -87,7 +90,8 @@ public:
 
     // What the interfaces take for a character.
     static wchar_t Value(const Text& character) {
-        if (character.size() == 2) return static_cast<wchar_t>(Byte(character[0]) << 8 | Byte(character[1]));
+        if (character.size() == 2)
+            return static_cast<wchar_t>(Byte(character[0]) << 8 | Byte(character[1]));
         return sizeof(Unit) == 1 ? Byte(character[0]) : static_cast<wchar_t>(character[0]);
     }
 
@@ -105,7 +109,9 @@ public:
     using S = Kind::String;
     using Model = TextModel<S>;
 
-    int Number(int least, int most) { return least + static_cast<int>(random() % (most - least + 1)); }
+    int Number(int least, int most) {
+        return least + static_cast<int>(random() % (most - least + 1));
+    }
     // Up to `most` characters: those of an ASCII alphabet, and every third a special one.
     Model Any(int most, const char* alphabet) {
         typename Model::Characters characters;

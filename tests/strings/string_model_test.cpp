@@ -1,5 +1,6 @@
-// Every member beside a second implementation over lists of whole characters, on generated texts of each kind. What
-// changes a string is tried on one that is alone, on one that shares its text, and on one that is locked.
+// Every member beside a second implementation over lists of whole characters, on generated texts of
+// each kind. What changes a string is tried on one that is alone, on one that shares its text, and
+// on one that is locked.
 #include "strings/string_model.h"
 
 #include <cctype>
@@ -35,8 +36,9 @@ struct StringModelTest : testing::Test {
             int n = c.text.Length();
             c.pos = generator.Number(-2, n + 2);
             c.count = generator.Number(-n - 2, n + 2);
-            SCOPED_TRACE(testing::Message() << "case " << i << ": " << testing::PrintToString(c.Whole()) << ", "
-                                            << testing::PrintToString(c.Piece()) << ", " << c.pos << ", " << c.count);
+            SCOPED_TRACE(testing::Message()
+                         << "case " << i << ": " << testing::PrintToString(c.Whole()) << ", "
+                         << testing::PrintToString(c.Piece()) << ", " << c.pos << ", " << c.count);
             check(c);
         }
     }
@@ -92,12 +94,16 @@ TYPED_TEST(StringModelTest, CopiesHoldWholeCharacters) {
         };
         EXPECT_EQ(copied([&](Unit* buf) { return s.Copy(buf); }, s.GetSize()), c.Whole());
         auto part = c.text.Part(0, c.count < 0 ? c.text.Length() : c.count);
-        EXPECT_EQ(copied([&](Unit* buf) { return s.Copy(buf, c.count); }, static_cast<int>(part.size())), part);
+        EXPECT_EQ(
+            copied([&](Unit* buf) { return s.Copy(buf, c.count); }, static_cast<int>(part.size())),
+            part);
         for (int room = 1; room < s.GetSize() + 3; ++room) {
             int fits = 0;
             while (fits < c.text.Length() && c.text.Units(0, fits + 1) < room) ++fits;
             part = c.text.Part(0, fits);
-            EXPECT_EQ(copied([&](Unit* buf) { return s.CopyFit(buf, room); }, static_cast<int>(part.size())), part);
+            EXPECT_EQ(copied([&](Unit* buf) { return s.CopyFit(buf, room); },
+                             static_cast<int>(part.size())),
+                      part);
         }
     });
 }
@@ -149,7 +155,8 @@ TYPED_TEST(StringModelTest, InsertPutsWholeCharactersBetweenOthers) {
         EXPECT_EQ(TestFixture::Changed(c.Whole(), [&](auto& s) { s.Insert(c.pos, piece.c_str()); }),
                   before + piece + after);
         for (auto& character : c.piece) {
-            EXPECT_EQ(TestFixture::Changed(c.Whole(), [&](auto& s) { s.Insert(c.pos, c.text.Value(character)); }),
+            EXPECT_EQ(TestFixture::Changed(
+                          c.Whole(), [&](auto& s) { s.Insert(c.pos, c.text.Value(character)); }),
                       before + character + after);
         }
     });
@@ -158,17 +165,23 @@ TYPED_TEST(StringModelTest, InsertPutsWholeCharactersBetweenOthers) {
 TYPED_TEST(StringModelTest, RangesAreClampedAndTakeWholeCharacters) {
     using S = TestFixture::S;
     this->ForCases([](auto& c) {
-        auto before = c.text.Part(0, c.RangeFrom()), range = c.text.Part(c.RangeFrom(), c.RangeTo()),
-             after = c.text.From(c.RangeTo());
+        auto before = c.text.Part(0, c.RangeFrom()),
+             range = c.text.Part(c.RangeFrom(), c.RangeTo()), after = c.text.From(c.RangeTo());
         auto whole = c.Whole(), piece = c.Piece();
-        EXPECT_EQ(TestFixture::Changed(whole, [&](S& s) { s.Delete(c.pos, c.count); }), before + after);
-        EXPECT_EQ(TestFixture::Changed(whole, [&](S& s) { s.Replace(c.pos, c.count, piece.c_str()); }),
-                  range.empty() || piece.empty() ? whole : before + piece + after);
+        EXPECT_EQ(TestFixture::Changed(whole, [&](S& s) { s.Delete(c.pos, c.count); }),
+                  before + after);
+        EXPECT_EQ(
+            TestFixture::Changed(whole, [&](S& s) { s.Replace(c.pos, c.count, piece.c_str()); }),
+            range.empty() || piece.empty() ? whole : before + piece + after);
         int size = static_cast<int>(range.size());
-        EXPECT_EQ(TestFixture::Changed(whole, [&](S& s) { EXPECT_EQ(s.Extract(c.pos, c.count), size); }), range);
-        EXPECT_EQ(TestFixture::Changed(piece,
-                                       [&](S& out) { EXPECT_EQ(S(whole.c_str()).Extract(c.pos, c.count, out), size); }),
-                  range);
+        EXPECT_EQ(
+            TestFixture::Changed(whole, [&](S& s) { EXPECT_EQ(s.Extract(c.pos, c.count), size); }),
+            range);
+        EXPECT_EQ(
+            TestFixture::Changed(
+                piece,
+                [&](S& out) { EXPECT_EQ(S(whole.c_str()).Extract(c.pos, c.count, out), size); }),
+            range);
     });
 }
 
@@ -180,9 +193,14 @@ TYPED_TEST(StringModelTest, FindReplaceReplacesTheFirstOccurrence) {
         Text replacements[] = {Text(), this->Changed(find, [](S& s) { s.Upper(); }), Text(5, '-')};
         for (auto& replacement : replacements) {
             int at = c.piece.Length() ? c.text.Find(c.piece, 0) : -1;
-            Text expected = at < 0 ? whole : c.text.Part(0, at) + replacement + c.text.From(at + c.piece.Length());
-            EXPECT_EQ(this->Changed(
-                          whole, [&](S& s) { EXPECT_EQ(s.FindReplace(find.c_str(), replacement.c_str()), at >= 0); }),
+            Text expected =
+                at < 0 ? whole
+                       : c.text.Part(0, at) + replacement + c.text.From(at + c.piece.Length());
+            EXPECT_EQ(this->Changed(whole,
+                                    [&](S& s) {
+                                        EXPECT_EQ(s.FindReplace(find.c_str(), replacement.c_str()),
+                                                  at >= 0);
+                                    }),
                       expected);
         }
     });
@@ -217,7 +235,8 @@ TYPED_TEST(StringModelTest, TrimmingTakesSingleUnitsOfWhiteSpace) {
         auto stays = [&](int i) {
             Unit unit = c.text[i][0];
             if (c.text[i].size() == 2) return true;
-            return sizeof(Unit) == 1 ? !isspace(static_cast<unsigned char>(unit)) : !iswspace(unit & 0xFF);
+            return sizeof(Unit) == 1 ? !isspace(static_cast<unsigned char>(unit))
+                                     : !iswspace(unit & 0xFF);
         };
         int first = c.text.First(0, stays), last = c.text.Last(stays);
         EXPECT_EQ(this->Changed(c.Whole(), [](S& s) { s.TrimLeft(); }),

@@ -62,12 +62,16 @@ TYPED_TEST(StringPathTest, PartsComeFromTheLastDelimiters) {
             EXPECT_EQ(this->Part(path, &S::GetFilePath, size), row.directory);
         }
         EXPECT_EQ(Ascii(path.FilePath()), row.directory ? row.directory : "");
-        EXPECT_EQ(this->Part(path, static_cast<int (S::*)(UnitOf<S>*) const>(&S::GetFileName), nameSize), row.name);
+        EXPECT_EQ(
+            this->Part(path, static_cast<int (S::*)(UnitOf<S>*) const>(&S::GetFileName), nameSize),
+            row.name);
         EXPECT_EQ(path.GetFileName(), path.GetData(0) + strlen(row.path) - strlen(row.nameWithExt));
         EXPECT_EQ(Ascii(path.FileName()), row.nameWithExt);
         if (row.ext) {
             int size = static_cast<int>(strlen(row.ext));
-            EXPECT_EQ(this->Part(path, static_cast<int (S::*)(UnitOf<S>*) const>(&S::GetFileExt), size), row.ext);
+            EXPECT_EQ(
+                this->Part(path, static_cast<int (S::*)(UnitOf<S>*) const>(&S::GetFileExt), size),
+                row.ext);
             EXPECT_EQ(path.GetFileExt(), path.GetData(0) + strlen(row.path) - size);
         } else {
             EXPECT_EQ(path.GetFileExt(), nullptr);

@@ -1,4 +1,5 @@
-// What the string tests share: strings with their protected members opened, and literals for both classes.
+// What the string tests share: strings with their protected members opened, and literals for both
+// classes.
 #ifndef QXCORE_TESTS_STRING_PROBE_H
 #define QXCORE_TESTS_STRING_PROBE_H
 
@@ -64,7 +65,8 @@ std::basic_string<UnitOf<S>> Units(const char* ascii) {
     return {ascii, ascii + strlen(ascii)};
 }
 
-// A string's text as bytes, so that both classes compare with one literal. REQUIRES: the text is ASCII.
+// A string's text as bytes, so that both classes compare with one literal. REQUIRES: the text is
+// ASCII.
 template <class S>
 std::string Ascii(const S& s) {
     std::string text;

@@ -1,5 +1,5 @@
-// Texts at every place of a sixteen-byte block and right before a page that may not be read: what the operations find,
-// and that they look at nothing behind the terminator's page.
+// Texts at every place of a sixteen-byte block and right before a page that may not be read: what
+// the operations find, and that they look at nothing behind the terminator's page.
 #include "strings/string_probe.h"
 
 #include <algorithm>
@@ -10,14 +10,16 @@ namespace {
 // Two pages, the second of which faults.
 class PageEnd {
 public:
-    PageEnd() : pages(static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_NOACCESS))) {
+    PageEnd()
+        : pages(static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_NOACCESS))) {
         VirtualAlloc(pages, kPage, MEM_COMMIT, PAGE_READWRITE);
     }
     ~PageEnd() { VirtualFree(pages, 0, MEM_RELEASE); }
     PageEnd(const PageEnd&) = delete;
     PageEnd& operator=(const PageEnd&) = delete;
 
-    // The text with its terminator, `gap` units before the end of the page; the units before it are no terminators.
+    // The text with its terminator, `gap` units before the end of the page; the units before it are
+    // no terminators.
     template <class Ch>
     const Ch* Put(const std::basic_string<Ch>& text, size_t gap) {
         Ch* end = reinterpret_cast<Ch*>(pages + kPage);
@@ -39,7 +41,8 @@ constexpr size_t kGaps = 17;
 template <class S>
 std::basic_string<UnitOf<S>> DistinctUnits(size_t n) {
     std::basic_string<UnitOf<S>> text;
-    for (size_t i = 0; i < n; ++i) text += static_cast<UnitOf<S>>(i < 26 ? 'a' + i : 'A' + (i - 26));
+    for (size_t i = 0; i < n; ++i)
+        text += static_cast<UnitOf<S>>(i < 26 ? 'a' + i : 'A' + (i - 26));
     return text;
 }
 
@@ -49,7 +52,8 @@ template <class S>
 struct StringScanTest : BothStrings<S> {
     using Text = std::basic_string<UnitOf<S>>;
 
-    // Calls with a string whose own text stands before the page's end, for each length from `shortest` on.
+    // Calls with a string whose own text stands before the page's end, for each length from
+    // `shortest` on.
     void ForEachPlace(size_t shortest, std::function<void(const S&, const Text&)> check) {
         PageEnd page;
         for (size_t n = shortest; n <= kLongest; ++n) {
@@ -65,7 +69,8 @@ struct StringScanTest : BothStrings<S> {
     }
 
     // The same for a text that is an argument.
-    void ForEachArgument(size_t shortest, std::function<void(const UnitOf<S>*, const Text&)> check) {
+    void ForEachArgument(size_t shortest,
+                         std::function<void(const UnitOf<S>*, const Text&)> check) {
         ForEachPlace(shortest, [&](const S& s, const Text& text) { check(s.GetData(0), text); });
     }
 };
@@ -76,7 +81,8 @@ TYPED_TEST(StringScanTest, LengthsEndAtTheTerminator) {
         int n = static_cast<int>(text.size());
         EXPECT_EQ(s.GetLength(), n);
         EXPECT_EQ(s.GetSize(), n);
-        for (int part : {0, 1, n / 2, n, n + 1, 99}) EXPECT_EQ(s.GetSize(part), std::min(part, n)) << part;
+        for (int part : {0, 1, n / 2, n, n + 1, 99})
+            EXPECT_EQ(s.GetSize(part), std::min(part, n)) << part;
     });
 }
 
@@ -105,7 +111,8 @@ TYPED_TEST(StringScanTest, ATextAtThePagesEndIsFoundInAnother) {
         int n = static_cast<int>(text.size());
         EXPECT_EQ(TypeParam((text + text).c_str()).Find(what, 1), n);
         EXPECT_EQ(TypeParam((text.substr(0, n - 1) + text).c_str()).Find(what), n - 1);
-        EXPECT_EQ(TypeParam((text.substr(0, n - 1) + UnitOf<TypeParam>('#')).c_str()).Find(what), -1);
+        EXPECT_EQ(TypeParam((text.substr(0, n - 1) + UnitOf<TypeParam>('#')).c_str()).Find(what),
+                  -1);
         EXPECT_EQ(this->T("-").FindOnOf(what), -1);
     });
 }
@@ -129,7 +136,8 @@ TEST(StringScanNarrowTest, OneByteAboveAsciiIsSeenAtEachPlace) {
     CodePage page(932);
     for (size_t n = 0; n <= kLongest; ++n) {
         for (size_t at = 0; at <= n; ++at) {
-            CXString s = CXString(std::string(at, 'x').c_str()) + kSo + std::string(n - at, 'y').c_str() + "\\";
+            CXString s = CXString(std::string(at, 'x').c_str()) + kSo +
+                         std::string(n - at, 'y').c_str() + "\\";
             ASSERT_EQ(s.GetLength(), static_cast<int>(n) + 2) << n << " " << at;
             ASSERT_EQ(s.Find(L'\\'), static_cast<int>(n) + 1) << n << " " << at;
             ASSERT_EQ(s.FindRev(L'\\'), static_cast<int>(n) + 1) << n << " " << at;

@@ -390,7 +390,8 @@ TYPED_TEST(StringSharingTest, FreeExtraAndTheOemConversionsDoNothing) {
 TEST(StringConversionTest, NarrowComesFromWideInTheAnsiCodePage) {
     const wchar_t wide[] = L"caf\u00E9 \u4E2D";
     char expected[32];
-    ASSERT_GT(WideCharToMultiByte(CP_ACP, 0, wide, -1, expected, sizeof expected, nullptr, nullptr), 0);
+    ASSERT_GT(WideCharToMultiByte(CP_ACP, 0, wide, -1, expected, sizeof expected, nullptr, nullptr),
+              0);
     EXPECT_STREQ(CXString(wide), expected);
     CXString assigned("old");
     assigned = wide;

@@ -53,8 +53,8 @@ BOOL WINAPI CountedHeapFree(HANDLE heap, DWORD flags, void* block) {
     return realHeapFree(heap, flags, block);
 }
 
-// The guard-page heap takes the record of a heap in one go; for each block it reserves a region, then commits it. On
-// freeing a block it decommits.
+// The guard-page heap takes the record of a heap in one go; for each block it reserves a region,
+// then commits it. On freeing a block it decommits.
 void* WINAPI CountedVirtualAlloc(void* address, SIZE_T size, DWORD type, DWORD protection) {
     if (!address && FailsNow(type == MEM_RESERVE ? Memory::heaps : Memory::runtime)) return nullptr;
     void* region = realVirtualAlloc(address, size, type, protection);

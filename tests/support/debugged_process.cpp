@@ -17,8 +17,8 @@ DebuggedRun RunDebugged(std::string commandLine) {
     STARTUPINFOA start = {};
     start.cb = sizeof start;
     PROCESS_INFORMATION process;
-    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, DEBUG_ONLY_THIS_PROCESS, nullptr, nullptr,
-                        &start, &process)) {
+    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE,
+                        DEBUG_ONLY_THIS_PROCESS, nullptr, nullptr, &start, &process)) {
         return run;
     }
     run.started = true;
@@ -28,7 +28,8 @@ DebuggedRun RunDebugged(std::string commandLine) {
         if (event.dwDebugEventCode == OUTPUT_DEBUG_STRING_EVENT) {
             run.output += TextOf(process.hProcess, event.u.DebugString);
         } else if (event.dwDebugEventCode == EXCEPTION_DEBUG_EVENT) {
-            bool breakpoint = event.u.Exception.ExceptionRecord.ExceptionCode == EXCEPTION_BREAKPOINT;
+            bool breakpoint =
+                event.u.Exception.ExceptionRecord.ExceptionCode == EXCEPTION_BREAKPOINT;
             if (!breakpoint) answer = DBG_EXCEPTION_NOT_HANDLED;
         }
         bool ended = event.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT;

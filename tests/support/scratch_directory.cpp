@@ -36,7 +36,8 @@ ScratchDirectory::ScratchDirectory() {
     for (unsigned number = GetTickCount();; ++number) {
         m_path = std::string(temp) + "qxtest" + std::to_string(number % 1000000);
         if (CreateDirectoryA(m_path.c_str(), nullptr)) return;
-        if (GetLastError() != ERROR_ALREADY_EXISTS) throw std::runtime_error("cannot make " + m_path);
+        if (GetLastError() != ERROR_ALREADY_EXISTS)
+            throw std::runtime_error("cannot make " + m_path);
     }
 }
 
@@ -52,7 +53,8 @@ ScratchDirectory::~ScratchDirectory() {
 std::string ScratchDirectory::Write(const std::string& name, const std::string& bytes) const {
     std::string path = PathOf(name);
     FILE* file = fopen(path.c_str(), "wb");
-    if (!file || fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size()) throw std::runtime_error(path);
+    if (!file || fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size())
+        throw std::runtime_error(path);
     fclose(file);
     return path;
 }

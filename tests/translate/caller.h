@@ -19,7 +19,8 @@ inline std::string ModuleFolder() {
 class CallerModule {
 public:
     explicit CallerModule(const char* file = "caller.dll") {
-        handle = LoadLibraryExA((ModuleFolder() + file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+        handle =
+            LoadLibraryExA((ModuleFolder() + file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
         EXPECT_NE(handle, nullptr) << file;
     }
     ~CallerModule() {
@@ -43,7 +44,8 @@ private:
 // The module's own call of a function: CALL(caller, LoadStringA)(...).
 #define CALL(caller, function) (caller).Find<decltype(function)>("Call" #function)
 
-// The translations that one test needs, taken back at its end. The dialog font is off unless the test sets it.
+// The translations that one test needs, taken back at its end. The dialog font is off unless the
+// test sets it.
 class DictionaryTest : public testing::Test {
 protected:
     void SetUp() override {

@@ -96,7 +96,8 @@ TEST(ContextKeyTest, HashLowersAsciiLettersAndNothingElse) {
 }
 
 TEST(ContextKeyTest, HashOfADialogDisregardsTheCaseOfItsModule) {
-    EXPECT_EQ(HashResourceKey("view.dll#1#settings\xFD\xFD"), HashResourceKey("VIEW.DLL#1#Settings\xFD\xFD"));
+    EXPECT_EQ(HashResourceKey("view.dll#1#settings\xFD\xFD"),
+              HashResourceKey("VIEW.DLL#1#Settings\xFD\xFD"));
 }
 
 TEST(ContextKeyTest, HashWrapsAround32Bits) {
@@ -119,7 +120,8 @@ TEST_F(InContext, EntryOfThePlaceWinsOverThePlainOne) {
     EnterAt(kKey, "Open", "here");
     EXPECT_STREQ("here", TranslateInContext("Open", kKey));
     EXPECT_STREQ("plain", TranslateInContext("Open", "view.dll#1#131\xFD\xFD"));
-    EXPECT_STREQ("plain", TranslateInContext("Open", "View.dll#1#130\xFD\xFD")) << "text keys depend on case";
+    EXPECT_STREQ("plain", TranslateInContext("Open", "View.dll#1#130\xFD\xFD"))
+        << "text keys depend on case";
 }
 
 TEST_F(InContext, EntryOfAPlaceIsFoundAsOneText) {
@@ -178,7 +180,8 @@ TEST_F(InContext, StringsOfOneBlockShareItsKey) {
     for (unsigned id : {15u, 16u, 20u, 31u, 32u}) {
         char key[300];
         MakeResourceKey(view.Handle(), (id >> 4) + 1, key, QXKEY_STRINGS);
-        EXPECT_STREQ(id >= 16 && id < 32 ? "in block 2" : "plain", TranslateInContext("Open", key)) << id;
+        EXPECT_STREQ(id >= 16 && id < 32 ? "in block 2" : "plain", TranslateInContext("Open", key))
+            << id;
     }
 }
 
@@ -192,7 +195,8 @@ TEST_F(InContext, ManyThreadsTranslateWhileNobodyAdds) {
         threads.emplace_back([&] {
             for (int round = 0; round < 20000; ++round) {
                 char buffer[16] = "Open";
-                wrong += TranslateBufferInContext(buffer, sizeof buffer, kKey, 0) != 4 || strcmp(buffer, "here") != 0;
+                wrong += TranslateBufferInContext(buffer, sizeof buffer, kKey, 0) != 4 ||
+                         strcmp(buffer, "here") != 0;
                 wrong += strcmp(TranslateInContext("Open", "view.dll#1#131\xFD\xFD"), "plain") != 0;
                 wrong += strcmp(TranslateInContext("Close", kKey), "Zu") != 0;
             }

@@ -167,7 +167,8 @@ TEST(DialogFontTest, AFullNameIsRefinedToItsFaceWhenThatHasTheScript) {
 }
 
 TEST(DialogFontTest, TheFaceFoundOverwritesAFamilyNameInAnotherSpelling) {
-    // Families are found without regard to case, but the full name must hold the wanted name as it is spelled.
+    // Families are found without regard to case, but the full name must hold the wanted name as it
+    // is spelled.
     Installed installed = SomeFontWithAScript();
     if (installed.script < 0) GTEST_SKIP() << "no installed font has a script of its own";
     std::string lower = installed.family;
@@ -196,6 +197,7 @@ TEST(DialogFontTest, AThousandChangesKeepOneFont) {
     CWld dictionary;
     dictionary.SetDialogFont(0, 10, "Tahoma");
     size_t before = GdiRoom();
-    for (int i = 0; i < 1000; ++i) dictionary.SetDialogFont(i % 2 ? kRussian : 0, 8 + i % 9, "Tahoma");
+    for (int i = 0; i < 1000; ++i)
+        dictionary.SetDialogFont(i % 2 ? kRussian : 0, 8 + i % 9, "Tahoma");
     EXPECT_GT(GdiRoom() + 10, before);
 }

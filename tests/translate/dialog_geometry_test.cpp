@@ -54,7 +54,8 @@ TEST_P(DialogGeometryTest, EachEdgeOfAControlMovesByItsOwnDelta) {
 TEST_P(DialogGeometryTest, NegativePositionsAndDeltasKeepTheirSign) {
     geometry->m_Rects.SetAt(1, CIRect{-10, -20, -30, -40});
     DialogModel source = Positioned();
-    source.controls[1].x = -5, source.controls[1].y = -6, source.controls[1].cx = 100, source.controls[1].cy = 200;
+    source.controls[1].x = -5, source.controls[1].y = -6, source.controls[1].cx = 100,
+    source.controls[1].cy = 200;
     Translated result = TranslatePosition(source, kHash);
     ASSERT_TRUE(result.model);
     const ControlModel& c = result.model->controls[1];

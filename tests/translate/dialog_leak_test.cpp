@@ -1,4 +1,5 @@
-// What stays behind after ten thousand dialogs: one template for each modeless one, and nothing else.
+// What stays behind after ten thousand dialogs: one template for each modeless one, and nothing
+// else.
 #include "support/allocation_failure.h"
 #include "support/import_slot.h"
 #include "translate/caller.h"
@@ -60,7 +61,8 @@ protected:
         g_Wld.m_bDialogFont = 1;
         _InitResTranslation(caller);
         Teach("Open", "Auf");
-        parent = CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+        parent =
+            CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
         dialog = static_cast<const DLGTEMPLATE*>(
             LoadResource(caller, FindResourceA(caller, MAKEINTRESOURCEA(240), RT_DIALOG)));
     }
@@ -71,7 +73,8 @@ protected:
     // One of each kind, for what the system and the library make once.
     void WarmUp() {
         CALL(caller, DialogBoxIndirectParamA)(caller, dialog, parent, EndAtOnce, 0);
-        DestroyWindow(CALL(caller, CreateDialogParamA)(caller, MAKEINTRESOURCEA(240), parent, EndAtOnce, 0));
+        DestroyWindow(
+            CALL(caller, CreateDialogParamA)(caller, MAKEINTRESOURCEA(240), parent, EndAtOnce, 0));
     }
     // Runs `act` kDialogs times and answers how many blocks of the runtime are left over.
     template <class Act>
@@ -100,10 +103,14 @@ TEST_F(DialogLeakTest, ModalDialogsLeaveNothing) {
 
 TEST_F(DialogLeakTest, ModelessDialogsLeaveTheirTemplates) {
     auto create = CALL(caller, CreateDialogIndirectParamA);
-    EXPECT_EQ(LeftOver([&] { DestroyWindow(create(caller, dialog, parent, EndAtOnce, 0)); }), kDialogs);
+    EXPECT_EQ(LeftOver([&] { DestroyWindow(create(caller, dialog, parent, EndAtOnce, 0)); }),
+              kDialogs);
 }
 
 TEST_F(DialogLeakTest, DialogsFromResourcesShareOneTemplate) {
     auto create = CALL(caller, CreateDialogParamA);
-    EXPECT_EQ(LeftOver([&] { DestroyWindow(create(caller, MAKEINTRESOURCEA(240), parent, EndAtOnce, 0)); }), 0);
+    EXPECT_EQ(LeftOver([&] {
+                  DestroyWindow(create(caller, MAKEINTRESOURCEA(240), parent, EndAtOnce, 0));
+              }),
+              0);
 }

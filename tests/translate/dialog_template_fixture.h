@@ -72,7 +72,8 @@ inline DialogModel FullDialog(bool extended) {
     d.caption = L"Open";
     d.font = FontModel{9, 0, 0, L"Tahoma"};
     if (extended) d.font->weight = 700, d.font->italicAndCharset = 0x0101;
-    d.controls = {Control(kStatic, L"Name:", 10), Control(kEdit, L"Name:", 11), Control(kButton, L"Close", 12)};
+    d.controls = {Control(kStatic, L"Name:", 10), Control(kEdit, L"Name:", 11),
+                  Control(kButton, L"Close", 12)};
     d.controls[0].creation = {1, 2, 3, 4};
     d.controls[1].x = -5;
     d.controls[2].style = 0x50010001;

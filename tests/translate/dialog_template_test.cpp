@@ -42,7 +42,8 @@ TEST_P(DialogTemplateTest, ADictionaryWithoutAMatchStillMakesANewBlock) {
 
 TEST_P(DialogTemplateTest, EveryKindOfMenuAndClassFieldIsCopied) {
     for (const FieldModel& menu : {FieldModel(), FieldModel(L"Open"), FieldModel::Number(7)}) {
-        for (const FieldModel& windowClass : {FieldModel(), FieldModel(L"Close"), FieldModel::Number(0x8002)}) {
+        for (const FieldModel& windowClass :
+             {FieldModel(), FieldModel(L"Close"), FieldModel::Number(0x8002)}) {
             DialogModel d = Small();
             d.menu = menu;
             d.windowClass = windowClass;
@@ -133,7 +134,8 @@ TEST_P(DialogTemplateTest, CreationDataOfEveryLengthIsCopiedAndTheNextControlIsA
     DialogModel d = Small();
     for (uint8_t length = 0; length < 10; ++length) {
         d.controls.push_back(Control(kButton, L"Close", length));
-        for (uint8_t i = 0; i < length; ++i) d.controls.back().creation.push_back(static_cast<uint8_t>(0xF0 + i));
+        for (uint8_t i = 0; i < length; ++i)
+            d.controls.back().creation.push_back(static_cast<uint8_t>(0xF0 + i));
     }
     Translated result = Translate(d);
     d.count = 10;
@@ -143,7 +145,8 @@ TEST_P(DialogTemplateTest, CreationDataOfEveryLengthIsCopiedAndTheNextControlIsA
 }
 
 TEST_P(DialogTemplateTest, ATemplateInOddMemoryIsAlignedAsAnAddress) {
-    // The input's controls stand where addresses are multiples of 4, which its own bytes do not tell.
+    // The input's controls stand where addresses are multiples of 4, which its own bytes do not
+    // tell.
     DialogModel d = Small();
     d.controls = {Control(kButton, L"Close"), Control(kStatic, L"Name:")};
     std::vector<uint8_t> sound = WriteTemplate(d);
@@ -326,7 +329,8 @@ TEST(DialogTemplateSystemTest, TheSystemRefusesATemplateThatCountsMoreThanItHold
     Translated result = Translate(d);
     ASSERT_TRUE(result.block);
     auto proc = [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return 0; };
-    EXPECT_EQ(CreateDialogIndirectParamA(nullptr, reinterpret_cast<DLGTEMPLATE*>(result.block.get()), nullptr, proc, 0),
+    EXPECT_EQ(CreateDialogIndirectParamA(
+                  nullptr, reinterpret_cast<DLGTEMPLATE*>(result.block.get()), nullptr, proc, 0),
               nullptr);
     g_Wld.m_bDialogFont = font;
 }

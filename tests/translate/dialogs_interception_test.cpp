@@ -17,10 +17,12 @@ std::string TextOf(HWND window) {
     return text;
 }
 
-// Control 10 is a label and 12 a button in all dialogs here. A modal dialog ends with 42 before it is seen.
+// Control 10 is a label and 12 a button in all dialogs here. A modal dialog ends with 42 before it
+// is seen.
 INT_PTR CALLBACK ReadDialog(HWND dialog, UINT message, WPARAM, LPARAM param) {
     if (message != WM_INITDIALOG) return FALSE;
-    g_shown = {TextOf(dialog), TextOf(GetDlgItem(dialog, 10)), TextOf(GetDlgItem(dialog, 12)), param};
+    g_shown = {TextOf(dialog), TextOf(GetDlgItem(dialog, 10)), TextOf(GetDlgItem(dialog, 12)),
+               param};
     EndDialog(dialog, 42);
     return TRUE;
 }
@@ -40,7 +42,8 @@ protected:
     const char* Name() const { return MAKEINTRESOURCEA(GetParam()); }
     const wchar_t* WideName() const { return MAKEINTRESOURCEW(GetParam()); }
     const DLGTEMPLATE* Template() const {
-        return static_cast<const DLGTEMPLATE*>(LoadResource(caller, FindResourceA(caller, Name(), RT_DIALOG)));
+        return static_cast<const DLGTEMPLATE*>(
+            LoadResource(caller, FindResourceA(caller, Name(), RT_DIALOG)));
     }
     static void ExpectGerman() {
         EXPECT_EQ(g_shown.caption,
@@ -103,10 +106,12 @@ TEST_P(DialogsInterceptionTest, ADialogFromATemplateIsTranslated) {
 }
 
 TEST_P(DialogsInterceptionTest, AModalDialogFromATemplateIsTranslated) {
-    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99), 42);
+    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99),
+              42);
     ExpectGerman();
     g_shown = {};
-    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamW)(caller, Template(), nullptr, ReadDialog, 99), 42);
+    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamW)(caller, Template(), nullptr, ReadDialog, 99),
+              42);
     ExpectGerman();
 }
 
@@ -120,13 +125,17 @@ TEST_P(DialogsInterceptionTest, TheSwitchTurnsTranslationOff) {
     ExpectEnglish();
     EXPECT_EQ(CALL(caller, DialogBoxParamW)(caller, WideName(), nullptr, ReadDialog, 99), 42);
     ExpectEnglish();
-    DestroyWindow(CALL(caller, CreateDialogIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99));
+    DestroyWindow(
+        CALL(caller, CreateDialogIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99));
     ExpectEnglish();
-    DestroyWindow(CALL(caller, CreateDialogIndirectParamW)(caller, Template(), nullptr, ReadDialog, 99));
+    DestroyWindow(
+        CALL(caller, CreateDialogIndirectParamW)(caller, Template(), nullptr, ReadDialog, 99));
     ExpectEnglish();
-    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99), 42);
+    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99),
+              42);
     ExpectEnglish();
-    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamW)(caller, Template(), nullptr, ReadDialog, 99), 42);
+    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamW)(caller, Template(), nullptr, ReadDialog, 99),
+              42);
     ExpectEnglish();
 }
 
@@ -136,7 +145,8 @@ TEST_P(DialogsInterceptionTest, ADialogComesUpInTheDictionarysFont) {
     g_Wld.m_bDialogFont = 1;
     strcpy(g_Wld.m_szFontName, "Courier New");
     g_Wld.m_nFontSize = 13;
-    Window dialog{CALL(caller, CreateDialogIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99)};
+    Window dialog{
+        CALL(caller, CreateDialogIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99)};
     LOGFONTA font = {};
     auto used = reinterpret_cast<HFONT>(SendMessageA(dialog, WM_GETFONT, 0, 0));
     ASSERT_NE(GetObjectA(used, sizeof font, &font), 0);
@@ -153,7 +163,8 @@ TEST_P(DialogsInterceptionTest, ADialogComesUpInTheDictionarysFont) {
 TEST_P(DialogsInterceptionTest, ADialogFromATemplateHasNoContext) {
     std::string key = "caller.dll#1#" + std::to_string(GetParam()) + "\xFD\xFD";
     Teach(key + "Open", "in its context");
-    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99), 42);
+    EXPECT_EQ(CALL(caller, DialogBoxIndirectParamA)(caller, Template(), nullptr, ReadDialog, 99),
+              42);
     EXPECT_EQ(g_shown.caption,
               "\xD6"
               "ffnen");
@@ -164,7 +175,8 @@ INSTANTIATE_TEST_SUITE_P(Missing, MissingDialogTest, testing::Values(9999));
 
 TEST_P(MissingDialogTest, AMissingDialogAnswers0WhereTheSystemAnswersMinus1) {
     EXPECT_EQ(CALL(caller, CreateDialogParamA)(caller, Name(), nullptr, ReadDialog, 0), nullptr);
-    EXPECT_EQ(CALL(caller, CreateDialogParamW)(caller, WideName(), nullptr, ReadDialog, 0), nullptr);
+    EXPECT_EQ(CALL(caller, CreateDialogParamW)(caller, WideName(), nullptr, ReadDialog, 0),
+              nullptr);
     EXPECT_EQ(CALL(caller, DialogBoxParamA)(caller, Name(), nullptr, ReadDialog, 0), 0);
     EXPECT_EQ(CALL(caller, DialogBoxParamW)(caller, WideName(), nullptr, ReadDialog, 0), 0);
     Supp_SetTranslationEnable(0);

@@ -198,14 +198,17 @@ TEST(DictionaryFileTest, EscapesOfKeyAndValue) {
     struct {
         const char* written;
         const char* text;
-    } const rows[] = {{"a\\nb", "a\nb"},     {"a\\rb", "a\rb"},        {"a\\tb", "a\tb"},      {"a\\xb", "a\\xb"},
-                      {"a\\\"b", "a\\\"b"},  {"a\\\\nb", "a\nb"},      {"a\\\\xb", "a\\xb"},   {"a\\\\\\\\tb", "a\tb"},
-                      {"ab\\", "ab"},        {"ab\\\\\\", "ab"},       {"\\n", "\n"},          {"\\", ""},
-                      {"a\\ b", "a\\ b"},    {"\\n\\r\\t", "\n\r\t"},  {"a\\0b", "a\\0b"},     {"a\\Nb", "a\\Nb"},
-                      {"\\xn\\n", "\\xn\n"}, {"C:\\\\dir", "C:\\dir"}, {"C:\\temp", "C:\temp"}};
+    } const rows[] = {{"a\\nb", "a\nb"},      {"a\\rb", "a\rb"},       {"a\\tb", "a\tb"},
+                      {"a\\xb", "a\\xb"},     {"a\\\"b", "a\\\"b"},    {"a\\\\nb", "a\nb"},
+                      {"a\\\\xb", "a\\xb"},   {"a\\\\\\\\tb", "a\tb"}, {"ab\\", "ab"},
+                      {"ab\\\\\\", "ab"},     {"\\n", "\n"},           {"\\", ""},
+                      {"a\\ b", "a\\ b"},     {"\\n\\r\\t", "\n\r\t"}, {"a\\0b", "a\\0b"},
+                      {"a\\Nb", "a\\Nb"},     {"\\xn\\n", "\\xn\n"},   {"C:\\\\dir", "C:\\dir"},
+                      {"C:\\temp", "C:\temp"}};
     for (auto& row : rows) {
         FileDictionary d;
-        d.Init("\"k\"\n\"" + std::string(row.written) + "\"\n\"#" + row.written + "\"\n\"found\"\n");
+        d.Init("\"k\"\n\"" + std::string(row.written) + "\"\n\"#" + row.written +
+               "\"\n\"found\"\n");
         EXPECT_STREQ(row.text, (*d.dictionary.m_Contexts.Find("k"))->target) << row.written;
         EXPECT_EQ("found", d[("#" + std::string(row.text)).c_str()]) << row.written;
     }
@@ -372,8 +375,8 @@ protected:
 
 TEST_F(BadInput, LineOf100000BytesIsReadIn8192ByteLines) {
     ReadBehindAPair("\"" + std::string(100000, 'k') + "\"\n\"Value\"\n\"Next\"\n\"N\"\n");
-    // The terminator behind the full buffer is taken for the closing quote, and the rest of the line has no quote
-    // in front.
+    // The terminator behind the full buffer is taken for the closing quote, and the rest of the
+    // line has no quote in front.
     EXPECT_EQ("Value", d[std::string(8191, 'k').c_str()]);
     EXPECT_EQ("N", d["Next"]);
 }
@@ -383,8 +386,9 @@ TEST_F(BadInput, LinesAroundTheBuffersSize) {
         FileDictionary one;
         one.Init("\"" + std::string(size - 2, 'k') + "\"\n\"Value\"\n");
         std::string text(size - 2, 'k'), value = "Value";
-        // Where the terminator takes the line feed's place, the closing quote stays; of longer lines the first 8192
-        // bytes count. A line that just fills the buffer leaves a lone line feed as the next one, so it has no value.
+        // Where the terminator takes the line feed's place, the closing quote stays; of longer
+        // lines the first 8192 bytes count. A line that just fills the buffer leaves a lone line
+        // feed as the next one, so it has no value.
         if (size == 8191 || size == 8192) text += '"';
         if (size == 8192) value = "(null)";
         if (size > 8192) text = std::string(8191, 'k');
@@ -426,7 +430,8 @@ TEST_F(BadInput, RandomBytesOfTheFormatsOwnAreSurvived) {
     constexpr char kBytes[] = "\"\"\"\"\n\n\r\\\\ nrt;\x81\x83\xFD#aA\t\0";
     std::string bytes(kManyEntries < 20000 ? 80'000 : 10'000'000, 0);
     for (auto& byte : bytes) byte = kBytes[random() % (sizeof kBytes - 1)];
-    for (size_t at = bytes.find("\n\n"); at != std::string::npos; at = bytes.find("\n\n", at)) bytes[at] = '\r';
+    for (size_t at = bytes.find("\n\n"); at != std::string::npos; at = bytes.find("\n\n", at))
+        bytes[at] = '\r';
     bytes[0] = ';';
     ReadBehindAPair(bytes);
     EXPECT_GT(d.Entries(), 300u);
@@ -434,7 +439,8 @@ TEST_F(BadInput, RandomBytesOfTheFormatsOwnAreSurvived) {
 
 TEST(DictionaryFileTest, ReadingSurvivesEveryFailingAllocation) {
     ScratchDirectory directory;
-    std::string path = directory.Write("a.wld", "\"Open\"\n\"Auf\"\n\"Close\\n\"\n\"Zu\\t\"\n\"Save\"\n\"Sichern\"\n");
+    std::string path = directory.Write(
+        "a.wld", "\"Open\"\n\"Auf\"\n\"Close\\n\"\n\"Zu\\t\"\n\"Save\"\n\"Sichern\"\n");
     auto make = [] { return std::make_unique<CWld>(); };
     auto read = [&](auto& d) { d->Init(path.c_str()); };
     auto isUsable = [&](auto& d) {

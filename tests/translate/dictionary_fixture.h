@@ -12,8 +12,8 @@
 // Texts with these bytes behind the number belong to a place.
 inline constexpr char kKeyEnd[] = "\xFD\xFD";
 
-// So many entries make a large dictionary. With a guard-page heap each of their blocks takes mappings of the system,
-// which has some 65,000.
+// So many entries make a large dictionary. With a guard-page heap each of their blocks takes
+// mappings of the system, which has some 65,000.
 #if defined(QXCORE_GUARD_HEAP)
 inline constexpr int kManyEntries = 2000;
 #else

@@ -1,4 +1,5 @@
-// The font settings of a dictionary file. What the font itself is checked for belongs to the tests of dialog fonts.
+// The font settings of a dictionary file. What the font itself is checked for belongs to the tests
+// of dialog fonts.
 #include "translate/dictionary_fixture.h"
 
 #include <cstring>
@@ -22,8 +23,8 @@ private:
 
 TEST_F(FontSettings, ThreeSettingsMakeTheFont) {
     HFONT before = d.m_hFont;
-    EXPECT_EQ(1,
-              Add("\"DialogFontName\"\n\"No Such Face\"\n\"DialogFontScript\"\n\"0\"\n\"DialogFontSize\"\n\"12\"\n"));
+    EXPECT_EQ(1, Add("\"DialogFontName\"\n\"No Such "
+                     "Face\"\n\"DialogFontScript\"\n\"0\"\n\"DialogFontSize\"\n\"12\"\n"));
     EXPECT_STREQ("No Such Face", d.m_szFontName);
     EXPECT_EQ(0, d.m_nFontScript);
     EXPECT_EQ(12, d.m_nFontSize);
@@ -34,7 +35,8 @@ TEST_F(FontSettings, ThreeSettingsMakeTheFont) {
 }
 
 TEST_F(FontSettings, SettingsMayStandBetweenTextsInAnyOrder) {
-    Add("\"DialogFontSize\"\n\"9\"\n\"Open\"\n\"Auf\"\n\"DialogFontScript\"\n\"0\"\n\"Close\"\n\"Zu\"\n"
+    Add("\"DialogFontSize\"\n\"9\"\n\"Open\"\n\"Auf\"\n\"DialogFontScript\"\n\"0\"\n\"Close\"\n\"Zu"
+        "\"\n"
         "\"DialogFontName\"\n\"Face\"\n");
     EXPECT_STREQ("Face", d.m_szFontName);
     EXPECT_EQ(9, d.m_nFontSize);
@@ -57,7 +59,8 @@ TEST_F(FontSettings, SettingsOfSeveralFilesAreNotAddedUp) {
 }
 
 TEST_F(FontSettings, OneSettingWrittenThreeTimesCountsAsThree) {
-    Add("\"DialogFontName\"\n\"One\"\n\"DialogFontName\"\n\"Two\"\n\"DialogFontName\"\n\"Three\"\n");
+    Add("\"DialogFontName\"\n\"One\"\n\"DialogFontName\"\n\"Two\"\n\"DialogFontName\"\n\"Three\""
+        "\n");
     EXPECT_STREQ("Three", d.m_szFontName);
     EXPECT_EQ(8, d.m_nFontSize) << "the missing size is 0 and is raised to 8";
     EXPECT_EQ(0, d.m_nFontScript);
@@ -76,7 +79,8 @@ TEST_F(FontSettings, SettingWithoutAValueRepeatsTheLastValue) {
 }
 
 TEST_F(FontSettings, NumbersAreReadAsFarAsTheyGo) {
-    Add("\"DialogFontName\"\n\"Face\"\n\"DialogFontScript\"\n\"none\"\n\"DialogFontSize\"\n\" 12pt\"\n");
+    Add("\"DialogFontName\"\n\"Face\"\n\"DialogFontScript\"\n\"none\"\n\"DialogFontSize\"\n\" "
+        "12pt\"\n");
     EXPECT_EQ(12, d.m_nFontSize);
     EXPECT_EQ(0, d.m_nFontScript);
 }

@@ -14,7 +14,8 @@ namespace {
 class TestStorage {
 public:
     TestStorage()
-        : m_storage(new_Storage(nullptr, 0)), m_ole(static_cast<IStorage*>(Storage_GetOLEStorage(m_storage))) {}
+        : m_storage(new_Storage(nullptr, 0)),
+          m_ole(static_cast<IStorage*>(Storage_GetOLEStorage(m_storage))) {}
     TestStorage(const TestStorage&) = delete;
     TestStorage& operator=(const TestStorage&) = delete;
     ~TestStorage() {
@@ -27,7 +28,8 @@ public:
     // The bytes of a stream; "(none)" when it is missing.
     std::string Bytes(const wchar_t* name) const {
         IStream* stream = nullptr;
-        if (FAILED(m_ole->OpenStream(name, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0, &stream))) return "(none)";
+        if (FAILED(m_ole->OpenStream(name, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0, &stream)))
+            return "(none)";
         std::string bytes(100000, 0);
         ULONG read = 0;
         stream->Read(bytes.data(), static_cast<ULONG>(bytes.size()), &read);
@@ -36,7 +38,9 @@ public:
     }
     void Write(const wchar_t* name, const std::string& bytes) const {
         IStream* stream = nullptr;
-        ASSERT_EQ(S_OK, m_ole->CreateStream(name, STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0, 0, &stream));
+        ASSERT_EQ(S_OK,
+                  m_ole->CreateStream(name, STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
+                                      0, &stream));
         stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
         stream->Release();
     }
@@ -50,7 +54,9 @@ private:
 class LimitedStorage : public CQXUnknownImpl<IXStorage> {
 public:
     LimitedStorage(IXStorage* storage, int streams) : m_storage(storage), m_streams(streams) {}
-    IXStream* CreateStream(const char* name) override { return m_streams-- ? m_storage->CreateStream(name) : nullptr; }
+    IXStream* CreateStream(const char* name) override {
+        return m_streams-- ? m_storage->CreateStream(name) : nullptr;
+    }
 
     IXStorage* CreateStorage(const char*, int) override { return nullptr; }
     IXStorage* OpenStorage(const char*) override { return nullptr; }
@@ -146,7 +152,8 @@ TEST(DictionaryStorageTest, EmptyTextsAreWrittenWithTheirNul) {
     CWld d;
     Enter(d, "", "");
     d.Save(storage.Get());
-    EXPECT_EQ(Long(1) + std::string(1, 0) + Long(1) + std::string(1, 0) + Long(1), storage.Bytes(L"C0"));
+    EXPECT_EQ(Long(1) + std::string(1, 0) + Long(1) + std::string(1, 0) + Long(1),
+              storage.Bytes(L"C0"));
 }
 
 TEST(DictionaryStorageTest, CountOfAnEntryIsStoredAndRestored) {
@@ -268,7 +275,9 @@ TEST(DictionaryStorageTest, TextsBeyond1023BytesAreRestoredWhole) {
     CWld restored;
     restored.Restore(storage.Get());
     for (size_t size : {1022u, 1023u, 1024u, 1025u, 2047u, 2048u, 5000u}) {
-        EXPECT_EQ(std::string(size, 't'), Shown(restored.Translate(std::string(size, 's').c_str(), 1))) << size;
+        EXPECT_EQ(std::string(size, 't'),
+                  Shown(restored.Translate(std::string(size, 's').c_str(), 1)))
+            << size;
     }
 }
 
@@ -379,7 +388,8 @@ TEST(DictionaryStorageTest, SaveOverAnOlderOneReplacesItsStreamsAndLeavesTheRest
 
 TEST(DictionaryStorageTest, NumberCutOffByTheEndCountsAsFarAsItGoes) {
     TestStorage storage;
-    storage.Write(L"ContextHeader", Long(1) + Text("Arial") + Long(0) + Long(0x01020304).substr(0, 2));
+    storage.Write(L"ContextHeader",
+                  Long(1) + Text("Arial") + Long(0) + Long(0x01020304).substr(0, 2));
     storage.Write(L"C0", Text("Open") + Text("Auf") + "\5");
     CWld d;
     d.Restore(storage.Get());
@@ -412,7 +422,8 @@ TEST(DictionaryStorageTest, SaveSurvivesEveryFailingAllocation) {
         EXPECT_EQ(Entry("\2", "second"), subject->storage.Bytes(L"C1"));
         EXPECT_EQ(Header(2, "Arial", 0, 8), subject->storage.Bytes(L"ContextHeader"));
     };
-    EXPECT_GE(FailEachAllocation(make, save, isUsable), 3u) << "a stream an entry and one for the header";
+    EXPECT_GE(FailEachAllocation(make, save, isUsable), 3u)
+        << "a stream an entry and one for the header";
 }
 
 TEST(DictionaryStorageTest, RestoreSurvivesEveryFailingAllocation) {

@@ -19,10 +19,12 @@ constexpr char kCollidingSecond[] = "Print arc in active drawing";
 
 TEST(DictionaryTest, FieldsComeInTheToldOrder) {
     CWld d;
-    const void* fields[] = {&d.m_bDialogFont, &d.m_szFontName, &d.m_nFontScript, &d.m_nFontSize, &d.m_nContexts,
-                            &d.m_hFont,       &d.m_bInit,      &d.m_Contexts,    &d.m_DlgPos};
+    const void* fields[] = {&d.m_bDialogFont, &d.m_szFontName, &d.m_nFontScript,
+                            &d.m_nFontSize,   &d.m_nContexts,  &d.m_hFont,
+                            &d.m_bInit,       &d.m_Contexts,   &d.m_DlgPos};
     EXPECT_EQ(AddressOf(&d), AddressOf(fields[0]));
-    for (size_t i = 1; i < std::size(fields); ++i) EXPECT_LT(AddressOf(fields[i - 1]), AddressOf(fields[i])) << i;
+    for (size_t i = 1; i < std::size(fields); ++i)
+        EXPECT_LT(AddressOf(fields[i - 1]), AddressOf(fields[i])) << i;
     static_assert(sizeof d.m_szFontName == 256);
 }
 
@@ -174,7 +176,8 @@ TEST(DictionaryTest, CollidingTextsShareAnEntryAlsoAmongThousands) {
     CWld d;
     for (int i = 0; i < kManyEntries / 2; ++i) Enter(d, ("text " + std::to_string(i)).c_str(), "x");
     Enter(d, kCollidingFirst, "first");
-    for (int i = kManyEntries / 2; i < kManyEntries; ++i) Enter(d, ("text " + std::to_string(i)).c_str(), "x");
+    for (int i = kManyEntries / 2; i < kManyEntries; ++i)
+        Enter(d, ("text " + std::to_string(i)).c_str(), "x");
     Enter(d, kCollidingSecond, "second");
     EXPECT_EQ(kManyEntries + 1u, d.m_Contexts.count);
     EXPECT_STREQ("second", d.Translate(kCollidingFirst, 1));
@@ -244,7 +247,8 @@ TEST(DictionaryTest, LookupsNeedNothingOfTheHeaps) {
     Enter(d, "Open", "Auf");
     HMENU menu = CreateMenu();
     AppendMenuA(menu, 0, 10, "Open");
-    HWND window = CreateWindowA("STATIC", "Open", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    HWND window = CreateWindowA("STATIC", "Open", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr,
+                                nullptr, nullptr);
     char buffer[300] = "Open";
     {
         FailingAllocation failing(1);
@@ -268,7 +272,8 @@ TEST(DictionaryTest, LookupsNeedNothingOfTheHeaps) {
 TEST(ContextTest, MakingOneSurvivesEveryFailingAllocation) {
     auto make = [] { return std::unique_ptr<CContext>(); };
     auto act = [](auto& context) { context = std::make_unique<CContext>("a\\tb", "c\\nd"); };
-    EXPECT_GT(FailEachAllocation(make, act, [](auto& context) { EXPECT_EQ(nullptr, context); }), 2u);
+    EXPECT_GT(FailEachAllocation(make, act, [](auto& context) { EXPECT_EQ(nullptr, context); }),
+              2u);
 }
 
 TEST(DictionaryTest, NewestEntryOfABucketComesFirst) {
@@ -319,14 +324,16 @@ TEST(BufferTest, TranslationIsCutToTheSizeWithItsTerminator) {
         unsigned size;
         unsigned length;
         const char* text;
-    } const rows[] = {{10, 9, "Aufmachen"}, {9, 8, "Aufmache"}, {6, 5, "Aufma"}, {2, 1, "A"}, {1, 0, ""}, {0, 0, ""}};
+    } const rows[] = {{10, 9, "Aufmachen"}, {9, 8, "Aufmache"}, {6, 5, "Aufma"},
+                      {2, 1, "A"},          {1, 0, ""},         {0, 0, ""}};
     for (auto& row : rows) {
         char buffer[12];
         memset(buffer, 'x', sizeof buffer);
         strcpy(buffer, "Open");
         EXPECT_EQ(row.length, d.Translate(buffer, row.size)) << row.size;
         EXPECT_STREQ(row.text, buffer) << row.size;
-        for (unsigned i = row.size > 5 ? row.size : 5; i < sizeof buffer; ++i) EXPECT_EQ('x', buffer[i]) << row.size;
+        for (unsigned i = row.size > 5 ? row.size : 5; i < sizeof buffer; ++i)
+            EXPECT_EQ('x', buffer[i]) << row.size;
     }
 }
 

@@ -55,11 +55,13 @@ TEST(DoubleByteSystem, HalfACharacterAtTheEndOfATextStays) {
 }
 
 TEST(DoubleByteSystem, IdeographicSpaceAroundTheQuotesIsTrimmed) {
-    EXPECT_EQ("Auf", TranslationIn("\x81\x40\"Open\"\x81\x40\n \x81\x40\"Auf\" \x81\x40\r\n", "Open"));
+    EXPECT_EQ("Auf",
+              TranslationIn("\x81\x40\"Open\"\x81\x40\n \x81\x40\"Auf\" \x81\x40\r\n", "Open"));
 }
 
 TEST(DoubleByteSystem, DoubleByteTextsAreReadWhole) {
-    EXPECT_EQ("\x8A\x4A\x82\xAD", TranslationIn("\"\x83\x5C\"\n\"\x8A\x4A\x82\xAD\"\n", "\x83\x5C"));
+    EXPECT_EQ("\x8A\x4A\x82\xAD",
+              TranslationIn("\"\x83\x5C\"\n\"\x8A\x4A\x82\xAD\"\n", "\x83\x5C"));
 }
 
 TEST(DoubleByteSystem, HalfACharacterBeforeTheClosingQuoteStays) {
@@ -128,8 +130,10 @@ TEST(DoubleByteSystem, WindowTextsAreCutAtAWholeCharacter) {
     for (int i = 0; i < 600; ++i) source += "\x8A\x4A", target += "\x82\xAD";
     Empty(g_Wld);
     Enter(g_Wld, "Open", target.c_str());
-    HWND frame = CreateWindowA("STATIC", "Open", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-    HWND child = CreateWindowA("BUTTON", source.c_str(), WS_CHILD, 0, 0, 9, 9, frame, nullptr, nullptr, nullptr);
+    HWND frame = CreateWindowA("STATIC", "Open", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr,
+                               nullptr, nullptr);
+    HWND child = CreateWindowA("BUTTON", source.c_str(), WS_CHILD, 0, 0, 9, 9, frame, nullptr,
+                               nullptr, nullptr);
     g_Wld.Translate(frame);
     char text[2048];
     GetWindowTextA(frame, text, sizeof text);

@@ -110,13 +110,15 @@ TEST_F(ExclusionTest, DialogsOfAnExcludedModuleKeepTheirLanguage) {
     CallerModule& late = Late();
     const char* name = MAKEINTRESOURCEA(230);
     const wchar_t* wideName = MAKEINTRESOURCEW(230);
-    auto dialog = static_cast<const DLGTEMPLATE*>(LoadResource(late, FindResourceA(late, name, RT_DIALOG)));
+    auto dialog =
+        static_cast<const DLGTEMPLATE*>(LoadResource(late, FindResourceA(late, name, RT_DIALOG)));
     auto captionOf = [&](auto run) {
         g_caption = "";
         run();
         return g_caption;
     };
-#define CAPTION(function, source) captionOf([&] { CALL(caller, function)(late, source, nullptr, TakeCaption, 0); })
+#define CAPTION(function, source) \
+    captionOf([&] { CALL(caller, function)(late, source, nullptr, TakeCaption, 0); })
     EXPECT_EQ(CAPTION(CreateDialogParamA, name), "Open");
     EXPECT_EQ(CAPTION(CreateDialogParamW, wideName), "Open");
     EXPECT_EQ(CAPTION(DialogBoxParamA, name), "Open");

@@ -23,7 +23,9 @@ std::string Load(const CallerModule& module) {
 
 class FacadeTest : public testing::Test {
 protected:
-    std::string Dictionary(const char* name, const char* bytes) { return directory.Write(name, bytes); }
+    std::string Dictionary(const char* name, const char* bytes) {
+        return directory.Write(name, bytes);
+    }
     std::string German() { return Dictionary("de.wld", "\"Open\"\n\"Auf\"\n\"Close\"\n\"Zu\"\n"); }
     ScratchDirectory directory;
 };
@@ -53,14 +55,17 @@ TEST_F(FacadeTest, EveryLoadedClassLibraryIsPatchedByItsName) {
 TEST_F(FacadeTest, TheSystemsCommonDialogsArePatched) {
     IN_A_PROCESS_OF_ITS_OWN();
     HMODULE library = LoadLibraryA("comdlg32.dll");
-    auto find = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32"), "LoadResource"));
+    auto find =
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32"), "LoadResource"));
     ASSERT_EQ(Supp_Init(German().c_str()), 1);
     // The real address is in no slot of the module any more, so installing again changes nothing.
     int replacement;
     EXPECT_EQ(HookProc_Install(library, "kernel32", "LoadResource", &replacement), find);
     auto base = reinterpret_cast<char*>(library);
-    auto headers = reinterpret_cast<IMAGE_NT_HEADERS64*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
-    auto d = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + headers->OptionalHeader.DataDirectory[1].VirtualAddress);
+    auto headers = reinterpret_cast<IMAGE_NT_HEADERS64*>(
+        base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
+    auto d = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(
+        base + headers->OptionalHeader.DataDirectory[1].VirtualAddress);
     for (; d->Name; ++d) {
         for (auto slot = reinterpret_cast<void**>(base + d->FirstThunk); *slot; ++slot) {
             EXPECT_NE(*slot, find);
@@ -95,7 +100,9 @@ TEST_F(FacadeTest, TheFirstAddedDictionaryInstallsAndALaterOneOnlyAdds) {
     EXPECT_EQ(Supp_AddWld(German().c_str()), 1);
     EXPECT_EQ(Load(library), "Auf");
     CallerModule late("mfc70.dll");
-    EXPECT_EQ(Supp_AddWld(Dictionary("more.wld", "\"Open\"\n\"other\"\n\"Help\"\n\"Hilfe\"\n").c_str()), 1);
+    EXPECT_EQ(
+        Supp_AddWld(Dictionary("more.wld", "\"Open\"\n\"other\"\n\"Help\"\n\"Hilfe\"\n").c_str()),
+        1);
     EXPECT_STREQ(Supp_Translate("Help"), "Hilfe");
     EXPECT_STREQ(Supp_Translate("Open"), "Auf");
     EXPECT_EQ(Load(late), "Open");
@@ -153,7 +160,8 @@ TEST_F(FacadeTest, InterceptionWithoutADictionaryFindsAnEmptyOne) {
     EXPECT_EQ(Supp_InitResTranslation(module), 1);
     EXPECT_EQ(Load(module), "Open");
     wchar_t wide[64];
-    EXPECT_EQ(CALL(module, LoadStringW)(module, 1, wide, 64), 5);  // the terminator counts, so the layer is there
+    EXPECT_EQ(CALL(module, LoadStringW)(module, 1, wide, 64),
+              5);  // the terminator counts, so the layer is there
     EXPECT_STREQ(wide, L"Open");
 }
 
@@ -202,7 +210,8 @@ TEST_F(FacadeTest, TextsBuffersMenusAndWindowsAreTranslated) {
     GetMenuStringA(menu, 0, buffer, sizeof buffer, MF_BYPOSITION);
     EXPECT_STREQ(buffer, "Zu");
     DestroyMenu(menu);
-    HWND window = CreateWindowA("STATIC", "Open", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    HWND window =
+        CreateWindowA("STATIC", "Open", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(Supp_Translate(window), 1);
     GetWindowTextA(window, buffer, sizeof buffer);
     EXPECT_STREQ(buffer, "Auf");
@@ -212,8 +221,10 @@ TEST_F(FacadeTest, TextsBuffersMenusAndWindowsAreTranslated) {
 TEST_F(FacadeTest, ChildrenOfAWindowGetTextsAndTheDialogFont) {
     IN_A_PROCESS_OF_ITS_OWN();
     ASSERT_EQ(Supp_Init(German().c_str()), 1);
-    HWND window = CreateWindowA("STATIC", "?", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
-    HWND child = CreateWindowA("BUTTON", "Close", WS_CHILD, 0, 0, 5, 5, window, nullptr, nullptr, nullptr);
+    HWND window =
+        CreateWindowA("STATIC", "?", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    HWND child =
+        CreateWindowA("BUTTON", "Close", WS_CHILD, 0, 0, 5, 5, window, nullptr, nullptr, nullptr);
     EXPECT_EQ(Supp_Translate(window), 1);
     char text[16] = "";
     GetWindowTextA(child, text, sizeof text);
@@ -282,11 +293,14 @@ TEST_F(FacadeTest, EachPatchedModuleIsToldToADebugger) {
         char program[MAX_PATH];
         GetModuleFileNameA(nullptr, program, sizeof program);
         SetEnvironmentVariableA(kOwnProcessVariable, "1");
-        DebuggedRun run = RunDebugged(std::string("\"") + program +
-                                      "\" --gtest_filter=FacadeTest.EachPatchedModuleIsToldToADebugger");
+        DebuggedRun run =
+            RunDebugged(std::string("\"") + program +
+                        "\" --gtest_filter=FacadeTest.EachPatchedModuleIsToldToADebugger");
         SetEnvironmentVariableA(kOwnProcessVariable, nullptr);
         ASSERT_TRUE(run.started);
-        EXPECT_NE(run.output.find("-----wld init: " + ModuleFolder() + "other.dll\n"), std::string::npos) << run.output;
+        EXPECT_NE(run.output.find("-----wld init: " + ModuleFolder() + "other.dll\n"),
+                  std::string::npos)
+            << run.output;
         return;
     }
     CallerModule module("other.dll");
@@ -294,8 +308,10 @@ TEST_F(FacadeTest, EachPatchedModuleIsToldToADebugger) {
 }
 
 TEST_F(FacadeTest, PlacingDialogsAndSettingTheirFontDoesNothing) {
-    HWND parent = CreateWindowA("STATIC", "", WS_POPUP, 100, 100, 300, 300, nullptr, nullptr, nullptr, nullptr);
-    HWND dialog = CreateWindowA("STATIC", "", WS_POPUP, 10, 20, 30, 40, parent, nullptr, nullptr, nullptr);
+    HWND parent = CreateWindowA("STATIC", "", WS_POPUP, 100, 100, 300, 300, nullptr, nullptr,
+                                nullptr, nullptr);
+    HWND dialog =
+        CreateWindowA("STATIC", "", WS_POPUP, 10, 20, 30, 40, parent, nullptr, nullptr, nullptr);
     ASSERT_NE(dialog, nullptr);
     RECT before, after;
     GetWindowRect(dialog, &before);
@@ -318,7 +334,8 @@ constexpr DWORD kReadThroughNull = 77;
 // Ends the process with that code when it read the marker of a record at the address null.
 LONG WINAPI TellNullRead(EXCEPTION_POINTERS* failure) {
     const EXCEPTION_RECORD& record = *failure->ExceptionRecord;
-    bool isNullRead = record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.ExceptionInformation[1] == 16;
+    bool isNullRead =
+        record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.ExceptionInformation[1] == 16;
     TerminateProcess(GetCurrentProcess(), isNullRead ? kReadThroughNull : 1);
     return EXCEPTION_EXECUTE_HANDLER;
 }

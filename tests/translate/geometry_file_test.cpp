@@ -17,7 +17,8 @@ public:
     }
 
     QXDlgPos* Of(const char* key) {
-        QXDlgPos** found = dictionary.m_DlgPos.Find(HashResourceKey((std::string(key) + kKeyEnd).c_str()));
+        QXDlgPos** found =
+            dictionary.m_DlgPos.Find(HashResourceKey((std::string(key) + kKeyEnd).c_str()));
         return found ? *found : nullptr;
     }
     // "left,top,right,bottom" of a control, "" when there is none.
@@ -25,8 +26,8 @@ public:
         QXDlgPos* geometry = Of(key);
         CIRect* edges = geometry ? geometry->m_Rects.Find(control) : nullptr;
         if (!edges) return "";
-        return std::to_string(edges->left) + "," + std::to_string(edges->top) + "," + std::to_string(edges->right) +
-               "," + std::to_string(edges->bottom);
+        return std::to_string(edges->left) + "," + std::to_string(edges->top) + "," +
+               std::to_string(edges->right) + "," + std::to_string(edges->bottom);
     }
 
     CWld dictionary;
@@ -40,8 +41,9 @@ private:
 
 TEST(GeometryFileTest, DialogsByNumberAndByNameHaveTheirContextKeys) {
     Geometry g;
-    EXPECT_EQ(1, g.Init("[\\view.dll\\Dialogs\\#130]\r\nDialog Size=z10,20\r\n0=t1,2,3,4\r\n"
-                        "[\\view.dll\\Dialogs\\SETTINGS]\r\nDialog Size=z-5,0\r\n7=t-1,-2,-3,-4\r\n"));
+    EXPECT_EQ(1,
+              g.Init("[\\view.dll\\Dialogs\\#130]\r\nDialog Size=z10,20\r\n0=t1,2,3,4\r\n"
+                     "[\\view.dll\\Dialogs\\SETTINGS]\r\nDialog Size=z-5,0\r\n7=t-1,-2,-3,-4\r\n"));
     EXPECT_EQ(2u, g.dictionary.m_DlgPos.count);
     ASSERT_NE(nullptr, g.Of("view.dll#1#130"));
     EXPECT_EQ(10, g.Of("view.dll#1#130")->m_Size.cx);
@@ -55,7 +57,9 @@ TEST(GeometryFileTest, DialogsByNumberAndByNameHaveTheirContextKeys) {
 TEST(GeometryFileTest, KeysAreThoseOfMakeResourceKey) {
     ModuleCopy module("VIEW.dll");
     Geometry g;
-    g.Init("[\\view.DLL\\Dialogs\\#130]\r\n5=t1,1,1,1\r\n[\\View.dll\\Dialogs\\settings]\r\n6=t1,1,1,1\r\n");
+    g.Init(
+        "[\\view.DLL\\Dialogs\\#130]\r\n5=t1,1,1,1\r\n[\\View.dll\\Dialogs\\settings]\r\n6=t1,1,1,"
+        "1\r\n");
     char key[300] = "";
     MakeResourceKey(module.Handle(), UINT_PTR(130), key, QXKEY_DIALOG);
     QXDlgPos** number = g.dictionary.m_DlgPos.Find(HashResourceKey(key));
@@ -84,7 +88,8 @@ TEST(GeometryFileTest, MissingDialogSizeIsNone) {
 TEST(GeometryFileTest, ValuesOfOtherTypesArePassedOver) {
     Geometry g;
     g.Init(
-        "[\\view.dll\\Dialogs\\#1]\r\nDialog Size=p3,4\r\n1=z1,2\r\n2=i5\r\n3=s1,2,3,4\r\n4=T1,2,3,4\r\n"
+        "[\\view.dll\\Dialogs\\#1]\r\nDialog "
+        "Size=p3,4\r\n1=z1,2\r\n2=i5\r\n3=s1,2,3,4\r\n4=T1,2,3,4\r\n"
         "5=t1,2,3,4\r\nbare\r\n");
     ASSERT_NE(nullptr, g.Of("view.dll#1#1"));
     EXPECT_EQ(0, g.Of("view.dll#1#1")->m_Size.cx) << "a point is no size";
@@ -117,7 +122,8 @@ TEST(GeometryFileTest, NumberOfADialogIsTakenAsItIsWritten) {
 
 TEST(GeometryFileTest, NameThatIsNoNumberCountsAsControlZeroAndTheLaterValueStands) {
     Geometry g;
-    g.Init("[\\view.dll\\Dialogs\\#1]\r\n0=t1,1,1,1\r\nOK button=t2,2,2,2\r\n12 apples=t3,3,3,3\r\n");
+    g.Init(
+        "[\\view.dll\\Dialogs\\#1]\r\n0=t1,1,1,1\r\nOK button=t2,2,2,2\r\n12 apples=t3,3,3,3\r\n");
     EXPECT_EQ("2,2,2,2", g.Edges("view.dll#1#1", 0));
     EXPECT_EQ("3,3,3,3", g.Edges("view.dll#1#1", 12));
 }
@@ -152,7 +158,8 @@ TEST(GeometryFileTest, GeometryIsLookedForUnderTheDictionarysOwnName) {
     ScratchDirectory directory;
     directory.Write("german.dlg", "[\\view.dll\\Dialogs\\#1]\r\n0=t1,2,3,4\r\n");
     CWld d;
-    EXPECT_EQ(1, d.Init(directory.Write("german", "").c_str())) << "also where the dictionary has no extension";
+    EXPECT_EQ(1, d.Init(directory.Write("german", "").c_str()))
+        << "also where the dictionary has no extension";
     EXPECT_EQ(1u, d.m_DlgPos.count);
     CWld other;
     EXPECT_EQ(1, other.Init(directory.Write("german.txt", "").c_str()));
@@ -168,7 +175,8 @@ TEST(GeometryFileTest, FileThatIncludesAMissingOneIsUnreadableAsAWhole) {
 
 TEST(GeometryFileTest, LineOfNulsPassesItsExceptionThrough) {
     ScratchDirectory directory;
-    directory.Write("a.dlg", std::string("[\\view.dll\\Dialogs\\#1]\r\n\0\0\r\n0=t1,2,3,4\r\n", 41));
+    directory.Write("a.dlg",
+                    std::string("[\\view.dll\\Dialogs\\#1]\r\n\0\0\r\n0=t1,2,3,4\r\n", 41));
     CWld d;
     try {
         d.Init(directory.Write("a.wld", "\"Open\"\n\"Auf\"\n").c_str());
@@ -191,7 +199,8 @@ TEST(GeometryFileTest, MissingDictionaryLeavesItsGeometryUnread) {
 
 TEST(GeometryFileTest, ReadingSurvivesEveryFailingAllocation) {
     ScratchDirectory directory;
-    directory.Write("a.dlg", "[\\view.dll\\Dialogs\\#1]\r\nDialog Size=z1,1\r\n0=t1,2,3,4\r\n1=t1,1,1,1\r\n");
+    directory.Write(
+        "a.dlg", "[\\view.dll\\Dialogs\\#1]\r\nDialog Size=z1,1\r\n0=t1,2,3,4\r\n1=t1,1,1,1\r\n");
     std::string path = directory.Write("a.wld", "");
     auto make = [] { return std::make_unique<CWld>(); };
     auto read = [&](auto& d) { d->Init(path.c_str()); };

@@ -1,4 +1,5 @@
-// Exchanging one function in a module's imports: HookProc_Install over real modules and over images made by hand.
+// Exchanging one function in a module's imports: HookProc_Install over real modules and over images
+// made by hand.
 #include "translate/caller.h"
 
 #include <cstddef>
@@ -44,7 +45,9 @@ public:
     }
     IMAGE_NT_HEADERS64* Headers() { return At<IMAGE_NT_HEADERS64>(kHeaders); }
     IMAGE_DATA_DIRECTORY& Imports() { return Headers()->OptionalHeader.DataDirectory[1]; }
-    IMAGE_IMPORT_DESCRIPTOR& Descriptor(int i) { return At<IMAGE_IMPORT_DESCRIPTOR>(kDirectory)[i]; }
+    IMAGE_IMPORT_DESCRIPTOR& Descriptor(int i) {
+        return At<IMAGE_IMPORT_DESCRIPTOR>(kDirectory)[i];
+    }
     void* volatile& Slot(int i) { return At<void* volatile>(kSlots)[i]; }
     // A descriptor whose slots begin at this slot.
     void AddDescriptor(int i, int slot) {
@@ -63,7 +66,9 @@ public:
 
 class ImportTableTest : public testing::Test {
 protected:
-    void* Install(void* module) { return HookProc_Install(module, "user32.dll", "LoadStringA", kReplacement); }
+    void* Install(void* module) {
+        return HookProc_Install(module, "user32.dll", "LoadStringA", kReplacement);
+    }
     void* const real = Real("user32.dll", "LoadStringA");
     FakeImage image;
 };
@@ -109,7 +114,8 @@ TEST_F(ImportTableTest, ANullModuleAnswersAFunctionThatReturns0) {
     auto stub = reinterpret_cast<int (*)()>(Install(nullptr));
     ASSERT_NE(stub, nullptr);
     EXPECT_EQ(stub(), 0);
-    EXPECT_EQ(HookProc_Install(nullptr, "no such library", "none", kReplacement), reinterpret_cast<void*>(stub));
+    EXPECT_EQ(HookProc_Install(nullptr, "no such library", "none", kReplacement),
+              reinterpret_cast<void*>(stub));
 }
 
 TEST_F(ImportTableTest, AnUnknownLibraryOrFunctionAnswersNull) {
@@ -250,7 +256,8 @@ TEST_F(ImportTableTest, SlotsOfAnotherAllocationAreNotTheImages) {
     auto slot = reinterpret_cast<void**>(victim.base);
     *slot = real;
     auto distance = victim.base - static_cast<char*>(image.Base());
-    if (distance < 0 || distance > 0xFFFFFFFFLL) GTEST_SKIP() << "the second allocation cannot be reached";
+    if (distance < 0 || distance > 0xFFFFFFFFLL)
+        GTEST_SKIP() << "the second allocation cannot be reached";
     image.Descriptor(0).Name = 1;
     image.Descriptor(0).FirstThunk = static_cast<DWORD>(distance);
     Install(image.Base());
@@ -277,7 +284,8 @@ TEST_F(ImportTableTest, MemoryThatIsNoImageAtAllAnswersNull) {
 }
 
 TEST_F(ImportTableTest, AModuleMappedAsDataIsNoImage) {
-    HMODULE data = LoadLibraryExA((ModuleFolder() + "other.dll").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    HMODULE data =
+        LoadLibraryExA((ModuleFolder() + "other.dll").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(data, nullptr);
     EXPECT_EQ(Install(data), nullptr);
     EXPECT_EQ(_InitResTranslation(data), 1);
@@ -287,7 +295,8 @@ TEST_F(ImportTableTest, AModuleMappedAsDataIsNoImage) {
 
 TEST_F(ImportTableTest, ASlotThatCannotBeWrittenAnswersNull) {
     // A read-only view of a file's memory takes no write access.
-    HANDLE section = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0x2000, nullptr);
+    HANDLE section =
+        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0x2000, nullptr);
     auto writable = static_cast<char*>(MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, 0));
     image.AddDescriptor(0, 0);
     image.Slot(0) = real;
@@ -306,7 +315,8 @@ TEST_F(ImportTableTest, AFunctionImportedByItsOrdinalIsFound) {
     EXPECT_EQ(call(), 7);
     auto replacement = +[]() { return 8; };
     void* expected = Real("hook_target.dll", "NumberedFunction");
-    EXPECT_EQ(HookProc_Install(importer, "hook_target.dll", "NumberedFunction", reinterpret_cast<void*>(replacement)),
+    EXPECT_EQ(HookProc_Install(importer, "hook_target.dll", "NumberedFunction",
+                               reinterpret_cast<void*>(replacement)),
               expected);
     EXPECT_EQ(call(), 8);
 }

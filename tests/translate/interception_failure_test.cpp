@@ -50,8 +50,8 @@ TEST_F(InterceptionFailureTest, ATemplateForWhichThereIsNoBlockIsNull) {
 }
 
 TEST_F(InterceptionFailureTest, ADialogForWhichThereIsNoBlockKeepsItsLanguage) {
-    auto dialog =
-        static_cast<const DLGTEMPLATE*>(LoadResource(caller, FindResourceA(caller, MAKEINTRESOURCEA(230), RT_DIALOG)));
+    auto dialog = static_cast<const DLGTEMPLATE*>(
+        LoadResource(caller, FindResourceA(caller, MAKEINTRESOURCEA(230), RT_DIALOG)));
     auto run = CALL(caller, DialogBoxIndirectParamA);
     {
         ReplacedImport none("malloc", reinterpret_cast<void*>(NoMemory));
@@ -85,8 +85,9 @@ TEST_F(InterceptionFailureTest, AStringTableForWhichThereIsNoBlockIsTheRealResou
 
 namespace {
 
-// Runs an act with its first allocation failing, then with its second, and so on until it needs no more. It must go on
-// without the memory each time: a module that calls the system expects no exception. Answers how many failed.
+// Runs an act with its first allocation failing, then with its second, and so on until it needs no
+// more. It must go on without the memory each time: a module that calls the system expects no
+// exception. Answers how many failed.
 template <class Act>
 unsigned GoesOnWithoutMemory(Act act) {
     for (unsigned n = 1;; ++n) {
@@ -124,10 +125,14 @@ TEST_F(InterceptionFailureTest, StringsMenusFindsAndMessageBoxesTakeNoMemoryOfTh
     } menuTemplate;
     HRSRC record = CALL(caller, FindResourceA)(caller, MAKEINTRESOURCEA(254), RT_DIALOG);
     HHOOK hook = SetWindowsHookExA(WH_CBT, RefuseWindows, nullptr, GetCurrentThreadId());
-#define TAKES_NONE(function, ...) \
-    EXPECT_EQ(GoesOnWithoutMemory([&](unsigned) { CALL(caller, function)(__VA_ARGS__); }), 0u) << #function
-#define MENU_TAKES_NONE(function, ...) \
-    EXPECT_EQ(GoesOnWithoutMemory([&](unsigned) { DestroyMenu(CALL(caller, function)(__VA_ARGS__)); }), 0u)
+#define TAKES_NONE(function, ...)                                                              \
+    EXPECT_EQ(GoesOnWithoutMemory([&](unsigned) { CALL(caller, function)                       \
+                                                  (__VA_ARGS__); }), 0u) \
+        << #function
+#define MENU_TAKES_NONE(function, ...)                                                            \
+    EXPECT_EQ(                                                                                    \
+        GoesOnWithoutMemory([&](unsigned) { DestroyMenu(CALL(caller, function)(__VA_ARGS__)); }), \
+        0u)
     TAKES_NONE(LoadStringA, caller, 1, text, 64);
     TAKES_NONE(LoadStringW, caller, 1, wide, 64);
     MENU_TAKES_NONE(LoadMenuIndirectA, &menuTemplate);
@@ -144,10 +149,13 @@ TEST_F(InterceptionFailureTest, StringsMenusFindsAndMessageBoxesTakeNoMemoryOfTh
     TAKES_NONE(MessageBoxExA, nullptr, "Open", "Close", MB_OK, 0);
     TAKES_NONE(MessageBoxIndirectA, &box);
     UnhookWindowsHookEx(hook);
-    EXPECT_EQ(GoesOnWithoutMemory([&](unsigned) { _DeInitResTranslation(caller), _InitResTranslation(caller); }), 0u);
+    EXPECT_EQ(GoesOnWithoutMemory(
+                  [&](unsigned) { _DeInitResTranslation(caller), _InitResTranslation(caller); }),
+              0u);
 }
 
-TEST_F(InterceptionFailureTest, ADialogResourceWithoutMemoryIsTheRealOneAndTheNextLoadTranslatesIt) {
+TEST_F(InterceptionFailureTest,
+       ADialogResourceWithoutMemoryIsTheRealOneAndTheNextLoadTranslatesIt) {
     HRSRC record = CALL(caller, FindResourceA)(caller, MAKEINTRESOURCEA(254), RT_DIALOG);
     HGLOBAL real = LoadResource(caller, FindResourceA(caller, MAKEINTRESOURCEA(254), RT_DIALOG));
     HGLOBAL loaded = nullptr;
@@ -163,8 +171,8 @@ TEST_F(InterceptionFailureTest, ADialogResourceWithoutMemoryIsTheRealOneAndTheNe
 }
 
 TEST_F(InterceptionFailureTest, ADialogWithoutMemoryComesUpInItsOwnLanguage) {
-    auto dialog =
-        static_cast<const DLGTEMPLATE*>(LoadResource(caller, FindResourceA(caller, MAKEINTRESOURCEA(250), RT_DIALOG)));
+    auto dialog = static_cast<const DLGTEMPLATE*>(
+        LoadResource(caller, FindResourceA(caller, MAKEINTRESOURCEA(250), RT_DIALOG)));
     auto comesUp = [](auto run) {
         strcpy(g_label, "none");
         EXPECT_GE(GoesOnWithoutMemory([&](unsigned n) {
@@ -176,7 +184,8 @@ TEST_F(InterceptionFailureTest, ADialogWithoutMemoryComesUpInItsOwnLanguage) {
                   1u);
         EXPECT_STREQ(g_label, "Auf");
     };
-#define COMES_UP(function, source) comesUp([&] { CALL(caller, function)(caller, source, nullptr, TakeLabel, 0); })
+#define COMES_UP(function, source) \
+    comesUp([&] { CALL(caller, function)(caller, source, nullptr, TakeLabel, 0); })
     COMES_UP(CreateDialogParamA, MAKEINTRESOURCEA(250));
     COMES_UP(CreateDialogParamW, MAKEINTRESOURCEW(251));
     COMES_UP(DialogBoxParamA, MAKEINTRESOURCEA(252));
@@ -202,7 +211,8 @@ TEST_F(InterceptionFailureTest, EachAllocationOfATemplateMayFail) {
                                                  [&](int) {
                                                      int size = 0;
                                                      unsigned char* block =
-                                                         TranslateDlgInternalPosition(source->data(), hash, &size);
+                                                         TranslateDlgInternalPosition(
+                                                             source->data(), hash, &size);
                                                      if (size) free(block);
                                                  },
                                                  [](int) {});
@@ -228,5 +238,7 @@ TEST_F(InterceptionFailureTest, GeometryWithoutControlsTakesNoTable) {
 
 TEST_F(InterceptionFailureTest, SettingAFontTakesNoMemoryOfTheLibrary) {
     CWld dictionary;
-    EXPECT_EQ(GoesOnWithoutMemory([&](unsigned) { dictionary.SetDialogFont(RUSSIAN_CHARSET, 10, "Tahoma"); }), 0u);
+    EXPECT_EQ(GoesOnWithoutMemory(
+                  [&](unsigned) { dictionary.SetDialogFont(RUSSIAN_CHARSET, 10, "Tahoma"); }),
+              0u);
 }

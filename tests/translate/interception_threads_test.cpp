@@ -1,4 +1,5 @@
-// Many threads translate through the layer while nobody adds to the dictionary, and modules come and go.
+// Many threads translate through the layer while nobody adds to the dictionary, and modules come
+// and go.
 #include "translate/caller.h"
 #include "translate/own_process.h"
 

@@ -11,8 +11,8 @@ public:
     // The unreadable bytes stand behind the readable ones. Data() is null when there was no room.
     explicit LowMemory(size_t readable, size_t unreadable = 0) {
         for (UINT_PTR at = 0x10000000; !m_block && at < 0x70000000; at += 0x10000) {
-            m_block = static_cast<char*>(
-                VirtualAlloc(reinterpret_cast<void*>(at), readable + unreadable, MEM_RESERVE, PAGE_NOACCESS));
+            m_block = static_cast<char*>(VirtualAlloc(
+                reinterpret_cast<void*>(at), readable + unreadable, MEM_RESERVE, PAGE_NOACCESS));
         }
         if (m_block) VirtualAlloc(m_block, readable, MEM_COMMIT, PAGE_READWRITE);
     }
@@ -23,7 +23,8 @@ public:
     char* Data() const { return m_block; }
     // Of the `size` bytes at `offset`.
     std::string Path(size_t size, size_t offset = 0) const {
-        return "fmem::" + std::to_string(reinterpret_cast<UINT_PTR>(m_block) + offset) + "," + std::to_string(size);
+        return "fmem::" + std::to_string(reinterpret_cast<UINT_PTR>(m_block) + offset) + "," +
+               std::to_string(size);
     }
 
 private:

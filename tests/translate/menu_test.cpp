@@ -16,7 +16,9 @@ public:
     ~Menu() { DestroyMenu(m_menu); }
     operator HMENU() const { return m_menu; }
 
-    void Append(UINT flags, UINT_PTR id, const char* text) { ASSERT_TRUE(AppendMenuA(m_menu, flags, id, text)); }
+    void Append(UINT flags, UINT_PTR id, const char* text) {
+        ASSERT_TRUE(AppendMenuA(m_menu, flags, id, text));
+    }
     HMENU AppendPopup(UINT flags, const char* text) {
         HMENU popup = CreatePopupMenu();
         EXPECT_TRUE(AppendMenuA(m_menu, flags | MF_POPUP, reinterpret_cast<UINT_PTR>(popup), text));
@@ -231,7 +233,8 @@ TEST_F(MenuTest, SeveralThreadsTranslateMenusOfTheirOwn) {
                 Menu menu;
                 HMENU file = menu.AppendPopup(0, "Open");
                 AppendMenuA(file, 0, 10, "Open");
-                inContext ? g_Wld.TranslateMenuInContext(menu, "view.dll#2#5\xFD\xFD") : g_Wld.Translate(menu);
+                inContext ? g_Wld.TranslateMenuInContext(menu, "view.dll#2#5\xFD\xFD")
+                          : g_Wld.Translate(menu);
                 const char* expected = inContext ? "here" : "plain";
                 wrong += TextAt(menu, 0) != expected || TextAt(file, 0) != expected;
             }

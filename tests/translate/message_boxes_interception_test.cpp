@@ -18,7 +18,8 @@ std::wstring WideTextOf(HWND window) {
 BOOL CALLBACK TakeText(HWND child, LPARAM) {
     wchar_t name[32];
     GetClassNameW(child, name, 32);
-    if (_wcsicmp(name, L"Static") == 0 && !WideTextOf(child).empty()) g_box.text = WideTextOf(child);
+    if (_wcsicmp(name, L"Static") == 0 && !WideTextOf(child).empty())
+        g_box.text = WideTextOf(child);
     return TRUE;
 }
 
@@ -144,7 +145,8 @@ TEST_F(MessageBoxesInterceptionTest, AnUntranslatedTextOfABlockIsCopiedToo) {
 
 TEST_F(MessageBoxesInterceptionTest, ATextWhoseAddressLooksLikeAStringIdShowsThatString) {
     // The low half of the address is tried as an id, of which the system looks at 16 bits: here 1.
-    auto pages = static_cast<char*>(VirtualAlloc(nullptr, 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    auto pages =
+        static_cast<char*>(VirtualAlloc(nullptr, 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     ASSERT_EQ(reinterpret_cast<uintptr_t>(pages) & 0xFFFF, 0u);
     strcpy(pages + 1, "Close");
     MSGBOXPARAMSA block = Block(caller, pages + 1, "Close");

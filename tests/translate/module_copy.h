@@ -9,7 +9,8 @@ class ModuleCopy {
 public:
     explicit ModuleCopy(const char* name) {
         std::string path = m_directory.PathOf(name);
-        if (!CopyFileA(SourcePath().c_str(), path.c_str(), TRUE)) throw std::runtime_error("cannot copy to " + path);
+        if (!CopyFileA(SourcePath().c_str(), path.c_str(), TRUE))
+            throw std::runtime_error("cannot copy to " + path);
         m_module = LoadLibraryA(path.c_str());
         if (!m_module) throw std::runtime_error("cannot load " + path);
     }

@@ -17,7 +17,8 @@ protected:
 
 TEST_F(ModuleNameTest, HashIsThatOfTheFileName) {
     ModuleCopy view("View.dll");
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(QXHashText("View.dll").hash, ModuleNameHash(view.Handle()));
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(QXHashText("View.dll").hash, ModuleNameHash(view.Handle()));
 }
 
 TEST_F(ModuleNameTest, NullIsTheProgram) {
@@ -26,7 +27,8 @@ TEST_F(ModuleNameTest, NullIsTheProgram) {
 }
 
 TEST_F(ModuleNameTest, AddressesThatAreNoModuleHaveNoName) {
-    for (UINT_PTR address : {UINT_PTR(1), UINT_PTR(0x10000), ~UINT_PTR(0), UINT_PTR(0xFFFF'FFFF'0000)}) {
+    for (UINT_PTR address :
+         {UINT_PTR(1), UINT_PTR(0x10000), ~UINT_PTR(0), UINT_PTR(0xFFFF'FFFF'0000)}) {
         EXPECT_FALSE(ModuleNameHash(reinterpret_cast<HMODULE>(address)).has_value()) << address;
     }
 }
@@ -53,7 +55,8 @@ TEST_F(ModuleNameTest, ManyModulesKeepTheirNamesApart) {
     }
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 70; ++i) {
-            EXPECT_EQ(QXHashText(names[i].c_str()).hash, ModuleNameHash(modules[i]->Handle())) << names[i];
+            EXPECT_EQ(QXHashText(names[i].c_str()).hash, ModuleNameHash(modules[i]->Handle()))
+                << names[i];
         }
     }
 }

@@ -14,7 +14,8 @@ inline DWORD RunToEnd(std::string commandLine) {
     STARTUPINFOA start = {};
     start.cb = sizeof start;
     PROCESS_INFORMATION process;
-    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
+    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                        &start, &process)) {
         return ~0u;
     }
     WaitForSingleObject(process.hProcess, INFINITE);
@@ -33,7 +34,8 @@ inline bool IsOwnProcess(DWORD expectedExitCode) {
     const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
     std::string name = std::string(test->test_suite_name()) + "." + test->name();
     SetEnvironmentVariableA(kOwnProcessVariable, "1");
-    std::string commandLine = std::string("\"") + program + "\" --gtest_brief=1 --gtest_filter=" + name;
+    std::string commandLine =
+        std::string("\"") + program + "\" --gtest_brief=1 --gtest_filter=" + name;
     EXPECT_EQ(RunToEnd(commandLine), expectedExitCode) << name << " in a process of its own";
     SetEnvironmentVariableA(kOwnProcessVariable, nullptr);
     return false;

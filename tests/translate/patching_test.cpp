@@ -22,16 +22,20 @@ protected:
 // The import slots of a module, in order: what the loader and the patching put there.
 std::vector<void*> Imports(HMODULE module) {
     auto base = reinterpret_cast<char*>(module);
-    auto headers = reinterpret_cast<IMAGE_NT_HEADERS64*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
-    auto d = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + headers->OptionalHeader.DataDirectory[1].VirtualAddress);
+    auto headers = reinterpret_cast<IMAGE_NT_HEADERS64*>(
+        base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
+    auto d = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(
+        base + headers->OptionalHeader.DataDirectory[1].VirtualAddress);
     std::vector<void*> slots;
     for (; d->Name; ++d) {
-        for (auto slot = reinterpret_cast<void**>(base + d->FirstThunk); *slot; ++slot) slots.push_back(*slot);
+        for (auto slot = reinterpret_cast<void**>(base + d->FirstThunk); *slot; ++slot)
+            slots.push_back(*slot);
     }
     return slots;
 }
 
-// A call through the program's own import. Not inlined: a compiler takes an import slot for a constant.
+// A call through the program's own import. Not inlined: a compiler takes an import slot for a
+// constant.
 QXCORE_NOINLINE int LoadFromProgram(HMODULE module, char* buffer, int size) {
     return LoadStringA(module, 1, buffer, size);
 }
@@ -89,7 +93,8 @@ TEST_F(PatchingTest, EachOfThe24FunctionsIsExchangedByItself) {
     _InitResTranslation(caller);
     auto after = Imports(caller);
     for (const Row& row : kRows) {
-        auto real = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(row.dll), row.function));
+        auto real =
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(row.dll), row.function));
         EXPECT_EQ(std::count(before.begin(), before.end(), real), 1) << row.function;
         EXPECT_EQ(std::count(after.begin(), after.end(), real), 0) << row.function;
     }
@@ -176,7 +181,8 @@ TEST_F(PatchingTest, AHostsReplacementOfAPatchedFunctionFindsNoSlot) {
     _InitResTranslation(caller);
     auto patched = Imports(caller);
     auto real = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("user32"), "LoadStringA"));
-    EXPECT_EQ(HookProc_Install(caller, "user32", "LoadStringA", reinterpret_cast<void*>(AnswerOwn)), real);
+    EXPECT_EQ(HookProc_Install(caller, "user32", "LoadStringA", reinterpret_cast<void*>(AnswerOwn)),
+              real);
     EXPECT_EQ(Imports(caller), patched);
     EXPECT_EQ(Load(caller), "Auf");
 }
@@ -192,7 +198,8 @@ TEST_F(PatchingTest, AModuleUnloadedWhilePatchedLeavesTheOthersWhole) {
 }
 
 TEST_F(PatchingTest, AModuleWithNothingToPatchTakesNothingFromTheOthers) {
-    // Its rows fail and leave no real address; the replacements go on through the library's own imports.
+    // Its rows fail and leave no real address; the replacements go on through the library's own
+    // imports.
     CallerModule caller;
     _InitResTranslation(caller);
     std::vector<char> nothing(4096);

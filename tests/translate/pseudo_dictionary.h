@@ -1,4 +1,5 @@
-// A dictionary that shows on every text that it was there: made of the texts that a test finds, and predicted by it.
+// A dictionary that shows on every text that it was there: made of the texts that a test finds, and
+// predicted by it.
 #ifndef QXCORE_TESTS_TRANSLATE_PSEUDO_DICTIONARY_H
 #define QXCORE_TESTS_TRANSLATE_PSEUDO_DICTIONARY_H
 
@@ -9,8 +10,8 @@
 #include <string>
 #include <vector>
 
-// Fills the process's dictionary; what it put there goes with it. Every eighth text has no entry and every eighth an
-// empty one, so that both stay as they are.
+// Fills the process's dictionary; what it put there goes with it. Every eighth text has no entry
+// and every eighth an empty one, so that both stay as they are.
 class PseudoDictionary {
 public:
     PseudoDictionary() = default;

@@ -33,7 +33,9 @@ protected:
         DictionaryTest::SetUp();
         _InitResTranslation(caller);
     }
-    HRSRC Find(const char* name, const char* type) { return CALL(caller, FindResourceA)(caller, name, type); }
+    HRSRC Find(const char* name, const char* type) {
+        return CALL(caller, FindResourceA)(caller, name, type);
+    }
     HGLOBAL Load(HRSRC handle) { return CALL(caller, LoadResource)(caller, handle); }
     DWORD Size(HRSRC handle) { return CALL(caller, SizeofResource)(caller, handle); }
     std::optional<DialogModel> LoadDialog(const char* name) {
@@ -47,7 +49,8 @@ protected:
         auto words = static_cast<const wchar_t*>(Load(found));
         size_t count = Size(found) / 2;
         std::vector<std::wstring> entries;
-        for (size_t at = 0; at < count; at += words[at] + 1) entries.emplace_back(words + at + 1, words[at]);
+        for (size_t at = 0; at < count; at += words[at] + 1)
+            entries.emplace_back(words + at + 1, words[at]);
         return entries;
     }
     // A record outlives its module, so the module stays for the whole run.
@@ -127,14 +130,19 @@ TEST_F(ResourcesInterceptionTest, TheFirstFindDecidesTheKey) {
 TEST_F(ResourcesInterceptionTest, AWideFindGivesTheFirstLetterOfANameToTheKey) {
     HRSRC found = CALL(caller, FindResourceW)(caller, L"WideName", MAKEINTRESOURCEW(5));
     EXPECT_STREQ(RecordAt(found).key, "caller.dll#1#W\xFD\xFD");
-    EXPECT_STREQ(RecordAt(CALL(caller, FindResourceW)(caller, MAKEINTRESOURCEW(208), MAKEINTRESOURCEW(5))).key,
-                 "caller.dll#1#208\xFD\xFD");
+    EXPECT_STREQ(
+        RecordAt(CALL(caller, FindResourceW)(caller, MAKEINTRESOURCEW(208), MAKEINTRESOURCEW(5)))
+            .key,
+        "caller.dll#1#208\xFD\xFD");
 }
 
 TEST_F(ResourcesInterceptionTest, TheExFunctionsTakeTypeAndNameInTheirPlaces) {
     HRSRC found = Find(MAKEINTRESOURCEA(200), kDialog);
-    EXPECT_EQ(CALL(caller, FindResourceExA)(caller, kDialog, MAKEINTRESOURCEA(200), kEnglish), found);
-    EXPECT_EQ(CALL(caller, FindResourceExW)(caller, MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(200), kEnglish), found);
+    EXPECT_EQ(CALL(caller, FindResourceExA)(caller, kDialog, MAKEINTRESOURCEA(200), kEnglish),
+              found);
+    EXPECT_EQ(
+        CALL(caller, FindResourceExW)(caller, MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(200), kEnglish),
+        found);
 }
 
 TEST_F(ResourcesInterceptionTest, TheExFunctionsExchangeTypeAndNameWhenNothingIsTranslated) {
@@ -153,7 +161,8 @@ TEST_F(ResourcesInterceptionTest, WithTheSwitchOffTheRealHandlesAreThere) {
     Supp_SetTranslationEnable(0);
     HRSRC real = FindResourceA(caller, MAKEINTRESOURCEA(201), kDialog);
     EXPECT_EQ(Find(MAKEINTRESOURCEA(201), kDialog), real);
-    EXPECT_EQ(CALL(caller, FindResourceW)(caller, MAKEINTRESOURCEW(201), MAKEINTRESOURCEW(5)), real);
+    EXPECT_EQ(CALL(caller, FindResourceW)(caller, MAKEINTRESOURCEW(201), MAKEINTRESOURCEW(5)),
+              real);
     EXPECT_EQ(Load(real), LoadResource(caller, real));
     EXPECT_EQ(Size(real), SizeofResource(caller, real));
     EXPECT_EQ(CALL(caller, LockResource)(Load(real)), LockResource(LoadResource(caller, real)));
@@ -195,7 +204,8 @@ TEST_F(ResourcesInterceptionTest, LockingNullIsNull) {
 }
 
 TEST_F(ResourcesInterceptionTest, AFindWithoutANameIsTheSystems) {
-    EXPECT_EQ(CALL(caller, FindResourceA)(caller, nullptr, kDialog), FindResourceA(caller, nullptr, kDialog));
+    EXPECT_EQ(CALL(caller, FindResourceA)(caller, nullptr, kDialog),
+              FindResourceA(caller, nullptr, kDialog));
     EXPECT_EQ(CALL(caller, FindResourceW)(caller, nullptr, MAKEINTRESOURCEW(5)),
               FindResourceW(caller, nullptr, MAKEINTRESOURCEW(5)));
 }
@@ -290,7 +300,8 @@ TEST_F(ResourcesInterceptionTest, AnEntryThatClaimsMoreThanTheBlockHoldsIsCut) {
     EXPECT_EQ(entries[1], L"cd");
 }
 
-TEST_F(ResourcesInterceptionTest, ATemplateThatCountsMoreThanTheResourceHoldsKeepsAndCountsWhatIsThere) {
+TEST_F(ResourcesInterceptionTest,
+       ATemplateThatCountsMoreThanTheResourceHoldsKeepsAndCountsWhatIsThere) {
     Teach("Close", "Zu");
     HRSRC found = Find(MAKEINTRESOURCEA(210), kDialog);
     auto block = static_cast<const uint8_t*>(Load(found));
@@ -330,7 +341,8 @@ TEST_F(ResourcesInterceptionTest, ARecordFoundInOneModuleLoadsInAnother) {
 }
 
 TEST_F(ResourcesInterceptionTest, TheProgramsResourcesHaveTheNullModule) {
-    // A null module means the program for the system and for the key, and only the switch counts for the test.
+    // A null module means the program for the system and for the key, and only the switch counts
+    // for the test.
     EXPECT_EQ(CALL(caller, FindResourceA)(nullptr, MAKEINTRESOURCEA(999), kDialog), nullptr);
     EXPECT_EQ(CALL(caller, SizeofResource)(nullptr, nullptr), SizeofResource(nullptr, nullptr));
 }

@@ -1,4 +1,5 @@
-// The system's own dialogs in the live process: the file dialog of comdlg32 and the folder browser of shell32.
+// The system's own dialogs in the live process: the file dialog of comdlg32 and the folder browser
+// of shell32.
 #include "translate/caller.h"
 #include "translate/own_process.h"
 #include "translate/pseudo_dictionary.h"
@@ -56,21 +57,28 @@ std::optional<DialogModel> Original(HMODULE module, const char* name) {
 
 void Teach(PseudoDictionary& dictionary, const DialogModel& dialog) {
     dictionary.Add(std::string(dialog.caption.begin(), dialog.caption.end()));
-    for (const ControlModel& c : dialog.controls) dictionary.Add(std::string(c.title.text.begin(), c.title.text.end()));
+    for (const ControlModel& c : dialog.controls)
+        dictionary.Add(std::string(c.title.text.begin(), c.title.text.end()));
 }
 
 bool IsTranslatable(const ControlModel& c) {
-    return c.windowClass.number && (*c.windowClass.number == 0x80 || *c.windowClass.number == 0x82) &&
-           !c.title.number && !c.title.text.empty();
+    return c.windowClass.number &&
+           (*c.windowClass.number == 0x80 || *c.windowClass.number == 0x82) && !c.title.number &&
+           !c.title.text.empty();
 }
 
-// Compares what was seen with the original in the target language. Answers how many texts were compared.
-int ExpectTranslated(const SeenDialog& seen, const DialogModel& original, const PseudoDictionary& dictionary) {
+// Compares what was seen with the original in the target language. Answers how many texts were
+// compared.
+int ExpectTranslated(const SeenDialog& seen, const DialogModel& original,
+                     const PseudoDictionary& dictionary) {
     int compared = 0;
     for (const ControlModel& c : original.controls) {
         auto window = seen.texts.find(static_cast<uint16_t>(c.id));
-        if (!IsTranslatable(c) || c.id == 0xFFFF || c.id == 0xFFFFFFFF || window == seen.texts.end()) continue;
-        std::wstring expected = Wide(dictionary.Translate(std::string(c.title.text.begin(), c.title.text.end())));
+        if (!IsTranslatable(c) || c.id == 0xFFFF || c.id == 0xFFFFFFFF ||
+            window == seen.texts.end())
+            continue;
+        std::wstring expected =
+            Wide(dictionary.Translate(std::string(c.title.text.begin(), c.title.text.end())));
         // A control that the dialog itself gives another text at once has that one in any language.
         if (window->second.empty()) continue;
         EXPECT_EQ(window->second, expected) << "control " << c.id;
@@ -130,8 +138,8 @@ TEST_F(SystemDialogsTest, TheFolderBrowserIsTranslatedOnceItsModuleIsNamed) {
     browse.lpszTitle = "Folder";
     EXPECT_EQ(SHBrowseForFolderA(&browse), nullptr);
     ASSERT_FALSE(g_seen.empty());
-    EXPECT_EQ(g_seen[0].caption,
-              Wide(dictionary.Translate(std::string(original->caption.begin(), original->caption.end()))));
+    EXPECT_EQ(g_seen[0].caption, Wide(dictionary.Translate(std::string(original->caption.begin(),
+                                                                       original->caption.end()))));
     EXPECT_GE(ExpectTranslated(g_seen[0], *original, dictionary), 2);
     _DeInitResTranslation(module);
 }

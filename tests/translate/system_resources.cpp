@@ -4,7 +4,8 @@
 
 namespace {
 
-BOOL CALLBACK TakeLanguage(HMODULE module, const char* type, const char* name, WORD language, LONG_PTR state) {
+BOOL CALLBACK TakeLanguage(HMODULE module, const char* type, const char* name, WORD language,
+                           LONG_PTR state) {
     Resource r = {};
     r.module = module;
     r.type = static_cast<uint16_t>(reinterpret_cast<uintptr_t>(type));
@@ -32,7 +33,8 @@ bool TakeModule(const std::string& folder, const char* file, std::vector<Resourc
     if (!module) return false;
     size_t before = all.size();
     for (int type : {kMenus, kDialogs, kStringTables}) {
-        EnumResourceNamesA(module, MAKEINTRESOURCEA(type), TakeName, reinterpret_cast<LONG_PTR>(&all));
+        EnumResourceNamesA(module, MAKEINTRESOURCEA(type), TakeName,
+                           reinterpret_cast<LONG_PTR>(&all));
     }
     if (all.size() == before) return false;
     static std::list<std::string> files;
@@ -44,8 +46,8 @@ bool TakeModule(const std::string& folder, const char* file, std::vector<Resourc
 }  // namespace
 
 std::string Resource::Text() const {
-    return std::string(file) + " type " + std::to_string(type) + " " + (name.empty() ? std::to_string(id) : name) +
-           " language " + std::to_string(language);
+    return std::string(file) + " type " + std::to_string(type) + " " +
+           (name.empty() ? std::to_string(id) : name) + " language " + std::to_string(language);
 }
 
 SystemResources::SystemResources() {

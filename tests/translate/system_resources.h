@@ -1,4 +1,5 @@
-// Every dialog, menu and string table of the modules in the system's folder: what real programs' resources are like.
+// Every dialog, menu and string table of the modules in the system's folder: what real programs'
+// resources are like.
 #ifndef QXCORE_TESTS_TRANSLATE_SYSTEM_RESOURCES_H
 #define QXCORE_TESTS_TRANSLATE_SYSTEM_RESOURCES_H
 

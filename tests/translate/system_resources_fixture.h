@@ -1,4 +1,5 @@
-// The resources of the system's modules, seen through the layer with a dictionary made of their own texts.
+// The resources of the system's modules, seen through the layer with a dictionary made of their own
+// texts.
 #ifndef QXCORE_TESTS_TRANSLATE_SYSTEM_RESOURCES_FIXTURE_H
 #define QXCORE_TESTS_TRANSLATE_SYSTEM_RESOURCES_FIXTURE_H
 
@@ -20,7 +21,8 @@ inline std::string LowBytes(const std::wstring& text) {
 
 inline bool IsTranslated(const ControlModel& c) {
     constexpr uint16_t kButton = 0x0080, kStatic = 0x0082;
-    return c.windowClass.number && (*c.windowClass.number == kButton || *c.windowClass.number == kStatic) &&
+    return c.windowClass.number &&
+           (*c.windowClass.number == kButton || *c.windowClass.number == kStatic) &&
            !c.title.number;
 }
 
@@ -40,7 +42,8 @@ inline std::optional<std::string> NarrowEntry(const std::wstring& entry) {
     auto length = static_cast<int>(entry.size());
     if (length == 0 || length > 1024) return std::nullopt;
     std::string narrow(length, 0);
-    int bytes = WideCharToMultiByte(CP_ACP, 0, entry.data(), length, narrow.data(), length, nullptr, nullptr);
+    int bytes = WideCharToMultiByte(CP_ACP, 0, entry.data(), length, narrow.data(), length, nullptr,
+                                    nullptr);
     narrow = narrow.substr(0, bytes).c_str();
     return narrow.empty() ? std::nullopt : std::optional(narrow);
 }
@@ -94,7 +97,8 @@ protected:
         dialog.caption = Expected(dialog.caption);
         if (dialog.font) {
             dialog.font->size = 9;
-            if (dialog.extended) dialog.font->weight = 9, dialog.font->italicAndCharset = RUSSIAN_CHARSET << 8;
+            if (dialog.extended)
+                dialog.font->weight = 9, dialog.font->italicAndCharset = RUSSIAN_CHARSET << 8;
             dialog.font->face = L"Pseudo Font";
         }
         for (ControlModel& c : dialog.controls) {
@@ -122,7 +126,8 @@ protected:
 private:
     using Group = std::vector<const Resource*>;
 
-    // The guard-page heap takes pages for each block, so that a dictionary holds the texts of one language only.
+    // The guard-page heap takes pages for each block, so that a dictionary holds the texts of one
+    // language only.
     static WORD GroupOf(WORD language) {
 #if defined(QXCORE_GUARD_HEAP)
         return PRIMARYLANGID(language);
@@ -151,7 +156,8 @@ private:
             case kMenus:
                 return TeachMenu(Menu{LoadMenuIndirectA(r.data)}.handle);
             default:
-                for (const auto& entry : Entries(r.data, r.size)) dictionary->Add(NarrowEntry(entry).value_or(""));
+                for (const auto& entry : Entries(r.data, r.size))
+                    dictionary->Add(NarrowEntry(entry).value_or(""));
         }
     }
     static void TeachDialog(const Resource& r) {

@@ -134,7 +134,9 @@ void ReadHead(Reader& r, DialogModel& d) {
 std::vector<uint8_t> WriteTemplate(const DialogModel& d) {
     Writer w;
     uint32_t style = d.font ? d.style | kSetFont : d.style;
-    if (d.extended) w.Put<uint16_t>(1), w.Put<uint16_t>(0xFFFF), w.Put(d.helpId), w.Put(d.exStyle), w.Put(style);
+    if (d.extended)
+        w.Put<uint16_t>(1), w.Put<uint16_t>(0xFFFF), w.Put(d.helpId), w.Put(d.exStyle),
+            w.Put(style);
     if (!d.extended) w.Put(style), w.Put(d.exStyle);
     w.Put(d.count ? d.count : static_cast<uint16_t>(d.controls.size()));
     w.PutRect(d);
@@ -198,20 +200,22 @@ void PrintField(const FieldModel& field, std::ostream& out) {
 }  // namespace
 
 void PrintTo(const DialogModel& d, std::ostream* out) {
-    *out << (d.extended ? "DIALOGEX " : "DIALOG ") << std::hex << d.helpId << ' ' << d.exStyle << ' ' << d.style
-         << std::dec << " (" << d.x << ',' << d.y << ',' << d.cx << ',' << d.cy << ") count " << d.count << " menu ";
+    *out << (d.extended ? "DIALOGEX " : "DIALOG ") << std::hex << d.helpId << ' ' << d.exStyle
+         << ' ' << d.style << std::dec << " (" << d.x << ',' << d.y << ',' << d.cx << ',' << d.cy
+         << ") count " << d.count << " menu ";
     PrintField(d.menu, *out);
     *out << " class ";
     PrintField(d.windowClass, *out);
     *out << " caption ";
     PrintText(d.caption, *out);
     if (d.font) {
-        *out << " font " << d.font->size << ' ' << d.font->weight << ' ' << d.font->italicAndCharset << ' ';
+        *out << " font " << d.font->size << ' ' << d.font->weight << ' ' << d.font->italicAndCharset
+             << ' ';
         PrintText(d.font->face, *out);
     }
     for (const ControlModel& c : d.controls) {
-        *out << "\n  " << std::hex << c.helpId << ' ' << c.exStyle << ' ' << c.style << std::dec << " (" << c.x << ','
-             << c.y << ',' << c.cx << ',' << c.cy << ") id " << c.id << ' ';
+        *out << "\n  " << std::hex << c.helpId << ' ' << c.exStyle << ' ' << c.style << std::dec
+             << " (" << c.x << ',' << c.y << ',' << c.cx << ',' << c.cy << ") id " << c.id << ' ';
         PrintField(c.windowClass, *out);
         *out << ' ';
         PrintField(c.title, *out);

@@ -1,4 +1,5 @@
-// Dialog templates as plain values: written and read here without the library, for the tests to compare.
+// Dialog templates as plain values: written and read here without the library, for the tests to
+// compare.
 #ifndef QXCORE_TESTS_TRANSLATE_TEMPLATE_MODEL_H
 #define QXCORE_TESTS_TRANSLATE_TEMPLATE_MODEL_H
 
@@ -62,8 +63,8 @@ struct DialogModel {
 // Counts the controls that there are, unless `count` is set to another number.
 std::vector<uint8_t> WriteTemplate(const DialogModel& dialog);
 
-// Reads as many controls as fit, at most as many as are counted. Nothing when the head is cut off or bytes are left
-// behind the last control, unless `left` takes their number.
+// Reads as many controls as fit, at most as many as are counted. Nothing when the head is cut off
+// or bytes are left behind the last control, unless `left` takes their number.
 std::optional<DialogModel> ParseTemplate(const uint8_t* data, size_t size, size_t* left = nullptr);
 
 // What a mismatch shows.

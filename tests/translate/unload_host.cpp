@@ -1,5 +1,5 @@
-// A host that loads the library by hand and lets it go: unload_host SCENARIO FOLDER-OF-MODULES DICTIONARY
-// Ends with 0, or with the number of the line that went wrong.
+// A host that loads the library by hand and lets it go: unload_host SCENARIO FOLDER-OF-MODULES
+// DICTIONARY Ends with 0, or with the number of the line that went wrong.
 #include <windows.h>
 
 #include <cstdio>
@@ -21,7 +21,8 @@ struct Library {
     template <class Result, class Argument>
     Result Call(const char* name, Argument argument) const {
         using Function = Result (*)(Argument);
-        auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle, name)));
+        auto function =
+            reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle, name)));
         return function(argument);
     }
     int Init() const { return Call<int>("Supp_Init", g_dictionary); }
@@ -38,20 +39,25 @@ HMODULE LoadModule(const char* name) {
 // The module's string 1 through its own import.
 std::string TextOf(HMODULE module) {
     using LoadString = int WINAPI(HINSTANCE, UINT, char*, int);
-    auto load = reinterpret_cast<LoadString*>(reinterpret_cast<void*>(GetProcAddress(module, "CallLoadStringA")));
+    auto load = reinterpret_cast<LoadString*>(
+        reinterpret_cast<void*>(GetProcAddress(module, "CallLoadStringA")));
     char text[64] = "";
     load(module, 1, text, sizeof text);
     return text;
 }
 
-// Its whole road through find, load and size, for a resource. The view of the block has size 0 when there is none.
+// Its whole road through find, load and size, for a resource. The view of the block has size 0 when
+// there is none.
 std::string_view LoadBlock(HMODULE module, int name, int type) {
     using Find = HRSRC WINAPI(HMODULE, const char*, const char*);
     using Load = HGLOBAL WINAPI(HMODULE, HRSRC);
     using Size = DWORD WINAPI(HMODULE, HRSRC);
-    auto find = reinterpret_cast<Find*>(reinterpret_cast<void*>(GetProcAddress(module, "CallFindResourceA")));
-    auto load = reinterpret_cast<Load*>(reinterpret_cast<void*>(GetProcAddress(module, "CallLoadResource")));
-    auto size = reinterpret_cast<Size*>(reinterpret_cast<void*>(GetProcAddress(module, "CallSizeofResource")));
+    auto find = reinterpret_cast<Find*>(
+        reinterpret_cast<void*>(GetProcAddress(module, "CallFindResourceA")));
+    auto load = reinterpret_cast<Load*>(
+        reinterpret_cast<void*>(GetProcAddress(module, "CallLoadResource")));
+    auto size = reinterpret_cast<Size*>(
+        reinterpret_cast<void*>(GetProcAddress(module, "CallSizeofResource")));
     HRSRC found = find(module, MAKEINTRESOURCEA(name), MAKEINTRESOURCEA(type));
     auto block = static_cast<const char*>(load(module, found));
     return block ? std::string_view(block, size(module, found)) : std::string_view();
@@ -65,8 +71,10 @@ size_t DialogSizeOf(HMODULE module) {
 bool Imports(HMODULE module, const char* function) {
     auto real = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("user32.dll"), function));
     auto base = reinterpret_cast<char*>(module);
-    auto headers = reinterpret_cast<IMAGE_NT_HEADERS64*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
-    auto d = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + headers->OptionalHeader.DataDirectory[1].VirtualAddress);
+    auto headers = reinterpret_cast<IMAGE_NT_HEADERS64*>(
+        base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
+    auto d = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(
+        base + headers->OptionalHeader.DataDirectory[1].VirtualAddress);
     for (; d->Name; ++d) {
         for (auto slot = reinterpret_cast<void**>(base + d->FirstThunk); *slot; ++slot) {
             if (*slot == real) return true;
@@ -128,7 +136,8 @@ int HostsModuleOutlivesTheLibrary() {
     return 0;
 }
 
-// Class libraries are restored only when a dictionary was read, so without one they are the host's too.
+// Class libraries are restored only when a dictionary was read, so without one they are the host's
+// too.
 int PatchedWithoutADictionary() {
     HMODULE own = LoadModule("mfc42.dll");
     Library library;

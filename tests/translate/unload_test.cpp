@@ -13,8 +13,10 @@ protected:
         GetModuleFileNameA(nullptr, program, sizeof program);
         std::string folder = program;
         folder.resize(folder.find_last_of("\\/") + 1);
-        return RunToEnd("\"" + folder + "unload_host.exe\" " + scenario + " \"" + ModuleFolder() + "\\\" \"" +
-                        directory.Write("de.wld", "\"Open\"\n\"Auf\"\n\"Close\"\n\"Zumachen und weg\"\n") + "\"");
+        return RunToEnd(
+            "\"" + folder + "unload_host.exe\" " + scenario + " \"" + ModuleFolder() + "\\\" \"" +
+            directory.Write("de.wld", "\"Open\"\n\"Auf\"\n\"Close\"\n\"Zumachen und weg\"\n") +
+            "\"");
     }
     ScratchDirectory directory;
 };

@@ -5,7 +5,8 @@ namespace {
 class Window {
 public:
     Window(const char* className, const char* text, DWORD style, HWND parent = nullptr)
-        : m_window(CreateWindowExA(0, className, text, style, 0, 0, 100, 30, parent, nullptr, nullptr, nullptr)) {}
+        : m_window(CreateWindowExA(0, className, text, style, 0, 0, 100, 30, parent, nullptr,
+                                   nullptr, nullptr)) {}
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
     ~Window() { DestroyWindow(m_window); }

@@ -1,5 +1,6 @@
-// The real world on the screen: each dialog of the modules in the system's folder, in every language, that the system
-// creates from the original is created from the translated template too. Nothing of it is shown.
+// The real world on the screen: each dialog of the modules in the system's folder, in every
+// language, that the system creates from the original is created from the translated template too.
+// Nothing of it is shown.
 #include "translate/system_resources_fixture.h"
 
 #include <cstdio>
@@ -8,7 +9,8 @@
 
 namespace {
 
-// The dialogs are made in portions, which processes can share; a slow build checks some of them only.
+// The dialogs are made in portions, which processes can share; a slow build checks some of them
+// only.
 constexpr unsigned kPortions = 16;
 #if defined(QXCORE_TESTS_FEW_DIALOGS)
 constexpr unsigned kChecked = 2;
@@ -28,10 +30,12 @@ std::optional<int> CreateHidden(const uint8_t* data, size_t size, HWND parent) {
     memcpy(&style, copy.data() + (extended ? 12 : 0), 4);
     style &= ~uint32_t(WS_VISIBLE);
     memcpy(copy.data() + (extended ? 12 : 0), &style, 4);
-    HWND dialog = CreateDialogIndirectParamA(nullptr, reinterpret_cast<DLGTEMPLATE*>(copy.data()), parent, Silent, 0);
+    HWND dialog = CreateDialogIndirectParamA(nullptr, reinterpret_cast<DLGTEMPLATE*>(copy.data()),
+                                             parent, Silent, 0);
     if (!dialog) return std::nullopt;
     int controls = 0;
-    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) ++controls;
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+        ++controls;
     DestroyWindow(dialog);
     return controls;
 }
@@ -45,7 +49,8 @@ protected:
         LoadLibraryA("riched20.dll");
     }
     void SetUp() override {
-        parent = CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+        parent =
+            CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     }
     void TearDown() override { DestroyWindow(parent); }
     HWND parent = nullptr;
@@ -72,7 +77,9 @@ TEST_P(WineDialogsTest, EveryDialogThatTheSystemCreatesIsCreatedAfterTranslation
             ++refused;
         }
     });
-    printf("portion %u of %u of %u different dialogs: %u created after translation, %u refused before as after\n",
-           GetParam() + 1, kPortions, unsigned(templates.size()), created, refused);
+    printf(
+        "portion %u of %u of %u different dialogs: %u created after translation, %u refused before "
+        "as after\n",
+        GetParam() + 1, kPortions, unsigned(templates.size()), created, refused);
     EXPECT_GT(created, 200u);
 }

@@ -1,5 +1,6 @@
-// The real world as input: every dialog, menu and string table, in every language, of the modules in the system's
-// folder goes through the layer, and each result is checked against the original by a parser of the tests' own.
+// The real world as input: every dialog, menu and string table, in every language, of the modules
+// in the system's folder goes through the layer, and each result is checked against the original by
+// a parser of the tests' own.
 #include "translate/system_resources_fixture.h"
 
 #include <cstdio>
@@ -27,7 +28,8 @@ TEST_F(WineModulesTest, EveryDialogIsTranslatedFieldByField) {
         extended += original->extended;
         controls += original->count;
     });
-    printf("checked %d dialogs, %d of them extended, with %d controls\n", dialogs, extended, controls);
+    printf("checked %d dialogs, %d of them extended, with %d controls\n", dialogs, extended,
+           controls);
     EXPECT_GT(dialogs, kLeast);
 }
 
@@ -45,8 +47,8 @@ TEST_F(WineModulesTest, EveryStringTableIsTranslatedEntryByEntry) {
         EXPECT_EQ(data == r.data, !any) << r.Text();
         EXPECT_EQ(Entries(data, size), expected) << r.Text();
         ++tables;
-        entries +=
-            static_cast<int>(std::count_if(expected.begin(), expected.end(), [](auto& e) { return !e.empty(); }));
+        entries += static_cast<int>(
+            std::count_if(expected.begin(), expected.end(), [](auto& e) { return !e.empty(); }));
     });
     printf("checked %d string tables with %d texts\n", tables, entries);
     EXPECT_GT(tables, kLeast);
@@ -67,7 +69,8 @@ void TakeItems(HMENU menu, bool isReached, std::vector<Item>& items) {
         HMENU sub = GetSubMenu(menu, i);
         // The state of a popup holds the number of its items in the high byte.
         UINT state = GetMenuState(menu, i, MF_BYPOSITION) & 0xFF;
-        items.push_back({MenuText(menu, i), state, sub ? 0 : GetMenuItemID(menu, i), sub != nullptr, isReached});
+        items.push_back({MenuText(menu, i), state, sub ? 0 : GetMenuItemID(menu, i), sub != nullptr,
+                         isReached});
         if (sub) TakeItems(sub, isReached && !MenuText(menu, i).empty(), items);
     }
 }
@@ -106,6 +109,7 @@ TEST_F(WineModulesTest, EveryMenuIsTranslatedItemByItem) {
         ++menus;
         items += static_cast<int>(actual.size());
     });
-    printf("checked %d menus with %d items; %d the system refuses in any case\n", menus, items, refused);
+    printf("checked %d menus with %d items; %d the system refuses in any case\n", menus, items,
+           refused);
     EXPECT_GT(menus, kLeast / 10);
 }

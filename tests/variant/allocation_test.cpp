@@ -17,17 +17,18 @@ const tagQXBLOB kAbc = {3, g_abc};
 
 using Subject = std::unique_ptr<CQXVariant>;
 
-// Lets `act` fail on a variant that holds `before`; the variant must then still hold it, or be empty, and be usable.
+// Lets `act` fail on a variant that holds `before`; the variant must then still hold it, or be
+// empty, and be usable.
 template <class Act>
 void ExpectSafe(const CQXVariant& before, Act act, bool keepsItsValue) {
     std::string expected = keepsItsValue ? Describe(before) : "EMPTY";
-    unsigned failures =
-        FailEachAllocation([&] { return std::make_unique<CQXVariant>(before); }, [&](Subject& v) { act(*v); },
-                           [&](Subject& v) {
-                               EXPECT_EQ(Describe(*v), expected);
-                               *v = "usable";
-                               EXPECT_EQ(Describe(*v), "TEXT usable");
-                           });
+    unsigned failures = FailEachAllocation([&] { return std::make_unique<CQXVariant>(before); },
+                                           [&](Subject& v) { act(*v); },
+                                           [&](Subject& v) {
+                                               EXPECT_EQ(Describe(*v), expected);
+                                               *v = "usable";
+                                               EXPECT_EQ(Describe(*v), "TEXT usable");
+                                           });
     EXPECT_GT(failures, 0u);
 }
 

@@ -15,8 +15,9 @@ struct Width {
     unsigned short type;
     size_t bytes;
 };
-const Width kWidths[] = {{1, 4}, {2, 1},  {3, 2},   {4, 4},  {5, 4},   {6, 4},   {7, 4},   {8, 8},
-                         {9, 4}, {11, 8}, {12, 16}, {13, 8}, {14, 16}, {15, 16}, {16, 32}, {17, 16}};
+const Width kWidths[] = {{1, 4},   {2, 1},   {3, 2},   {4, 4},  {5, 4},   {6, 4},
+                         {7, 4},   {8, 8},   {9, 4},   {11, 8}, {12, 16}, {13, 8},
+                         {14, 16}, {15, 16}, {16, 32}, {17, 16}};
 
 char* HeapText(const char* text) {
     return strcpy(static_cast<char*>(Mem_DefaultHeap(0)->Alloc(strlen(text) + 1)), text);
@@ -37,7 +38,8 @@ TEST(BindToValueTest, EachTypeStoresItsWidthOfTheValueAreaWhateverTheVariantsCod
         memset(variable, 0xEE, sizeof variable);
         EXPECT_EQ(QXVariantBindToValue(width.type, variable, &v), 1) << width.type;
         EXPECT_EQ(memcmp(variable, kArea, width.bytes), 0) << width.type;
-        for (size_t i = width.bytes; i < sizeof variable; ++i) EXPECT_EQ(variable[i], 0xEE) << width.type << " " << i;
+        for (size_t i = width.bytes; i < sizeof variable; ++i)
+            EXPECT_EQ(variable[i], 0xEE) << width.type << " " << i;
     }
 }
 

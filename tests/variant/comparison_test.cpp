@@ -80,8 +80,10 @@ TEST(VariantComparisonTest, IntegersCompareTheirOwnWidth) {
     CQXVariant word(static_cast<unsigned short>(7)), sameWord(word);
     sameWord.value.uintVal |= 0x10000;
     EXPECT_TRUE(Equal(word, sameWord));
-    EXPECT_FALSE(Equal(CQXVariant(static_cast<unsigned char>(7)), CQXVariant(static_cast<unsigned char>(8))));
-    EXPECT_FALSE(Equal(CQXVariant(static_cast<unsigned short>(7)), CQXVariant(static_cast<unsigned short>(0x107))));
+    EXPECT_FALSE(Equal(CQXVariant(static_cast<unsigned char>(7)),
+                       CQXVariant(static_cast<unsigned char>(8))));
+    EXPECT_FALSE(Equal(CQXVariant(static_cast<unsigned short>(7)),
+                       CQXVariant(static_cast<unsigned short>(0x107))));
     EXPECT_TRUE(Equal(CQXVariant(7ul), CQXVariant(7ul)));
     EXPECT_FALSE(Equal(CQXVariant(7ul), CQXVariant(0x10007ul)));
     EXPECT_TRUE(Equal(CQXVariant(-7), CQXVariant(-7)));
@@ -150,7 +152,8 @@ TEST(VariantComparisonTest, RectanglesAreComparedMemberByMember) {
 
 TEST(VariantComparisonTest, DifferentEmptyRectanglesAreEqual) {
     EXPECT_TRUE(Equal(CQXVariant(Rect(0, 0, 0, 0)), CQXVariant(Rect(5, 5, 1, 1))));
-    EXPECT_TRUE(Equal(CQXVariant(Rect(0, 0, 0, 10)), CQXVariant(Rect(0, 7, 10, 7))));  // zero width, zero height
+    EXPECT_TRUE(Equal(CQXVariant(Rect(0, 0, 0, 10)),
+                      CQXVariant(Rect(0, 7, 10, 7))));  // zero width, zero height
     EXPECT_FALSE(Equal(CQXVariant(Rect(0, 0, 0, 0)), CQXVariant(Rect(0, 0, 1, 1))));
 }
 
@@ -174,7 +177,8 @@ TEST(VariantComparisonTest, ARealRectangleOfZeroWidthIsNotEmpty) {
 
 TEST(VariantComparisonTest, BlobsAreComparedByTheirBytes) {
     char abc[] = "abc", abd[] = "abd";
-    tagQXBLOB first = {3, abc}, same = {3, abc}, other = {3, abd}, shorter = {2, abc}, null = {3, nullptr};
+    tagQXBLOB first = {3, abc}, same = {3, abc}, other = {3, abd}, shorter = {2, abc},
+              null = {3, nullptr};
     EXPECT_TRUE(Equal(CQXVariant(first), CQXVariant(same)));
     EXPECT_FALSE(Equal(CQXVariant(first), CQXVariant(other)));
     EXPECT_FALSE(Equal(CQXVariant(first), CQXVariant(shorter)));

@@ -123,8 +123,10 @@ TEST(ConversionTest, ADoubleNarrowsToAFloat) {
 TEST(ConversionTest, EmptyBecomesZeroOrAnEmptyTextAndNothingElse) {
     const char* outcomes[] = {"EMPTY",  "BOOL 0", "UI1 0",    "UI2 0",   "ULONG 0", "INT 0",
                               "UINT 0", "LONG 0", "DOUBLE 0", "FLOAT 0", "TEXT "};
-    for (unsigned short target = 0; target <= 10; ++target) EXPECT_EQ(To(target, CQXVariant()), outcomes[target]);
-    for (unsigned short target = 11; target <= 18; ++target) EXPECT_EQ(To(target, CQXVariant()), "fail");
+    for (unsigned short target = 0; target <= 10; ++target)
+        EXPECT_EQ(To(target, CQXVariant()), outcomes[target]);
+    for (unsigned short target = 11; target <= 18; ++target)
+        EXPECT_EQ(To(target, CQXVariant()), "fail");
 }
 
 // ---- text
@@ -154,7 +156,8 @@ TEST(ConversionTest, NumbersAsTextUseTheRuntimesForms) {
     EXPECT_EQ(To(QXVT_STRING, std::numeric_limits<long>::max()), "TEXT 2147483647");
     EXPECT_EQ(To(QXVT_STRING, 4294967295ul), "TEXT 4294967295");
     EXPECT_EQ(To(QXVT_STRING, 0), "TEXT 0");
-    EXPECT_EQ(To(QXVT_STRING, 1234567.0), "TEXT 1.23457e+006");  // six digits; the runtime's exponent has three
+    EXPECT_EQ(To(QXVT_STRING, 1234567.0),
+              "TEXT 1.23457e+006");  // six digits; the runtime's exponent has three
     EXPECT_EQ(To(QXVT_STRING, 0.1f), "TEXT 0.1");
     EXPECT_EQ(To(QXVT_STRING, 100000.0), "TEXT 100000");
 }
@@ -200,7 +203,8 @@ TEST(ConversionTest, ADoubleToUnsignedLongIsScannedAsTheTextItPointsTo) {
 }
 
 TEST(ConversionTest, ARealDoubleToUnsignedLongFailsAndTheProcessLives) {
-    for (double v : {0.0, 1.0, -1.0, 3.9, 1e300, 1e-310, kNan, kInfinity}) EXPECT_EQ(To(QXVT_ULONG, v), "fail") << v;
+    for (double v : {0.0, 1.0, -1.0, 3.9, 1e300, 1e-310, kNan, kInfinity})
+        EXPECT_EQ(To(QXVT_ULONG, v), "fail") << v;
 }
 
 TEST(ConversionTest, TextToUnsignedLongFails) {
@@ -234,5 +238,6 @@ TEST(ConversionTest, RectanglesDifferByOneAndComeBack) {
 
 TEST(ConversionTest, RectanglesWrapAtTheEndsOfTheIntegers) {
     EXPECT_EQ(To(QXVT_RECT, tagRRECT{0, 0, 2147483647, 1}), "RECT 0,0,-2147483648,2");
-    EXPECT_EQ(To(QXVT_RRECT, tagRECT{0, 0, std::numeric_limits<long>::min(), 1}), "RRECT 0,0,2147483647,0");
+    EXPECT_EQ(To(QXVT_RRECT, tagRECT{0, 0, std::numeric_limits<long>::min(), 1}),
+              "RRECT 0,0,2147483647,0");
 }

@@ -1,4 +1,5 @@
-// Numbers from and to text beside the runtime's own scanner and Format: the same answers for everything.
+// Numbers from and to text beside the runtime's own scanner and Format: the same answers for
+// everything.
 #include <gtest/gtest.h>
 #include <qxcore/string.h>
 #include <qxcore/variant.h>
@@ -14,7 +15,8 @@ namespace {
 // Sets a numeric and character locale for a test.
 class LocaleFor {
 public:
-    explicit LocaleFor(const char* name) : old(setlocale(LC_ALL, nullptr)), set(setlocale(LC_ALL, name) != nullptr) {}
+    explicit LocaleFor(const char* name)
+        : old(setlocale(LC_ALL, nullptr)), set(setlocale(LC_ALL, name) != nullptr) {}
     LocaleFor(const LocaleFor&) = delete;
     LocaleFor& operator=(const LocaleFor&) = delete;
     ~LocaleFor() { setlocale(LC_ALL, old.c_str()); }
@@ -24,7 +26,8 @@ public:
 };
 
 template <class T>
-void ExpectScannedAsTheRuntimeDoes(const CQXVariant& text, const char* format, unsigned short target) {
+void ExpectScannedAsTheRuntimeDoes(const CQXVariant& text, const char* format,
+                                   unsigned short target) {
     T expected{};
     int result = sscanf(text, format, &expected);
     CQXVariant dest;
@@ -64,9 +67,11 @@ void ExpectFormattedAlike(unsigned bits) {
 }
 
 std::string RandomText(std::mt19937& random) {
-    static const char kBytes[] = "0123456789012345678901234567890123456789+- \t\n\v\f\r.,eExXaf\xA0\x85\xFF";
+    static const char kBytes[] =
+        "0123456789012345678901234567890123456789+- \t\n\v\f\r.,eExXaf\xA0\x85\xFF";
     std::string text;
-    for (unsigned length = random() % 16; length; --length) text += kBytes[random() % (sizeof kBytes - 1)];
+    for (unsigned length = random() % 16; length; --length)
+        text += kBytes[random() % (sizeof kBytes - 1)];
     return text;
 }
 
@@ -74,13 +79,15 @@ std::string RandomText(std::mt19937& random) {
 
 TEST(NumberTextTest, IntegersBecomeTextAsByFormat) {
     for (unsigned power = 1; power; power = power > 400000000u ? 0 : power * 10) {
-        for (unsigned neighbour : {power - 1, power, power + 1, 0u - power, 1u - power, 0u - power - 1}) {
+        for (unsigned neighbour :
+             {power - 1, power, power + 1, 0u - power, 1u - power, 0u - power - 1}) {
             ExpectFormattedAlike(neighbour);
         }
     }
     for (int bit = 0; bit < 32; ++bit) ExpectFormattedAlike(1u << bit);
     std::mt19937 random(1);
-    for (int i = 0; i < 5000; ++i) ExpectFormattedAlike(static_cast<unsigned>(random()) >> (random() % 32));
+    for (int i = 0; i < 5000; ++i)
+        ExpectFormattedAlike(static_cast<unsigned>(random()) >> (random() % 32));
 }
 
 TEST(NumberTextTest, RealsBecomeTextAsByFormat) {
@@ -102,8 +109,9 @@ TEST(NumberTextTest, RealsBecomeTextAsByFormat) {
 
 TEST(NumberTextTest, TextsOfEveryLengthOfDigitsAreScannedAlike) {
     for (const char* sign : {"", "-", "+", "--", "- ", " -", " "}) {
-        for (const char* digits : {"0", "9", "1234567890123456789012345678901234567890", "0000000000000000000000012",
-                                   "2147483647", "2147483648", "4294967295", "4294967296", "99999999999"}) {
+        for (const char* digits :
+             {"0", "9", "1234567890123456789012345678901234567890", "0000000000000000000000012",
+              "2147483647", "2147483648", "4294967295", "4294967296", "99999999999"}) {
             for (size_t length = 0; length <= strlen(digits); ++length) {
                 for (const char* tail : {"", " ", "x", "-", ".5", ",5", "e3", "\xA0"}) {
                     ExpectScannedAlike(sign + std::string(digits, length) + tail);

@@ -16,7 +16,8 @@ std::string Print(const char* format, ...) {
 
 std::string OfBlob(const tagQXBLOB& blob) {
     if (!blob.data) return Print("BLOB %lu null", blob.size);
-    return Print("BLOB %lu ", blob.size) + std::string(static_cast<const char*>(blob.data), blob.size);
+    return Print("BLOB %lu ", blob.size) +
+           std::string(static_cast<const char*>(blob.data), blob.size);
 }
 
 }  // namespace
@@ -55,9 +56,11 @@ std::string Describe(const tagQXVARIANT& v) {
         case 14:
             return Print("RPOINT %.10g,%.10g", x.rpoint.x, x.rpoint.y);
         case 15:
-            return Print("RECT %ld,%ld,%ld,%ld", x.rect.left, x.rect.top, x.rect.right, x.rect.bottom);
+            return Print("RECT %ld,%ld,%ld,%ld", x.rect.left, x.rect.top, x.rect.right,
+                         x.rect.bottom);
         case 16:
-            return Print("RRECT %.10g,%.10g,%.10g,%.10g", x.rrect.left, x.rrect.top, x.rrect.right, x.rrect.bottom);
+            return Print("RRECT %.10g,%.10g,%.10g,%.10g", x.rrect.left, x.rrect.top, x.rrect.right,
+                         x.rrect.bottom);
         case 17:
             return OfBlob(x.blob);
         case 18:

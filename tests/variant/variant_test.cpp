@@ -128,7 +128,8 @@ TEST(VariantTest, NumberConstructorsTakeTheTypeOfTheirArgument) {
 
 template <class T>
 class IntegerVariantTest : public testing::Test {};
-using Integers = testing::Types<unsigned char, unsigned short, unsigned long, int, unsigned int, long>;
+using Integers =
+    testing::Types<unsigned char, unsigned short, unsigned long, int, unsigned int, long>;
 TYPED_TEST_SUITE(IntegerVariantTest, Integers);
 
 TYPED_TEST(IntegerVariantTest, ASecondArgumentOfOneMakesABool) {
@@ -156,7 +157,8 @@ TEST(VariantTest, TheBytesBehindAValueAreZero) {
 }
 
 TEST(VariantTest, RecordConstructorsCopyTheRecord) {
-    CQXVariant size(kSize), rsize(kRSize), point(kPoint), rpoint(kRPoint), rect(kRect), rrect(kRRect);
+    CQXVariant size(kSize), rsize(kRSize), point(kPoint), rpoint(kRPoint), rect(kRect),
+        rrect(kRRect);
     EXPECT_EQ(size.type, 11);
     EXPECT_TRUE(SameBytes(static_cast<tagSIZE>(size), kSize));
     EXPECT_EQ(rsize.type, 12);
@@ -212,7 +214,8 @@ TEST(VariantTest, ACopyHasTextBytesAndReferenceOfItsOwn) {
     Probe probe;
     CQXVariant text("abc"), blob(kAbc), object(static_cast<IQXUnknown*>(probe));
     const tagQXVARIANT& record = text;
-    CQXVariant textCopy(text), fromRecord(record), fromPointer(&record), blobCopy(blob), objectCopy(object);
+    CQXVariant textCopy(text), fromRecord(record), fromPointer(&record), blobCopy(blob),
+        objectCopy(object);
     for (const CQXVariant* copy : {&textCopy, &fromRecord, &fromPointer}) {
         EXPECT_EQ(copy->type, 10);
         EXPECT_NE(TextOf(*copy), TextOf(text));
@@ -289,7 +292,8 @@ TEST(VariantTest, CopyingAVariantOntoItselfEmptiesIt) {
     CQXVariant &itself = assignedText, &itselfToo = assignedNumber;
     assignedText = itself;
     assignedNumber = itselfToo;
-    for (const CQXVariant* v : {&text, &number, &assignedText, &assignedNumber}) EXPECT_TRUE(IsAllZero(*v));
+    for (const CQXVariant* v : {&text, &number, &assignedText, &assignedNumber})
+        EXPECT_TRUE(IsAllZero(*v));
 }
 
 // ---- assignment
@@ -492,7 +496,8 @@ TEST(VariantTest, ChangeTypeConvertsItselfOrAnother) {
     EXPECT_STREQ(TextOf(v), "5");
     EXPECT_EQ(v.ChangeType(QXVT_INT, &other), 1);
     EXPECT_EQ(static_cast<int>(v), 17);
-    EXPECT_EQ(v.ChangeType(QXVT_INT, &other), 1);  // another source is converted whatever type this one has
+    EXPECT_EQ(v.ChangeType(QXVT_INT, &other),
+              1);  // another source is converted whatever type this one has
     EXPECT_EQ(v.ChangeType(QXVT_SIZE), 0);
     EXPECT_EQ(v.type, 5);
 }

@@ -1,8 +1,9 @@
 // pose READY PROGRAM [ARGUMENT ...]
 //
-// Poses the sample host for a picture: starts it once for each thing to be seen, opens the View menu and the dialogs,
-// and puts them side by side. Then it creates the file READY, waits until somebody deletes it, and ends what it
-// started. Exit code 0, or 1 with a line on the standard error when a window does not come.
+// Poses the sample host for a picture: starts it once for each thing to be seen, opens the View
+// menu and the dialogs, and puts them side by side. Then it creates the file READY, waits until
+// somebody deletes it, and ends what it started. Exit code 0, or 1 with a line on the standard
+// error when a window does not come.
 #include <windows.h>
 
 #include <cstdio>
@@ -36,7 +37,9 @@ private:
 template <class Ready>
 auto WaitFor(Ready ready) {
     auto answer = ready();
-    for (DWORD start = GetTickCount(); !answer && GetTickCount() - start < g_patience; answer = ready()) Sleep(20);
+    for (DWORD start = GetTickCount(); !answer && GetTickCount() - start < g_patience;
+         answer = ready())
+        Sleep(20);
     return answer;
 }
 
@@ -52,7 +55,8 @@ BOOL CALLBACK CompareWindow(HWND window, LPARAM lparam) {
     GetWindowThreadProcessId(window, &process);
     char className[64] = "";
     GetClassNameA(window, className, sizeof className);
-    if (process != search->process || !IsWindowVisible(window) || std::strcmp(className, search->className))
+    if (process != search->process || !IsWindowVisible(window) ||
+        std::strcmp(className, search->className))
         return TRUE;
     search->found = window;
     return FALSE;
@@ -65,7 +69,8 @@ public:
         STARTUPINFOA startup = {};
         startup.cb = sizeof startup;
         PROCESS_INFORMATION process = {};
-        CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
+        CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                       &startup, &process);
         if (process.hThread) CloseHandle(process.hThread);
         return Sitter(process);
     }
@@ -86,7 +91,8 @@ public:
     }
 
 private:
-    explicit Sitter(PROCESS_INFORMATION const& process) : m_process(process.hProcess), m_id(process.dwProcessId) {}
+    explicit Sitter(PROCESS_INFORMATION const& process)
+        : m_process(process.hProcess), m_id(process.dwProcessId) {}
 
     Handle m_process;
     DWORD m_id;
@@ -108,8 +114,8 @@ struct Pose {
     int x, y;
 };
 
-// A dialog of the program and where it stands in the picture. The last one belongs to the run whose menu is open,
-// since it alone does not block the window that owns it.
+// A dialog of the program and where it stands in the picture. The last one belongs to the run whose
+// menu is open, since it alone does not block the window that owns it.
 constexpr Pose g_poses[] = {
     {ID_FILE_OPEN, 400, 376},
     {ID_TASK_DELETE, 12, 470},
@@ -141,7 +147,8 @@ void OpenMenu(HWND window) {
 }
 
 bool WaitForPicture(const char* ready) {
-    HANDLE file = CreateFileA(ready, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE file = CreateFileA(ready, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return false;
     CloseHandle(file);
     return WaitFor([ready] { return GetFileAttributesA(ready) == INVALID_FILE_ATTRIBUTES; });
