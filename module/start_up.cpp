@@ -4,8 +4,8 @@
 #include "core/module_handle.h"
 #include "objects/class_registry.h"
 #include "objects/service_container.h"
-#include "translate/dictionary.h"
-#include "translate/interception.h"
+#include "translate/dictionary/dictionary.h"
+#include "translate/interception/interception.h"
 
 #include <objbase.h>
 

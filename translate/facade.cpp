@@ -1,4 +1,4 @@
-#include "translate/module_lists.h"
+#include "translate/interception/module_lists.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>

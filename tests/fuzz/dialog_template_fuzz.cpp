@@ -2,7 +2,7 @@
 // what comes out is a sound template. A sound one comes out as the tests' own parser says it must.
 #include "fuzz/fuzz_driver.h"
 #include "fuzz/guarded_bytes.h"
-#include "translate/dialog_template.h"
+#include "translate/resources/dialog_template.h"
 #include "translate/template_model.h"
 
 #include <qxcore.h>

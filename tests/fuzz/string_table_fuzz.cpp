@@ -2,7 +2,7 @@
 // as it must.
 #include "fuzz/fuzz_driver.h"
 #include "fuzz/guarded_bytes.h"
-#include "translate/string_table.h"
+#include "translate/resources/string_table.h"
 
 #include <qxcore.h>
 

@@ -1,7 +1,7 @@
 // White-box: the program links the source itself, since no export shows what is kept.
-#include "translate/module_name.h"
+#include "translate/places/module_name.h"
 
-#include "translate/loaded_modules.h"
+#include "translate/places/loaded_modules.h"
 #include "translate/module_copy.h"
 
 #include <gtest/gtest.h>

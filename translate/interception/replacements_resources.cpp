@@ -1,0 +1,77 @@
+#include "translate/interception/interception.h"
+#include "translate/interception/module_lists.h"
+#include "translate/interception/replacements.h"
+#include "translate/interception/resource_records.h"
+
+#include <qxcore/export.h>
+
+namespace {
+
+// Reads what would be a record's marker, so that a host that frees null faults instead of going on.
+// The volatile address keeps compilers from judging it.
+void FaultAtMarker(HGLOBAL null) {
+    volatile uintptr_t address = reinterpret_cast<uintptr_t>(null) + sizeof(QX_LISTITEM);
+    static_cast<void>(*reinterpret_cast<const volatile uint32_t*>(address));
+}
+
+// Apart, so that the way to the system for handles of its own is short.
+QXCORE_NOINLINE HGLOBAL LoadAny(HMODULE module, HRSRC resource) {
+    QX_RESITEM* record = RecordOf(resource);
+    if (!record || !IsTranslationActive(module)) return QX_REAL(LoadResource)(module, resource);
+    return LoadRecord(record);
+}
+
+QXCORE_NOINLINE DWORD SizeOfAny(HMODULE module, HRSRC resource) {
+    QX_RESITEM* record = RecordOf(resource);
+    if (!record || !IsTranslationActive(module)) return QX_REAL(SizeofResource)(module, resource);
+    return record->size;
+}
+
+}  // namespace
+
+HRSRC WINAPI NewFindResourceA(HMODULE module, const char* name, const char* type) {
+    HRSRC handle = QX_REAL(FindResourceA)(module, name, type);
+    return IsTranslationActive(module) ? WrapResource(handle, module, name, type) : handle;
+}
+
+HRSRC WINAPI NewFindResourceW(HMODULE module, const wchar_t* name, const wchar_t* type) {
+    HRSRC handle = QX_REAL(FindResourceW)(module, name, type);
+    return IsTranslationActive(module) ? WrapResource(handle, module, name, type) : handle;
+}
+
+// The two Ex functions hand type and name on in exchanged places when nothing is translated, so a
+// caller in an excluded module finds a resource only by naming it the wrong way round.
+HRSRC WINAPI NewFindResourceExA(HMODULE module, const char* type, const char* name, WORD language) {
+    auto real = QX_REAL(FindResourceExA);
+    if (!IsTranslationActive(module)) return real(module, name, type, language);
+    return WrapResource(real(module, type, name, language), module, name, type);
+}
+
+HRSRC WINAPI NewFindResourceExW(HMODULE module, const wchar_t* type, const wchar_t* name,
+                                WORD language) {
+    auto real = QX_REAL(FindResourceExW);
+    if (!IsTranslationActive(module)) return real(module, name, type, language);
+    return WrapResource(real(module, type, name, language), module, name, type);
+}
+
+HGLOBAL WINAPI NewLoadResource(HMODULE module, HRSRC resource) {
+    return MayBeRecord(resource) ? LoadAny(module, resource)
+                                 : QX_REAL(LoadResource)(module, resource);
+}
+
+// What LoadResource gave is the block already.
+void* WINAPI NewLockResource(HGLOBAL loaded) {
+    return IsTranslationActive(loaded) ? loaded : QX_REAL(LockResource)(loaded);
+}
+
+// The system frees no resource, so neither a record nor a block is freed by it. Null is read like a
+// record.
+BOOL WINAPI NewFreeResource(HGLOBAL loaded) {
+    if (!loaded && IsTranslationActive(loaded)) FaultAtMarker(loaded);
+    return QX_REAL(FreeResource)(loaded);
+}
+
+DWORD WINAPI NewSizeofResource(HMODULE module, HRSRC resource) {
+    return MayBeRecord(resource) ? SizeOfAny(module, resource)
+                                 : QX_REAL(SizeofResource)(module, resource);
+}
