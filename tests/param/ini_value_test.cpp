@@ -1,6 +1,6 @@
 // The text forms of values, which the writers of ini text share. No export shows them yet, so the
 // source is built in.
-#include "param/ini_value.h"
+#include "param/ini/ini_value.h"
 
 #include "param/tree_text.h"
 

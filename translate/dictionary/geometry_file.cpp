@@ -1,7 +1,7 @@
 #include "translate/dictionary/geometry_file.h"
 
 #include "core/reference.h"
-#include "param/each_name.h"
+#include "param/names/each_name.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/param.h>

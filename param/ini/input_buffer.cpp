@@ -1,4 +1,4 @@
-#include "param/input_buffer.h"
+#include "param/ini/input_buffer.h"
 
 #include <cstring>
 

@@ -1,8 +1,8 @@
-#include "param/ini_reader.h"
+#include "param/ini/ini_reader.h"
 
 #include "core/reference.h"
-#include "param/ini_value.h"
-#include "param/input_buffer.h"
+#include "param/ini/ini_value.h"
+#include "param/ini/input_buffer.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/list.h>

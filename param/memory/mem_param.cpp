@@ -1,7 +1,7 @@
-#include "param/mem_param.h"
+#include "param/memory/mem_param.h"
 
-#include "param/each_name.h"
-#include "param/path.h"
+#include "param/names/each_name.h"
+#include "param/names/path.h"
 
 #include <qxcore/exception.h>
 

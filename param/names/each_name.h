@@ -1,6 +1,6 @@
 // A walk over the names that an enumerator delivers.
-#ifndef QXCORE_PARAM_EACH_NAME_H
-#define QXCORE_PARAM_EACH_NAME_H
+#ifndef QXCORE_PARAM_NAMES_EACH_NAME_H
+#define QXCORE_PARAM_NAMES_EACH_NAME_H
 
 #include "core/reference.h"
 

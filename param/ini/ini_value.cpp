@@ -1,6 +1,6 @@
-#include "param/ini_value.h"
+#include "param/ini/ini_value.h"
 
-#include "param/c_locale.h"
+#include "param/ini/c_locale.h"
 
 #include <array>
 #include <cctype>

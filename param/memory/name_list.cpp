@@ -1,4 +1,4 @@
-#include "param/name_list.h"
+#include "param/memory/name_list.h"
 
 #include <cstring>
 #include <new>

@@ -4,11 +4,11 @@
 // The map compares hashes and nothing else, so it needs no texts: two names with one hash are one
 // item. The list compares texts without regard to case. Replacing an item keeps its place and its
 // first spelling in the list.
-#ifndef QXCORE_PARAM_NAMED_ITEMS_H
-#define QXCORE_PARAM_NAMED_ITEMS_H
+#ifndef QXCORE_PARAM_MEMORY_NAMED_ITEMS_H
+#define QXCORE_PARAM_MEMORY_NAMED_ITEMS_H
 
 #include "core/reference.h"
-#include "param/name_list.h"
+#include "param/memory/name_list.h"
 
 #include <qxcore/hash.h>
 #include <qxcore/map.h>

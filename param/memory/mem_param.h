@@ -1,8 +1,8 @@
 // A node of a parameter tree in memory.
-#ifndef QXCORE_PARAM_MEM_PARAM_H
-#define QXCORE_PARAM_MEM_PARAM_H
+#ifndef QXCORE_PARAM_MEMORY_MEM_PARAM_H
+#define QXCORE_PARAM_MEMORY_MEM_PARAM_H
 
-#include "param/named_items.h"
+#include "param/memory/named_items.h"
 
 #include <qxcore/attached.h>
 #include <qxcore/param.h>

@@ -1,6 +1,6 @@
 // The paths in names: levels divided by "\", by whole characters of the code page.
-#ifndef QXCORE_PARAM_PATH_H
-#define QXCORE_PARAM_PATH_H
+#ifndef QXCORE_PARAM_NAMES_PATH_H
+#define QXCORE_PARAM_NAMES_PATH_H
 
 #include <qxcore/string.h>
 

@@ -4,11 +4,11 @@
 // starts a comment that runs to its end, wherever it stands. There is no way to escape either. A
 // physical line of no bytes, a lone line feed, ends the input like the end of the file; one with a
 // carriage return does not.
-#ifndef QXCORE_PARAM_INPUT_BUFFER_H
-#define QXCORE_PARAM_INPUT_BUFFER_H
+#ifndef QXCORE_PARAM_INI_INPUT_BUFFER_H
+#define QXCORE_PARAM_INI_INPUT_BUFFER_H
 
 #include "core/reference.h"
-#include "param/ini_characters.h"
+#include "param/ini/ini_characters.h"
 
 #include <qxcore/file.h>
 

@@ -1,4 +1,4 @@
-#include "param/path.h"
+#include "param/names/path.h"
 
 #include <cstring>
 #include <mbctype.h>

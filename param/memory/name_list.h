@@ -1,6 +1,6 @@
 // The names of one name space in the order of first creation, and the walks over them.
-#ifndef QXCORE_PARAM_NAME_LIST_H
-#define QXCORE_PARAM_NAME_LIST_H
+#ifndef QXCORE_PARAM_MEMORY_NAME_LIST_H
+#define QXCORE_PARAM_MEMORY_NAME_LIST_H
 
 #include <qxcore/enum.h>
 #include <qxcore/listitem.h>
