@@ -1,7 +1,36 @@
 #include <qxcore/fileops.h>
 
-#include "file/file_error.h"
-#include "file/scheme.h"
+#include "file/platform/file_error.h"
+#include "file/shapes/file_scheme.h"
+
+using qx::RaiseFileError;
+
+namespace {
+
+// Memory file, then URL, then local.
+const qx::FileScheme& SchemeOf(const char* path) {
+    if (qx::g_memoryScheme.serves(path)) return qx::g_memoryScheme;
+    if (qx::g_urlScheme.serves(path)) return qx::g_urlScheme;
+    return qx::g_localScheme;
+}
+
+}  // namespace
+
+IXFile* Fio_Open(const char* path, int flags) {
+    try {
+        return SchemeOf(path).open(path, flags);
+    } catch (CXMemException&) {
+        return nullptr;
+    }
+}
+
+IXOutFile* Fio_OpenOut(const char* path, int flags) {
+    try {
+        return SchemeOf(path).openOut(path, flags);
+    } catch (CXMemException&) {
+        return nullptr;
+    }
+}
 
 int Fio_IsFileExist(const char* path) {
     try {

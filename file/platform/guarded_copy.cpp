@@ -1,4 +1,4 @@
-#include "file/guarded_copy.h"
+#include "file/platform/guarded_copy.h"
 
 #include <qxcore/platform.h>
 

@@ -1,10 +1,12 @@
 // Owners of what the file layer takes from the operating system.
-#ifndef QXCORE_FILE_HANDLES_H
-#define QXCORE_FILE_HANDLES_H
+#ifndef QXCORE_FILE_PLATFORM_HANDLES_H
+#define QXCORE_FILE_PLATFORM_HANDLES_H
 
 #include <qxcore/platform.h>
 
 #include <utility>
+
+namespace qx {
 
 // A kernel handle. Both of the platform's spellings of "none" become null.
 class KernelHandle {
@@ -57,5 +59,7 @@ public:
 private:
     unsigned char* m_base = nullptr;
 };
+
+}  // namespace qx
 
 #endif

@@ -1,7 +1,9 @@
-#include "file/xfile.h"
+#include "file/local/xfile.h"
 
-#include "file/file_error.h"
-#include "file/temp_name.h"
+#include "file/platform/file_error.h"
+#include "file/platform/temp_name.h"
+
+namespace qx {
 
 namespace {
 
@@ -146,3 +148,5 @@ unsigned CXFile::End() {
     if (!closed) throw CXFileException(QXERR_MEMORY, path, mode);
     return 0;
 }
+
+}  // namespace qx

@@ -1,9 +1,9 @@
 // What files whose bytes are seen through a window in memory share: reading, the position, typed
 // access, lines.
-#ifndef QXCORE_FILE_WINDOW_FILE_H
-#define QXCORE_FILE_WINDOW_FILE_H
+#ifndef QXCORE_FILE_SHAPES_WINDOW_FILE_H
+#define QXCORE_FILE_SHAPES_WINDOW_FILE_H
 
-#include "file/guarded_copy.h"
+#include "file/platform/guarded_copy.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+
+namespace qx {
 
 // Self is the class on top, I its interface. Self has
 //     void Write(const void* bytes, unsigned count);
@@ -159,5 +161,7 @@ private:
     uint64_t m_readableLength = 0;
     unsigned m_references = 1;
 };
+
+}  // namespace qx
 
 #endif

@@ -1,6 +1,8 @@
-#include "file/xoutfile.h"
+#include "file/local/xoutfile.h"
 
-#include "file/file_lock.h"
+#include "file/local/file_lock.h"
+
+namespace qx {
 
 CXOutFile::CXOutFile(const char* target, const char* temp, int flags)
     : CForwardingFile(target), m_temp(temp) {
@@ -60,3 +62,5 @@ CXOutFile::~CXOutFile() {
     UnlockTarget();
     DeleteFileA(m_temp);
 }
+
+}  // namespace qx

@@ -1,13 +1,15 @@
-#include "file/file_lock.h"
+#include "file/local/file_lock.h"
 
-#include "file/file_error.h"
-#include "file/handles.h"
+#include "file/platform/file_error.h"
+#include "file/platform/handles.h"
 
 #include <qxcore/file.h>
 #include <qxcore/listitem.h>
 #include <qxcore/string.h>
 
 #include <cstring>
+
+using qx::KernelHandle;
 
 namespace {
 
@@ -51,7 +53,7 @@ bool TakeDiskLock(LockRecord& record) {
 }
 
 void ReleaseDiskLock(LockRecord& record) {
-    if (record.exclusiveCount) RaiseFileError(record.path, QXOP_UNLOCK);
+    if (record.exclusiveCount) qx::RaiseFileError(record.path, QXOP_UNLOCK);
     record.hold.Close();
     record.secondHold.Close();
 }

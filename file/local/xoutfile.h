@@ -1,9 +1,11 @@
 // CXOutFile: a local file that appears whole on Commit, written to a temporary file in the target's
 // directory.
-#ifndef QXCORE_FILE_XOUTFILE_H
-#define QXCORE_FILE_XOUTFILE_H
+#ifndef QXCORE_FILE_LOCAL_XOUTFILE_H
+#define QXCORE_FILE_LOCAL_XOUTFILE_H
 
-#include "file/forwarding_file.h"
+#include "file/shapes/forwarding_file.h"
+
+namespace qx {
 
 class CXOutFile final : public CForwardingFile<IXOutFile, IXFile> {
 public:
@@ -21,5 +23,7 @@ private:
     CXString m_temp;
     bool m_committed = false;
 };
+
+}  // namespace qx
 
 #endif

@@ -1,10 +1,12 @@
-// The kinds of paths, and what serves each: the one place where a path is sorted.
-#ifndef QXCORE_FILE_SCHEME_H
-#define QXCORE_FILE_SCHEME_H
+// The kinds of paths, and what serves each.
+#ifndef QXCORE_FILE_SHAPES_FILE_SCHEME_H
+#define QXCORE_FILE_SHAPES_FILE_SCHEME_H
 
 #include <qxcore/file.h>
 
 struct FioFileInfo;
+
+namespace qx {
 
 struct FileScheme {
     bool (*serves)(const char* path);
@@ -16,7 +18,12 @@ struct FileScheme {
     int (*isWritableFile)(const char* path);
 };
 
-// Memory file, then URL, then local; a null path is local.
-const FileScheme& SchemeOf(const char* path);
+// Each stands in the room of its name. The local one serves whatever it is asked for, a null path
+// too.
+extern const FileScheme g_memoryScheme;
+extern const FileScheme g_urlScheme;
+extern const FileScheme g_localScheme;
+
+}  // namespace qx
 
 #endif

@@ -1,12 +1,14 @@
-#include "file/local_scheme.h"
+#include "file/shapes/file_scheme.h"
 
-#include "file/file_error.h"
-#include "file/file_lock.h"
-#include "file/temp_name.h"
-#include "file/xfile.h"
-#include "file/xoutfile.h"
+#include "file/platform/file_error.h"
+#include "file/local/file_lock.h"
+#include "file/platform/temp_name.h"
+#include "file/local/xfile.h"
+#include "file/local/xoutfile.h"
 
 #include <qxcore/fileops.h>
+
+namespace qx {
 
 namespace {
 
@@ -118,3 +120,5 @@ constinit const FileScheme g_localScheme = {
     .createDirectory = CreateLocalDirectory,
     .isWritableFile = IsWritableLocalFile,
 };
+
+}  // namespace qx

@@ -1,9 +1,11 @@
-#include "file/temp_name.h"
+#include "file/platform/temp_name.h"
 
 #include <qxcore/fileops.h>
 #include <qxcore/platform.h>
 
 #include <cstring>
+
+namespace qx {
 
 namespace {
 
@@ -28,8 +30,10 @@ bool MakeSystemTempFile(char (&path)[kTempNameSize]) {
     return length && length < kTempNameSize && MakeTempFile(directory, path);
 }
 
+}  // namespace qx
+
 const char* Fio_GetTempFileName() {
-    static char path[kTempNameSize];
-    MakeSystemTempFile(path);
+    static char path[qx::kTempNameSize];
+    qx::MakeSystemTempFile(path);
     return path;
 }

@@ -3,8 +3,8 @@
 // A mapped file raises a fault of the processor where its disk fails, and a memory file's address
 // may be wrong. These copies answer false then, having copied some of the bytes or none; the
 // process goes on. Safe in every thread.
-#ifndef QXCORE_FILE_GUARDED_COPY_H
-#define QXCORE_FILE_GUARDED_COPY_H
+#ifndef QXCORE_FILE_PLATFORM_GUARDED_COPY_H
+#define QXCORE_FILE_PLATFORM_GUARDED_COPY_H
 
 #include <cstddef>
 
@@ -16,6 +16,8 @@ int qx_guarded_copy_8(void* to, const void* from);
 int qx_guarded_copy_block(void* to, const void* from, size_t count);
 ptrdiff_t qx_guarded_copy_line(char* to, const char* from, size_t count);
 }
+
+namespace qx {
 
 // The sizes of the typed reads and writes are one load and one store each.
 inline bool GuardedCopy(void* to, const void* from, size_t count) {
@@ -38,5 +40,7 @@ inline bool GuardedCopy(void* to, const void* from, size_t count) {
 inline ptrdiff_t GuardedCopyLine(char* to, const void* from, size_t count) {
     return qx_guarded_copy_line(to, static_cast<const char*>(from), count);
 }
+
+}  // namespace qx
 
 #endif

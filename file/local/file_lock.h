@@ -1,8 +1,10 @@
 // The table of locked files, and its scope object.
-#ifndef QXCORE_FILE_FILE_LOCK_H
-#define QXCORE_FILE_FILE_LOCK_H
+#ifndef QXCORE_FILE_LOCAL_FILE_LOCK_H
+#define QXCORE_FILE_LOCAL_FILE_LOCK_H
 
 #include <qxcore/fileops.h>
+
+namespace qx {
 
 // This program's own lock on a file is lifted while the object lives. The text of the path must
 // live as long.
@@ -16,5 +18,7 @@ public:
 private:
     const char* m_path;
 };
+
+}  // namespace qx
 
 #endif

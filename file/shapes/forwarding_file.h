@@ -1,12 +1,14 @@
 // Files that put another file behind a path of their own.
-#ifndef QXCORE_FILE_FORWARDING_FILE_H
-#define QXCORE_FILE_FORWARDING_FILE_H
+#ifndef QXCORE_FILE_SHAPES_FORWARDING_FILE_H
+#define QXCORE_FILE_SHAPES_FORWARDING_FILE_H
 
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
 #include <qxcore/string.h>
 
 #include <utility>
+
+namespace qx {
 
 // Every data operation of interface I goes to the inner file; only GetPath is the object's own.
 // Exceptions pass through with the inner file's path. Without an inner file data operations raise
@@ -49,5 +51,7 @@ protected:
     CXString m_path;
     InnerFile* m_inner = nullptr;
 };
+
+}  // namespace qx
 
 #endif

@@ -1,9 +1,11 @@
-#include "file/url_scheme.h"
+#include "file/shapes/file_scheme.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/fileops.h>
 
 #include <shlwapi.h>
+
+namespace qx {
 
 namespace {
 
@@ -22,6 +24,8 @@ constinit const FileScheme g_urlScheme = {
     .createDirectory = [](const char* url) { RaiseNoService(url, QXOP_CREATE_DIRECTORY); },
     .isWritableFile = [](const char*) { return 0; },
 };
+
+}  // namespace qx
 
 int Fio_PathIsURL(const char* path) {
     return path && PathIsURLA(path);

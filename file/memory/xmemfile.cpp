@@ -1,9 +1,11 @@
-#include "file/xmemfile.h"
+#include "file/memory/xmemfile.h"
 
 #include <qxcore/string_enum.h>
 #include <qxcore/fileops.h>
 
 #include <cstdlib>
+
+namespace qx {
 
 namespace {
 
@@ -46,10 +48,6 @@ constinit const FileScheme g_memoryScheme = {
     .isWritableFile = [](const char*) { return 1; },
 };
 
-int Fio_IsMemFile(const char* path) {
-    return IsMemoryPath(path);
-}
-
 CXMemFile::CXMemFile(const char* path) : CWindowFile(path, QXOP_READ) {
     MemoryRange range(path);
     auto size = uint64_t(int64_t(range.size));
@@ -65,4 +63,10 @@ void CXMemFile::MoveWindow() {
 unsigned CXMemFile::End() {
     delete this;
     return 0;
+}
+
+}  // namespace qx
+
+int Fio_IsMemFile(const char* path) {
+    return qx::IsMemoryPath(path);
 }

@@ -1,4 +1,6 @@
-#include "file/file_error.h"
+#include "file/platform/file_error.h"
+
+namespace qx {
 
 namespace {
 
@@ -47,3 +49,5 @@ int CodeOfSystemError(DWORD error) {
 void RaiseFileError(const char* name, int operation) {
     throw CXFileException(CodeOfSystemError(GetLastError()), name, operation);
 }
+
+}  // namespace qx

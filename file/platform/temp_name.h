@@ -1,8 +1,10 @@
 // Names of temporary files. All of the library's start with the same prefix.
-#ifndef QXCORE_FILE_TEMP_NAME_H
-#define QXCORE_FILE_TEMP_NAME_H
+#ifndef QXCORE_FILE_PLATFORM_TEMP_NAME_H
+#define QXCORE_FILE_PLATFORM_TEMP_NAME_H
 
 #include <cstddef>
+
+namespace qx {
 
 inline constexpr size_t kTempNameSize = 512;
 
@@ -10,5 +12,7 @@ inline constexpr size_t kTempNameSize = 512;
 bool MakeTempFile(const char* directory, char (&path)[kTempNameSize]);
 // The same in the system's directory for temporary files.
 bool MakeSystemTempFile(char (&path)[kTempNameSize]);
+
+}  // namespace qx
 
 #endif

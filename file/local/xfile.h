@@ -1,10 +1,12 @@
 // CXFile: a local file, read and written through a sliding view of its mapping.
-#ifndef QXCORE_FILE_XFILE_H
-#define QXCORE_FILE_XFILE_H
+#ifndef QXCORE_FILE_LOCAL_XFILE_H
+#define QXCORE_FILE_LOCAL_XFILE_H
 
-#include "file/file_lock.h"
-#include "file/handles.h"
-#include "file/window_file.h"
+#include "file/local/file_lock.h"
+#include "file/platform/handles.h"
+#include "file/shapes/window_file.h"
+
+namespace qx {
 
 // The view is one chunk long, two allocation granularities, and starts at a multiple of it. An
 // output file grows on disk by whole chunks; the last release cuts it to its length.
@@ -37,5 +39,7 @@ private:
     MappedView m_view;
     uint64_t m_chunk;
 };
+
+}  // namespace qx
 
 #endif
