@@ -1,9 +1,9 @@
 #include <qxcore/storage.h>
 
-#include "storage/compound_check.h"
-#include "storage/ole_failure.h"
-#include "storage/ole_name.h"
-#include "storage/ole_storage.h"
+#include "storage/compound/compound_check.h"
+#include "storage/compound/ole_failure.h"
+#include "storage/compound/ole_name.h"
+#include "storage/compound/ole_storage.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/fileops.h>

@@ -1,0 +1,160 @@
+#include "storage/compound/ole_storage.h"
+
+#include "core/memory_manager.h"
+#include "storage/compound/ole_failure.h"
+#include "storage/compound/ole_name.h"
+#include "storage/compound/ole_stream.h"
+#include "storage/summary/summary_info.h"
+
+#include <qxcore/exception.h>
+#include <qxcore/list.h>
+
+#include <new>
+
+namespace {
+
+// A refused name never reaches the platform, whose implementations differ in what they let pass.
+template <class Call>
+HRESULT WithElementName(OleName& wide, const char* name, Call call) {
+    wide.Set(name);
+    return wide.NamesElement() ? call(wide.Text()) : STG_E_INVALIDNAME;
+}
+
+HRESULT DeleteElement(IStorage* ole, OleName& wide, const char* name) {
+    HRESULT status =
+        WithElementName(wide, name, [&](const wchar_t* text) { return ole->DestroyElement(text); });
+    if (FAILED(status)) throw CXFileException(CodeOfStatus(status), nullptr, QXOP_DELETE_ELEMENT);
+    return status;
+}
+
+IXStream* NewStream(HRESULT status, const char* name, IStream* ole) {
+    return FAILED(status) ? nullptr : new (std::nothrow) CStream(name, ole);
+}
+
+void CheckPlain(HRESULT status) {
+    if (FAILED(status)) throw CXException(CodeOfStatus(status));
+}
+
+// An element that the platform has described, with its name.
+struct Element : STATSTG {
+    explicit Element(IMalloc* allocator) : STATSTG{}, allocator(allocator) {}
+    Element(const Element&) = delete;
+    Element& operator=(const Element&) = delete;
+    ~Element() { allocator->Free(pwcsName); }
+
+    IMalloc* allocator;
+};
+
+const char* NarrowName(const wchar_t* name) {
+    constexpr int kSize = 512;
+    static constinit char narrow[kSize] = {};
+    if (!WideCharToMultiByte(CP_ACP, 0, name, -1, narrow, kSize, nullptr, nullptr))
+        narrow[kSize - 1] = 0;
+    return narrow;
+}
+
+}  // namespace
+
+DWORD OleModeOf(unsigned flags, OleRole role) {
+    bool transacted = flags & QXSTG_TRANSACTED, readOnly = flags & QXSTG_READ_ONLY,
+         root = role == OleRole::Root;
+    DWORD mode = STGM_SHARE_EXCLUSIVE;
+    if (!readOnly) mode |= STGM_READWRITE;
+    if (transacted && role != OleRole::Stream) mode |= STGM_TRANSACTED;
+    if (root && (flags & QXSTG_DELETE_ON_RELEASE)) mode |= STGM_DELETEONRELEASE;
+    if (root && transacted && readOnly && g_memory.isWin9x) mode |= STGM_NOSCRATCH;
+    return mode;
+}
+
+COleStorage::COleStorage(IStorage* ole, unsigned flags, IXStorage* parent, const char* path)
+    : m_path(path), m_flags(flags), m_parent(Hold(parent)), m_ole(Hold(ole)) {}
+
+COleStorage::~COleStorage() {
+    Commit();
+}
+
+int COleStorage::QueryInterface(qx_type_info const& id, IQXUnknown** out) {
+    if (id != qx_typeid<IQXProperty>()) return InternalQueryInterface(id, out);
+    if (!out) return 1;
+    *out = new_SummaryInfo(m_ole.Get());
+    return *out != nullptr;
+}
+
+IXStorage* COleStorage::NewChild(HRESULT status, IStorage* ole, const char* name) {
+    if (FAILED(status)) throw CXFileException(CodeOfStatus(status), name, QXOP_OPEN);
+    return new (std::nothrow) COleStorage(ole, m_flags, this, m_path);
+}
+
+IXStorage* COleStorage::CreateStorage(const char* name, int) {
+    static constinit OleName wide;
+    Reference<IStorage> child;
+    HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
+        return m_ole->CreateStorage(text, OleModeOf(m_flags, OleRole::SubStorage) | STGM_CREATE, 0,
+                                    0, child.Out());
+    });
+    return NewChild(status, child.Get(), name);
+}
+
+IXStorage* COleStorage::OpenStorage(const char* name) {
+    static constinit OleName wide;
+    Reference<IStorage> child;
+    HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
+        return m_ole->OpenStorage(text, nullptr, OleModeOf(m_flags, OleRole::SubStorage), nullptr,
+                                  0, child.Out());
+    });
+    return NewChild(status, child.Get(), name);
+}
+
+HRESULT COleStorage::DeleteStorage(const char* name) {
+    static constinit OleName wide;
+    return DeleteElement(m_ole.Get(), wide, name);
+}
+
+IXStream* COleStorage::CreateStream(const char* name) {
+    static constinit OleName wide;
+    Reference<IStream> stream;
+    HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
+        return m_ole->CreateStream(text, OleModeOf(m_flags, OleRole::Stream) | STGM_CREATE, 0, 0,
+                                   stream.Out());
+    });
+    return NewStream(status, name, stream.Get());
+}
+
+IXStream* COleStorage::OpenStream(const char* name) {
+    static constinit OleName wide;
+    Reference<IStream> stream;
+    HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
+        return m_ole->OpenStream(text, nullptr, OleModeOf(m_flags, OleRole::Stream), 0,
+                                 stream.Out());
+    });
+    return NewStream(status, name, stream.Get());
+}
+
+HRESULT COleStorage::DeleteStream(const char* name) {
+    static constinit OleName wide;
+    return DeleteElement(m_ole.Get(), wide, name);
+}
+
+// A storage that is read-only and transacted commits all the same.
+void COleStorage::Commit() {
+    if (m_flags != QXSTG_READ_ONLY) m_ole->Commit(STGC_DEFAULT);
+}
+
+void COleStorage::Revert() {
+    if (m_flags & QXSTG_TRANSACTED) m_ole->Revert();
+}
+
+CTEnum<const char*>* COleStorage::EnumNames(DWORD type) {
+    Reference<CTListEnum<const char*>> names(new CTListEnum<const char*>);
+    Reference<IEnumSTATSTG> elements;
+    CheckPlain(m_ole->EnumElements(0, nullptr, 0, elements.Out()));
+    Reference<IMalloc> allocator;
+    CheckPlain(CoGetMalloc(1, allocator.Out()));
+    for (;;) {
+        Element element(allocator.Get());
+        HRESULT status = elements->Next(1, &element, nullptr);
+        if (FAILED(status) || status == S_FALSE) break;
+        if (element.type == type) names->AddTail(NarrowName(element.pwcsName));
+    }
+    return names->CreateEnum();
+}

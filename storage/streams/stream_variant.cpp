@@ -1,0 +1,144 @@
+#include "storage/streams/stream_variant.h"
+
+#include "core/reference.h"
+#include "variant/value_block.h"
+
+#include <qxcore/exception.h>
+#include <qxcore/persist.h>
+#include <qxcore/variant.h>
+
+#include <climits>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr int kOwnForm = 0;  // not a plain copy of the value area
+
+// The bytes of the value area that travel, by type code. The empty kinds carry 4 bytes all the
+// same.
+constexpr int kPayload[] = {
+    4,         // QXVT_EMPTY
+    4,         // QXVT_BOOL
+    1,         // QXVT_UI1
+    2,         // QXVT_UI2
+    4,         // QXVT_ULONG
+    4,         // QXVT_INT
+    4,         // QXVT_UINT
+    4,         // QXVT_LONG
+    8,         // QXVT_DOUBLE
+    4,         // QXVT_FLOAT
+    kOwnForm,  // QXVT_STRING
+    8,         // QXVT_SIZE
+    16,        // QXVT_RSIZE
+    8,         // QXVT_POINT
+    16,        // QXVT_RPOINT
+    16,        // QXVT_RECT
+    32,        // QXVT_RRECT
+    kOwnForm,  // QXVT_BLOB
+    kOwnForm,  // QXVT_UNKNOWN
+};
+
+struct ValueDeleter {
+    void operator()(char* block) const { FreeValue(block); }
+};
+
+class CVariantReader {
+public:
+    explicit CVariantReader(IXStream* stream) : m_stream(stream) {}
+
+    int Read(tagQXVARIANT* variant) {
+        ClearVariant(variant);
+        Fill(&variant->type, sizeof variant->type);
+        if (variant->type > QXVT_UNKNOWN) Refuse();
+        switch (variant->type) {
+            case QXVT_STRING:
+                return ReadText(variant->value.string);
+            case QXVT_BLOB:
+                return ReadBlob(variant->value.blob);
+            case QXVT_UNKNOWN:
+                ReadObjectFromXStream(m_stream, &variant->value.unknown);
+                return 1;
+            default:
+                return Fill(&variant->value, kPayload[variant->type]);
+        }
+    }
+
+private:
+    // Whether anything came, or nothing was asked for. What the stream does not deliver keeps its
+    // zeros.
+    bool Fill(void* bytes, int count) { return count == 0 || m_stream->Read(bytes, count) != 0; }
+
+    // The terminator travels with the text; one more byte stands guard where it does not.
+    int ReadText(char*& text) {
+        unsigned length = 0;
+        bool hasLength = Fill(&length, sizeof length);
+        if (length > INT_MAX) Refuse();
+        std::unique_ptr<char, ValueDeleter> buffer(
+            static_cast<char*>(AllocValue(static_cast<size_t>(length) + 1)));
+        bool hasText = Fill(buffer.get(), static_cast<int>(length));
+        text = buffer.release();
+        return hasLength && hasText;
+    }
+
+    int ReadBlob(tagQXBLOB& value) {
+        unsigned size = m_stream->ReadLong();
+        if (size > INT_MAX) Refuse();
+        QXBlob blob(size);
+        bool hasBytes = Fill(blob.data, static_cast<int>(size));
+        value = blob;
+        blob.data = nullptr;
+        return hasBytes;
+    }
+
+    [[noreturn]] void Refuse() {
+        throw CXFileException(QXERR_FORMAT, m_stream->GetName(), QXOP_READ);
+    }
+
+    IXStream* m_stream;
+};
+
+// A null text travels as an empty one.
+void WriteText(IXStream* stream, const char* text) {
+    if (!text) text = "";
+    size_t length = strlen(text) + 1;
+    if (length > INT_MAX) throw CXMemException();
+    auto count = static_cast<int>(length);
+    stream->Write(&count, sizeof count);
+    stream->Write(text, count);
+}
+
+// Null data counts as no bytes, whatever the size says.
+void WriteBlob(IXStream* stream, const tagQXBLOB& blob) {
+    unsigned size = blob.data ? blob.size : 0;
+    if (size > INT_MAX) throw CXMemException();
+    stream->WriteLong(size);
+    if (size) stream->Write(blob.data, static_cast<int>(size));
+}
+
+// An object that cannot be written is written as a null one.
+void WriteObject(IXStream* stream, IQXUnknown* object) {
+    Reference<IPersistXStream> persistent = Ask<IPersistXStream>(object);
+    WriteObjectToXStream(stream, persistent.Get());
+}
+
+}  // namespace
+
+int ReadStreamVariant(IXStream* stream, tagQXVARIANT* variant) {
+    return CVariantReader(stream).Read(variant);
+}
+
+void WriteStreamVariant(IXStream* stream, const tagQXVARIANT* variant) {
+    stream->Write(&variant->type, sizeof variant->type);
+    switch (variant->type) {
+        case QXVT_STRING:
+            return WriteText(stream, variant->value.string);
+        case QXVT_BLOB:
+            return WriteBlob(stream, variant->value.blob);
+        case QXVT_UNKNOWN:
+            return WriteObject(stream, variant->value.unknown);
+        default:
+            if (variant->type < QXVT_UNKNOWN)
+                stream->Write(&variant->value, kPayload[variant->type]);
+    }
+}

@@ -1,0 +1,202 @@
+// Compound files whose tables do not hang together are refused before the platform follows them.
+//
+// The offsets are those of the published format: sectors of 512 bytes behind a header of 512,
+// directory entries of 128 bytes.
+#include "storage/compound/storage_fixture.h"
+
+namespace {
+
+constexpr unsigned kSector = 512;
+constexpr unsigned kEndOfChain = 0xFFFFFFFE;
+
+class CorruptStorageTest : public StorageTest {
+protected:
+    // A file with a large stream, small ones and a sub-storage.
+    void SetUp() override {
+        {
+            Owned<IXStorage> root(new_Storage(path.c_str(), 0)),
+                child(root->CreateStorage("child", 0));
+            PutStream(root, "large", std::string(20000, 'L'));
+            PutStream(root, "small", std::string(300, 's'));
+            PutStream(child, "leaf", "leaf");
+        }
+        HANDLE file =
+            CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        bytes.resize(GetFileSize(file, nullptr));
+        DWORD read;
+        ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
+        CloseHandle(file);
+    }
+
+    unsigned Number(size_t at) const {
+        unsigned value;
+        memcpy(&value, &bytes[at], 4);
+        return value;
+    }
+    void Put(size_t at, unsigned value) { memcpy(&bytes[at], &value, 4); }
+
+    size_t FatEntry(unsigned sector) const { return (Number(76) + 1) * kSector + sector * 4; }
+    // Where the directory entry of a name stands.
+    size_t EntryOf(const std::string& name) const {
+        std::string wide;
+        for (char c : name) wide += {c, 0};
+        size_t at = bytes.find(wide + Bytes({0, 0}));
+        EXPECT_NE(at, std::string::npos) << name;
+        return at;
+    }
+
+    // What opening the file with these bytes raises, in both modes.
+    std::string Opening() {
+        HANDLE file =
+            CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        DWORD written;
+        WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+        CloseHandle(file);
+        std::string reading =
+            Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 1)); });
+        std::string changing =
+            Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); });
+        EXPECT_EQ(reading, changing);
+        return reading;
+    }
+
+    std::string path = Path("broken.stg");
+    std::string bytes;
+    std::string refused = "15 0 " + path;
+};
+
+enum : size_t {
+    kTypeAt = 66,
+    kLeftAt = 68,
+    kRightAt = 72,
+    kChildAt = 76,
+    kStartAt = 116,
+    kSizeAt = 120
+};
+
+}  // namespace
+
+TEST_F(CorruptStorageTest, TheSoundFileIsOpened) {
+    EXPECT_EQ(Opening(), "nothing");
+}
+
+TEST_F(CorruptStorageTest, AChainThatMeetsItselfIsRefused) {
+    unsigned start = Number(EntryOf("large") + kStartAt);
+    Put(FatEntry(start), start);
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, AChainThatLeavesTheFileIsRefused) {
+    Put(FatEntry(Number(EntryOf("large") + kStartAt)), 0x00FFFFFF);
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, AChainThatIsShorterThanItsStreamIsRefused) {
+    Put(FatEntry(Number(EntryOf("large") + kStartAt)), kEndOfChain);
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, TwoStreamsInOneChainAreRefused) {
+    Put(EntryOf("large") + kStartAt, Number(48));  // the directory's own first sector
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, ASmallStreamOutsideTheMiniStreamIsRefused) {
+    Put(EntryOf("small") + kStartAt, 5000);
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, AStreamThatClaimsMoreThanItsChainIsRefused) {
+    Put(EntryOf("large") + kSizeAt, 0x7FFFFFFF);
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, ADirectoryThatMeetsItselfIsRefused) {
+    unsigned directory = Number(48);
+    Put(FatEntry(directory), directory);
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, ATreeThatMeetsItselfIsRefused) {
+    std::string sound = bytes;
+    size_t directory = (Number(48) + 1) * kSector;
+    for (size_t link : {kLeftAt, kRightAt}) {
+        bytes = sound;
+        size_t entry = EntryOf("large");
+        Put(entry + link, static_cast<unsigned>((entry - directory) / 128));
+        EXPECT_EQ(Opening(), refused);
+    }
+    bytes = sound;
+    Put(EntryOf("child") + kChildAt, Number(directory + kChildAt));
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, AnEntryOutsideTheDirectoryIsRefused) {
+    Put(EntryOf("child") + kChildAt, 4000);
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, AnEntryOfAnUnknownTypeIsRefused) {
+    bytes[EntryOf("small") + kTypeAt] = 9;
+    EXPECT_EQ(Opening(), refused);
+}
+
+TEST_F(CorruptStorageTest, MoreTablesThanSectorsAreRefused) {
+    std::string sound = bytes;
+    for (size_t count : {44, 64, 72}) {  // of the sectors, the mini sectors, the lists
+        bytes = sound;
+        Put(count, 0x7FFFFFFF);
+        EXPECT_EQ(Opening(), refused) << count;
+    }
+}
+
+TEST_F(CorruptStorageTest, AFileCutInItsTablesIsRefused) {
+    bytes.resize(kSector + 100);
+    EXPECT_EQ(Opening(), refused);
+}
+
+// 8 MiB need more sector tables than the header lists.
+TEST_F(CorruptStorageTest, ALargeFileWithListsOfTablesIsOpened) {
+    std::string block(1 << 20, 'B');
+    {
+        Owned<IXStorage> storage(new_Storage(path.c_str(), 0));
+        Owned<IXStream> stream(storage->CreateStream("big"));
+        for (int i = 0; i < 8; ++i) stream->Write(block.data(), 1 << 20);
+    }
+    Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
+    Owned<IXStream> stream(storage->OpenStream("big"));
+    EXPECT_EQ(stream->GetLength(), 8 << 20);
+}
+
+TEST_F(CorruptStorageTest, AFileOfLargeSectorsIsOpened) {
+    IStorage* ole = nullptr;
+    STGOPTIONS options = {};
+    options.usVersion = 1;
+    options.ulSectorSize = 4096;
+    std::wstring wide = Widen(Path("v4.stg"));
+    ASSERT_EQ(StgCreateStorageEx(wide.c_str(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE,
+                                 STGFMT_DOCFILE, 0, &options, nullptr, IID_IStorage,
+                                 reinterpret_cast<void**>(&ole)),
+              S_OK);
+    {
+        Owned<IXStorage> storage(new_StorageByOleStorage(ole));
+        PutStream(storage, "one", std::string(9000, '1'));
+        PutStream(storage, "two", "2");
+    }
+    ole->Release();
+    Owned<IXStorage> storage(open_Storage(Path("v4.stg").c_str(), 1));
+    EXPECT_EQ(StreamOf(storage, "one"), std::string(9000, '1'));
+    EXPECT_EQ(StreamOf(storage, "two"), "2");
+}
+
+TEST_F(CorruptStorageTest, AFileWithDeletedElementsIsOpened) {
+    {
+        Owned<IXStorage> storage(open_Storage(path.c_str(), 0));
+        storage->DeleteStream("large");
+        storage->DeleteStorage("child");
+        PutStream(storage, "after", std::string(5000, 'a'));
+        PutStream(storage, "empty", "");
+    }
+    Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
+    EXPECT_EQ(Names(storage->EnumStreams()), (List{"after", "empty", "small"}));
+}

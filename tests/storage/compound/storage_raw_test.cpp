@@ -1,0 +1,107 @@
+// What the platform's own calls write is read by us, and what we write is read by them.
+#include "storage/compound/storage_fixture.h"
+
+namespace {
+
+constexpr DWORD kWrite = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
+constexpr DWORD kRead = STGM_READ | STGM_SHARE_EXCLUSIVE;
+
+struct RawStorage {
+    ~RawStorage() {
+        if (ole) ole->Release();
+    }
+    IStorage* operator->() const { return ole; }
+    IStorage* ole = nullptr;
+};
+
+void RawPut(IStorage* storage, const wchar_t* name, const std::string& bytes) {
+    IStream* stream = nullptr;
+    ASSERT_EQ(storage->CreateStream(name, kWrite, 0, 0, &stream), S_OK);
+    ULONG written;
+    EXPECT_EQ(stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), &written), S_OK);
+    stream->Release();
+}
+
+std::string RawGet(IStorage* storage, const wchar_t* name) {
+    IStream* stream = nullptr;
+    if (FAILED(storage->OpenStream(name, nullptr, kRead, 0, &stream))) return "(none)";
+    STATSTG facts = {};
+    stream->Stat(&facts, STATFLAG_NONAME);
+    std::string bytes(facts.cbSize.LowPart, '?');
+    ULONG read;
+    stream->Read(bytes.data(), static_cast<ULONG>(bytes.size()), &read);
+    stream->Release();
+    return bytes;
+}
+
+}  // namespace
+
+TEST_F(StorageTest, WhatThePlatformWritesIsRead) {
+    std::string path = Path("raw.stg");
+    {
+        RawStorage root, child;
+        ASSERT_EQ(StgCreateDocfile(Widen(path).c_str(), kWrite, 0, &root.ole), S_OK);
+        RawPut(root.ole, L"small", "abc");
+        RawPut(root.ole, L"large", std::string(70000, 'L'));
+        ASSERT_EQ(root->CreateStorage(L"sub", kWrite, 0, 0, &child.ole), S_OK);
+        RawPut(child.ole, L"variant", Bytes({5, 0, 42, 0, 0, 0, 10, 0, 3, 0, 0, 0, 'o', 'k', 0}));
+    }
+    Owned<IXStorage> root(open_Storage(path.c_str(), 1)), child(root->OpenStorage("sub"));
+    EXPECT_EQ(Names(root->EnumStreams()), (List{"large", "small"}));
+    EXPECT_EQ(Names(root->EnumStorages()), List{"sub"});
+    EXPECT_EQ(StreamOf(root, "small"), "abc");
+    EXPECT_EQ(StreamOf(root, "large"), std::string(70000, 'L'));
+    Owned<IXStream> stream(child->OpenStream("variant"));
+    CQXVariant number, text;
+    EXPECT_EQ(stream->ReadVariant(&number), 1);
+    EXPECT_EQ(stream->ReadVariant(&text), 1);
+    EXPECT_TRUE(number == CQXVariant(42));
+    EXPECT_TRUE(text == CQXVariant("ok"));
+}
+
+TEST_F(StorageTest, WhatWeWriteIsReadByThePlatform) {
+    std::string path = Path("ours.stg");
+    {
+        Owned<IXStorage> root(new_Storage(path.c_str(), 0)), child(root->CreateStorage("sub", 0));
+        PutStream(root, "large", std::string(70000, 'L'));
+        Owned<IXStream> stream(child->CreateStream("variant"));
+        CQXVariant number(42), text("ok");
+        stream->WriteVariant(&number);
+        stream->WriteVariant(&text);
+    }
+    RawStorage root, child;
+    ASSERT_EQ(StgOpenStorage(Widen(path).c_str(), nullptr, kRead, nullptr, 0, &root.ole), S_OK);
+    EXPECT_EQ(RawGet(root.ole, L"large"), std::string(70000, 'L'));
+    ASSERT_EQ(root->OpenStorage(L"sub", nullptr, kRead, nullptr, 0, &child.ole), S_OK);
+    EXPECT_EQ(RawGet(child.ole, L"variant"),
+              Bytes({5, 0, 42, 0, 0, 0, 10, 0, 3, 0, 0, 0, 'o', 'k', 0}));
+}
+
+TEST_F(StorageTest, TheStreamUnderAnElementIsThePlatforms) {
+    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Owned<IXStream> stream(storage->CreateStream("one"));
+    stream->Write("abcdef", 6);
+    auto ole = static_cast<IStream*>(Stream_GetOLEStream(stream));
+    STATSTG facts = {};
+    EXPECT_EQ(ole->Stat(&facts, STATFLAG_DEFAULT), S_OK);
+    EXPECT_STREQ(facts.pwcsName, L"one");
+    EXPECT_EQ(facts.cbSize.QuadPart, 6u);
+    CoTaskMemFree(facts.pwcsName);
+    ole->Release();
+}
+
+TEST_F(StorageTest, AStreamOfThePlatformIsWrappedAndCommittedOnClose) {
+    std::string path = Path("wrapped.stg");
+    {
+        RawStorage root;
+        ASSERT_EQ(StgCreateDocfile(Widen(path).c_str(), kWrite, 0, &root.ole), S_OK);
+        IStream* ole = nullptr;
+        ASSERT_EQ(root->CreateStream(L"one", kWrite, 0, 0, &ole), S_OK);
+        Owned<IXStream> stream(new_StreamByOleStream(ole));
+        ole->Release();
+        stream->WriteString("wrapped");
+        stream->WriteLong(0x01020304);
+    }
+    Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
+    EXPECT_EQ(StreamOf(storage, "one"), std::string("wrapped") + Bytes({0, 4, 3, 2, 1}));
+}
