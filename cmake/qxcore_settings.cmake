@@ -33,6 +33,8 @@ endif()
 
 # What a user runs is optimised as the build type says; tests are compiled fast, and alike in every preset.
 add_library(qxcore_product_code INTERFACE)
+# Assertions are for the debug builds; tests keep theirs in every build.
+target_compile_definitions(qxcore_product_code INTERFACE $<$<NOT:$<CONFIG:Debug>>:NDEBUG>)
 add_library(qxcore_test_code INTERFACE)
 if(NOT MSVC)
   set(CMAKE_CXX_FLAGS_RELEASE "")

@@ -19,6 +19,7 @@
 #include <qxcore/platform.h>
 #include <qxcore/progress.h>
 #include <qxcore/property.h>
+#include <qxcore/reference.h>
 #include <qxcore/registry.h>
 #include <qxcore/services.h>
 #include <qxcore/storage.h>

@@ -1,6 +1,6 @@
-#include "core/reference.h"
 #include "objects/proxy.h"
 
+#include <qxcore/reference.h>
 #include <qxcore/registry.h>
 #include <qxcore/stream.h>
 
@@ -23,12 +23,12 @@ public:
 };
 
 // The frame's own class, or a proxy for it, not loaded yet.
-Reference<IPersistXStream> NewObjectOfFrame(const char* className, unsigned size) {
+qx::Reference<IPersistXStream> NewObjectOfFrame(const char* className, unsigned size) {
     IQXUnknown* object;
     if (!CreateObject(className, nullptr, qx_typeid<IPersistXStream>(), &object) || !object) {
-        return Reference<IPersistXStream>(new CXProxy(className, size));
+        return qx::Reference<IPersistXStream>(new CXProxy(className, size));
     }
-    return Reference<IPersistXStream>(static_cast<IPersistXStream*>(object));
+    return qx::Reference<IPersistXStream>(static_cast<IPersistXStream*>(object));
 }
 
 }  // namespace
@@ -60,7 +60,7 @@ int ReadObjectFromXStream(IXStream* stream, IQXUnknown** out) {
     FrameName name(stream);
     if (!name.present) return 0;
     unsigned size = stream->ReadLong();
-    Reference<IPersistXStream> object = NewObjectOfFrame(name.text, size);
+    qx::Reference<IPersistXStream> object = NewObjectOfFrame(name.text, size);
     object->Load(stream);
     return object->QueryInterface(qx_typeid<IQXUnknown>(), out);
 }

@@ -1,8 +1,8 @@
 #include "objects/service_container.h"
 
-#include "core/reference.h"
 #include "objects/service_enum.h"
 
+#include <qxcore/reference.h>
 #include <qxcore/registry.h>
 
 namespace {
@@ -47,14 +47,14 @@ int CQXServiceContainer::GetService(const char* name, IQXUnknown** out) {
 int CQXServiceContainer::AddService(const char* name, IQXUnknown* object) {
     if (GetService(name, nullptr)) return 0;
     services.SetAt(name, object);
-    if (auto sink = Ask<IQXServiceSink>(object)) sink->OnServiceAdded(&handle);
+    if (auto sink = qx::Ask<IQXServiceSink>(object)) sink->OnServiceAdded(&handle);
     return 1;
 }
 
 int CQXServiceContainer::RemoveService(const char* name) {
     IQXUnknown* object;
     if (!services.Lookup(name, object, 1)) return 0;
-    Reference<IQXUnknown> held(object);  // alive while its sink hears of the removal
+    qx::Reference<IQXUnknown> held(object);  // alive while its sink hears of the removal
     services.RemoveKey(name);
     TellRemoved(object);
     return 1;
@@ -68,7 +68,7 @@ void CQXServiceContainer::RemoveAllServices() {
 }
 
 void CQXServiceContainer::TellRemoved(IQXUnknown* object) {
-    if (auto sink = Ask<IQXServiceSink>(object)) sink->OnServiceRemoved(&handle);
+    if (auto sink = qx::Ask<IQXServiceSink>(object)) sink->OnServiceRemoved(&handle);
 }
 
 int CLSID_OFSERVICECONTAINER(IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {

@@ -23,8 +23,8 @@ void Check(HRESULT status, const char* path) {
 
 HRESULT CreateInMemory(DWORD mode, IStorage** out) {
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, kMemoryStorageSize);
-    Reference<ILockBytes> bytes;
-    HRESULT status = CreateILockBytesOnHGlobal(block, TRUE, bytes.Out());
+    qx::Reference<ILockBytes> bytes;
+    HRESULT status = CreateILockBytesOnHGlobal(block, TRUE, bytes.Receive());
     if (FAILED(status)) {
         GlobalFree(block);
         return status;
@@ -57,15 +57,15 @@ private:
 // Failures tell of the path as the caller gave it.
 
 IXStorage* NewMemoryStorage(int flags, DWORD mode) {
-    Reference<IStorage> ole;
-    Check(CreateInMemory(mode, ole.Out()), nullptr);
+    qx::Reference<IStorage> ole;
+    Check(CreateInMemory(mode, ole.Receive()), nullptr);
     return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, "");
 }
 
 IXStorage* NewFileStorage(const char* file, int flags, DWORD mode, const char* given) {
     static constinit OleName wide;
-    Reference<IStorage> ole;
-    Check(StgCreateDocfile(wide.Set(file), mode, 0, ole.Out()), given);
+    qx::Reference<IStorage> ole;
+    Check(StgCreateDocfile(wide.Set(file), mode, 0, ole.Receive()), given);
     return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, file);
 }
 
@@ -91,9 +91,9 @@ IXStorage* open_Storage(const char* path, int readOnly) {
     if (Fio_PathIsURL(path)) throw CXFileException(QXERR_NETWORK, nullptr, QXOP_OPEN);
     if (path && !IsSoundCompoundFile(path)) Check(STG_E_DOCFILECORRUPT, path);
     unsigned flags = readOnly ? QXSTG_READ_ONLY : QXSTG_TRANSACTED;
-    Reference<IStorage> ole;
+    qx::Reference<IStorage> ole;
     Check(StgOpenStorage(wide.Set(path), nullptr, OleModeOf(flags, OleRole::Root), nullptr, 0,
-                         ole.Out()),
+                         ole.Receive()),
           path);
     return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, path);
 }

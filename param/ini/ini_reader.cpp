@@ -1,11 +1,11 @@
 #include "param/ini/ini_reader.h"
 
-#include "core/reference.h"
 #include "param/ini/ini_value.h"
 #include "param/ini/input_buffer.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/list.h>
+#include <qxcore/reference.h>
 
 #include <mbstring.h>
 #include <memory>
@@ -19,7 +19,7 @@ constinit char g_logicalLine[kIniLineSize + 1 + kIniSlack] =
 class IniReader {
 public:
     IniReader(IXFile* file, IParam* root) : m_root(root), m_base(DirectoryOf(file->GetPath())) {
-        Push(Hold(file));
+        Push(qx::Hold(file));
     }
 
     void Read() {
@@ -40,14 +40,14 @@ private:
     IParam* m_root;
     CXString m_base;  // directory of the outermost file, with its delimiter
     Stack m_stack;
-    Reference<IParam> m_current;  // null before the first section header
+    qx::Reference<IParam> m_current;  // null before the first section header
 
     CInputBuffer* Top() {
         auto tail = static_cast<Stack::position>(m_stack.tail);
         return tail ? *m_stack.GetNext(tail) : nullptr;
     }
 
-    void Push(Reference<IXFile> file) {
+    void Push(qx::Reference<IXFile> file) {
         auto buffer = std::make_unique<CInputBuffer>(std::move(file), m_characters);
         m_stack.AddTail(buffer.get());
         buffer.release();
@@ -101,7 +101,7 @@ private:
         if (last >= 0 && argument.GetAt(last) == kQuote) argument.Delete(last, 1);
         if (argument.GetAt(0) == '.') argument = BesideTopFile(argument);
         CXString path = m_base + argument;
-        Reference<IXFile> file(Fio_Open(path, 0));
+        qx::Reference<IXFile> file(Fio_Open(path, 0));
         if (!file) throw CXMemException();
         Push(std::move(file));
     }
@@ -117,7 +117,7 @@ private:
     // "[\a\b" with or without "]". The first two characters go unread, so "[a]" and "[]" name the
     // root like "[\]".
     void ReadSection(char* begin, char* end) {
-        m_current = Hold(m_root);
+        m_current = qx::Hold(m_root);
         if (*m_characters.Previous(begin, end) == ']') *--end = 0;
         char* p = begin;
         for (int i = 0; i < 2 && p < end; ++i) p = m_characters.Next(p, end);
@@ -126,7 +126,7 @@ private:
             char* next =
                 *delimiter ? delimiter + 1 : end;  // behind a NUL there are no further levels
             *delimiter = 0;
-            m_current = Reference<IParam>(m_current->OpenSubParam(p, 1));
+            m_current = qx::Reference<IParam>(m_current->OpenSubParam(p, 1));
             p = next;
         }
     }
@@ -156,6 +156,6 @@ int ReadIniText(IXFile* file, IParam* root) {
 }
 
 int Param_IniFile2Param(const char* path, IParam* param) {
-    Reference<IXFile> file(Fio_Open(path, 0));
+    qx::Reference<IXFile> file(Fio_Open(path, 0));
     return ReadIniText(file.Get(), param);
 }

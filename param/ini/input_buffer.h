@@ -7,10 +7,10 @@
 #ifndef QXCORE_PARAM_INI_INPUT_BUFFER_H
 #define QXCORE_PARAM_INI_INPUT_BUFFER_H
 
-#include "core/reference.h"
 #include "param/ini/ini_characters.h"
 
 #include <qxcore/file.h>
+#include <qxcore/reference.h>
 
 // The longest line in bytes; a longer one comes in pieces that are lines of their own.
 inline constexpr int kIniLineSize = 8192;
@@ -23,7 +23,7 @@ struct IniLine {
 
 class CInputBuffer {
 public:
-    CInputBuffer(Reference<IXFile> file, const IniCharacters& characters)
+    CInputBuffer(qx::Reference<IXFile> file, const IniCharacters& characters)
         : m_file(std::move(file)), m_characters(characters) {}
 
     // False at the end of the input. The line is copied to `out`, which holds kIniLineSize + 1 +
@@ -32,7 +32,7 @@ public:
     IXFile* File() const { return m_file.Get(); }
 
 private:
-    Reference<IXFile> m_file;
+    qx::Reference<IXFile> m_file;
     const IniCharacters& m_characters;
     // What is left of the physical line. The buffer behind it is one for all instances, so what
     // stands behind an include on its line is lost to the included file.

@@ -25,15 +25,15 @@ IParam* CMemParam::Child(const char* name) {
 
 // A new child with a reference for the caller; null while the children are being cleared.
 IParam* CMemParam::AddChild(const char* name) {
-    Reference<IParam> child(new CMemParam(name));
+    qx::Reference<IParam> child(new CMemParam(name));
     return m_children.Set(name, child.Get()) ? child.Detach() : nullptr;
 }
 
 IParam* CMemParam::CreateSubParam(const char* name) {
     if (!name) name = "";
     if (auto path = SplitAtFirst(name)) {
-        Reference<IParam> head(Child(path->head));
-        if (!head) head = Reference<IParam>(AddChild(path->head));
+        qx::Reference<IParam> head(Child(path->head));
+        if (!head) head = qx::Reference<IParam>(AddChild(path->head));
         return head ? head->CreateSubParam(path->tail) : nullptr;
     }
     IParam* child = Child(name);
@@ -45,7 +45,7 @@ IParam* CMemParam::CreateSubParam(const char* name) {
 IParam* CMemParam::OpenSubParam(const char* name, int create) {
     if (!name) name = "";
     if (auto path = SplitAtFirst(name)) {
-        Reference<IParam> head(Child(path->head));
+        qx::Reference<IParam> head(Child(path->head));
         if (head) return head->OpenSubParam(path->tail, create);
         // A missing first level is dropped: "a\b" without "a" makes "b" here.
         return create ? CreateSubParam(path->tail) : nullptr;
@@ -56,7 +56,7 @@ IParam* CMemParam::OpenSubParam(const char* name, int create) {
 
 void CMemParam::DeleteSubParam(const char* name) {
     CXString copy(name);  // the name may lie in the list
-    if (Reference<IParam> child(OpenSubParam(copy, 0)); child) child->Clear();
+    if (qx::Reference<IParam> child(OpenSubParam(copy, 0)); child) child->Clear();
     m_children.Remove(copy);
 }
 
@@ -67,7 +67,7 @@ void CMemParam::DeleteAllSubParams() {
 
 int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
     if (auto path = SplitAtLast(name)) {
-        Reference<IParam> child(OpenSubParam(path->head, 0));
+        qx::Reference<IParam> child(OpenSubParam(path->head, 0));
         return child ? child->GetValue(path->tail, out) : 0;
     }
     CQXVariant* value = m_values.Find(ValueName(name));
@@ -80,7 +80,7 @@ int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
 // shows it, and GetValue never reads it.
 int CMemParam::SetValue(const char* name, const tagQXVARIANT* value) {
     if (auto path = SplitAtLast(name)) {
-        Reference<IParam> child(OpenSubParam(path->head, 1));
+        qx::Reference<IParam> child(OpenSubParam(path->head, 1));
         if (!child) return 0;
         child->SetValue(path->tail, value);
     }

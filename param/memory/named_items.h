@@ -7,11 +7,11 @@
 #ifndef QXCORE_PARAM_MEMORY_NAMED_ITEMS_H
 #define QXCORE_PARAM_MEMORY_NAMED_ITEMS_H
 
-#include "core/reference.h"
 #include "param/memory/name_list.h"
 
 #include <qxcore/hash.h>
 #include <qxcore/map.h>
+#include <qxcore/reference.h>
 
 template <class Item>
 class NamedItems {
@@ -58,11 +58,11 @@ public:
 
 private:
     CTMap<unsigned, Item> m_items;
-    Reference<NameList>
+    qx::Reference<NameList>
         m_names;  // made by the first name or walk: an empty node costs its fields alone
 
     NameList& Names() {
-        if (!m_names) m_names = Reference<NameList>(new NameList);
+        if (!m_names) m_names = qx::Reference<NameList>(new NameList);
         return *m_names.Get();
     }
     // Walks that someone still holds keep the list.

@@ -1,9 +1,8 @@
 #include "storage/compound/compound_check.h"
 
-#include "core/reference.h"
-
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
+#include <qxcore/reference.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -260,7 +259,7 @@ bool CompoundFile::TreeIsSound() {
 
 bool IsSoundCompoundFile(const char* path) {
     try {
-        Reference<IXFile> file(Fio_Open(path, QXFIO_RANDOM));
+        qx::Reference<IXFile> file(Fio_Open(path, QXFIO_RANDOM));
         return !file || CompoundFile(file.Get()).IsSound();
     } catch (CXFileException&) {
         return true;

@@ -67,7 +67,7 @@ DWORD OleModeOf(unsigned flags, OleRole role) {
 }
 
 COleStorage::COleStorage(IStorage* ole, unsigned flags, IXStorage* parent, const char* path)
-    : m_path(path), m_flags(flags), m_parent(Hold(parent)), m_ole(Hold(ole)) {}
+    : m_path(path), m_flags(flags), m_parent(qx::Hold(parent)), m_ole(qx::Hold(ole)) {}
 
 COleStorage::~COleStorage() {
     Commit();
@@ -87,20 +87,20 @@ IXStorage* COleStorage::NewChild(HRESULT status, IStorage* ole, const char* name
 
 IXStorage* COleStorage::CreateStorage(const char* name, int) {
     static constinit OleName wide;
-    Reference<IStorage> child;
+    qx::Reference<IStorage> child;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->CreateStorage(text, OleModeOf(m_flags, OleRole::SubStorage) | STGM_CREATE, 0,
-                                    0, child.Out());
+                                    0, child.Receive());
     });
     return NewChild(status, child.Get(), name);
 }
 
 IXStorage* COleStorage::OpenStorage(const char* name) {
     static constinit OleName wide;
-    Reference<IStorage> child;
+    qx::Reference<IStorage> child;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->OpenStorage(text, nullptr, OleModeOf(m_flags, OleRole::SubStorage), nullptr,
-                                  0, child.Out());
+                                  0, child.Receive());
     });
     return NewChild(status, child.Get(), name);
 }
@@ -112,20 +112,20 @@ HRESULT COleStorage::DeleteStorage(const char* name) {
 
 IXStream* COleStorage::CreateStream(const char* name) {
     static constinit OleName wide;
-    Reference<IStream> stream;
+    qx::Reference<IStream> stream;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->CreateStream(text, OleModeOf(m_flags, OleRole::Stream) | STGM_CREATE, 0, 0,
-                                   stream.Out());
+                                   stream.Receive());
     });
     return NewStream(status, name, stream.Get());
 }
 
 IXStream* COleStorage::OpenStream(const char* name) {
     static constinit OleName wide;
-    Reference<IStream> stream;
+    qx::Reference<IStream> stream;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->OpenStream(text, nullptr, OleModeOf(m_flags, OleRole::Stream), 0,
-                                 stream.Out());
+                                 stream.Receive());
     });
     return NewStream(status, name, stream.Get());
 }
@@ -145,11 +145,11 @@ void COleStorage::Revert() {
 }
 
 CTEnum<const char*>* COleStorage::EnumNames(DWORD type) {
-    Reference<CTListEnum<const char*>> names(new CTListEnum<const char*>);
-    Reference<IEnumSTATSTG> elements;
-    CheckPlain(m_ole->EnumElements(0, nullptr, 0, elements.Out()));
-    Reference<IMalloc> allocator;
-    CheckPlain(CoGetMalloc(1, allocator.Out()));
+    qx::Reference<CTListEnum<const char*>> names(new CTListEnum<const char*>);
+    qx::Reference<IEnumSTATSTG> elements;
+    CheckPlain(m_ole->EnumElements(0, nullptr, 0, elements.Receive()));
+    qx::Reference<IMalloc> allocator;
+    CheckPlain(CoGetMalloc(1, allocator.Receive()));
     for (;;) {
         Element element(allocator.Get());
         HRESULT status = elements->Next(1, &element, nullptr);

@@ -2,8 +2,8 @@
 #ifndef QXCORE_STORAGE_COMPOUND_OLE_STORAGE_H
 #define QXCORE_STORAGE_COMPOUND_OLE_STORAGE_H
 
-#include "core/reference.h"
 #include <qxcore/platform.h>
+#include <qxcore/reference.h>
 #include <qxcore/storage.h>
 #include <qxcore/string.h>
 
@@ -46,8 +46,8 @@ private:
     // last.
     CXString m_path;
     unsigned m_flags;
-    Reference<IXStorage> m_parent;
-    Reference<IStorage> m_ole;
+    qx::Reference<IXStorage> m_parent;
+    qx::Reference<IStorage> m_ole;
 };
 
 #endif

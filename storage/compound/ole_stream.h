@@ -2,21 +2,21 @@
 #ifndef QXCORE_STORAGE_COMPOUND_OLE_STREAM_H
 #define QXCORE_STORAGE_COMPOUND_OLE_STREAM_H
 
-#include "core/reference.h"
 #include "storage/streams/typed_stream.h"
 
 #include <qxcore/platform.h>
+#include <qxcore/reference.h>
 
 #include <objidl.h>
 
 // Where both hold the stream, so that Stream_GetOLEStream finds it in either.
 class COleStreamHolder : public CQXUnknownImpl<IXStream> {
 public:
-    explicit COleStreamHolder(IStream* ole) : m_ole(Hold(ole)) {}
+    explicit COleStreamHolder(IStream* ole) : m_ole(qx::Hold(ole)) {}
     IStream* NewOleReference() { return m_ole.Share(); }
 
 protected:
-    Reference<IStream> m_ole;
+    qx::Reference<IStream> m_ole;
 };
 
 // An element of a compound file. Nothing is committed here; that is the storage's business.

@@ -1,8 +1,8 @@
-#include "core/reference.h"
 #include "storage/streams/memory_block.h"
 #include "storage/streams/typed_stream.h"
 
 #include <qxcore/progress.h>
+#include <qxcore/reference.h>
 
 #include <new>
 
@@ -12,7 +12,7 @@ namespace {
 class CMemStream final : public CTypedStream<CMemStream>, public IMemBlock {
 public:
     // The sink may be null.
-    explicit CMemStream(IProgress* progress) : m_progress(Hold(progress)) {}
+    explicit CMemStream(IProgress* progress) : m_progress(qx::Hold(progress)) {}
 
     unsigned AddRef() override { return InternalAddRef(); }
     unsigned Release() override { return InternalRelease(); }
@@ -74,7 +74,7 @@ private:
 
     CMemoryBlock m_block;
     int m_position = 0;
-    Reference<IProgress> m_progress;
+    qx::Reference<IProgress> m_progress;
 };
 
 int CMemStream::QueryInterface(qx_type_info const& id, IQXUnknown** out) {

@@ -1,10 +1,10 @@
 #include "storage/streams/stream_variant.h"
 
-#include "core/reference.h"
 #include "variant/value_block.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/persist.h>
+#include <qxcore/reference.h>
 #include <qxcore/variant.h>
 
 #include <climits>
@@ -118,7 +118,7 @@ void WriteBlob(IXStream* stream, const tagQXBLOB& blob) {
 
 // An object that cannot be written is written as a null one.
 void WriteObject(IXStream* stream, IQXUnknown* object) {
-    Reference<IPersistXStream> persistent = Ask<IPersistXStream>(object);
+    qx::Reference<IPersistXStream> persistent = qx::Ask<IPersistXStream>(object);
     WriteObjectToXStream(stream, persistent.Get());
 }
 

@@ -1,10 +1,9 @@
 #include "storage/summary/summary_info.h"
 
-#include "core/reference.h"
-
 #include <qxcore/exception.h>
 #include <qxcore/map.h>
 #include <qxcore/platform.h>
+#include <qxcore/reference.h>
 #include <qxcore/variant.h>
 
 #include <objidl.h>
@@ -55,7 +54,8 @@ class CIQXSummaryInfo final : public CQXUnknownImpl<IQXProperty> {
 
 public:
     explicit CIQXSummaryInfo(IStorage* storage) : m_names(new NameMap) {
-        storage->QueryInterface(IID_IPropertySetStorage, reinterpret_cast<void**>(m_sets.Out()));
+        storage->QueryInterface(IID_IPropertySetStorage,
+                                reinterpret_cast<void**>(m_sets.Receive()));
         if (!m_sets) return;
         for (const NameRow& row : kNames) m_names->SetAt(row.name, row.number);
     }
@@ -77,11 +77,11 @@ public:
 private:
     int Read(const char* name, CQXVariant* value);
     int Write(const char* name, const CQXVariant& value);
-    Reference<IPropertyStorage> OpenSet(bool writing, bool document);
+    qx::Reference<IPropertyStorage> OpenSet(bool writing, bool document);
     bool Find(const char* name, int& number) { return m_sets && m_names->Lookup(name, number); }
 
-    Reference<NameMap> m_names;
-    Reference<IPropertySetStorage> m_sets;
+    qx::Reference<NameMap> m_names;
+    qx::Reference<IPropertySetStorage> m_sets;
 };
 
 // Owns what a property set has handed out.
@@ -93,14 +93,14 @@ struct PropertyValue : PROPVARIANT {
 };
 
 // Writing makes the set when it is missing.
-Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document) {
+qx::Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document) {
     const FMTID& format = document ? FMTID_DocSummaryInformation : FMTID_SummaryInformation;
     DWORD mode = STGM_SHARE_EXCLUSIVE | (writing ? STGM_READWRITE : STGM_READ);
     return OrNothing([&] {
-        Reference<IPropertyStorage> set;
-        HRESULT status = m_sets->Open(format, mode, set.Out());
+        qx::Reference<IPropertyStorage> set;
+        HRESULT status = m_sets->Open(format, mode, set.Receive());
         if (FAILED(status) && writing)
-            m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Out());
+            m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Receive());
         return set;
     });
 }
@@ -110,8 +110,8 @@ Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document
 int CIQXSummaryInfo::Read(const char* name, CQXVariant* value) {
     int number;
     if (!Find(name, number)) return 0;
-    Reference<IPropertyStorage> summary = OpenSet(false, false);
-    Reference<IPropertyStorage> document = OpenSet(false, true);
+    qx::Reference<IPropertyStorage> summary = OpenSet(false, false);
+    qx::Reference<IPropertyStorage> document = OpenSet(false, true);
     IPropertyStorage* set = IsDocument(number) ? document.Get() : summary.Get();
     if (!set) return 0;
     PROPSPEC spec = SpecOf(number);
@@ -128,7 +128,7 @@ int CIQXSummaryInfo::Write(const char* name, const CQXVariant& value) {
     if (!Find(name, number)) return 0;
     char* text = value.type == QXVT_STRING ? value.value.string : nullptr;
     if (!text || !*text) return 0;
-    Reference<IPropertyStorage> set = OpenSet(true, IsDocument(number));
+    qx::Reference<IPropertyStorage> set = OpenSet(true, IsDocument(number));
     if (!set) return 0;
     PROPSPEC spec = SpecOf(number);
     PROPVARIANT written = {};

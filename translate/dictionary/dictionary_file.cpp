@@ -1,9 +1,9 @@
 #include "translate/dictionary/dictionary_file.h"
 
-#include "core/reference.h"
 #include "translate/dictionary/dictionary.h"
 
 #include <qxcore/exception.h>
+#include <qxcore/reference.h>
 
 #include <mbctype.h>
 #include <mbstring.h>
@@ -162,7 +162,7 @@ int ReadQuotedLine(IXFile* file, FileText& text) {
 }
 
 void ReadWldFile(CWld& dictionary, const char* path) {
-    Reference<IXFile> file(Fio_Open(path, 0));
+    qx::Reference<IXFile> file(Fio_Open(path, 0));
     if (!file) throw CXMemException();
     FileText key, value;
     FontSettings font;

@@ -1,8 +1,8 @@
-#include "core/reference.h"
 #include "translate/dictionary/dictionary.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
+#include <qxcore/reference.h>
 #include <qxcore/storage.h>
 
 #include <algorithm>
@@ -20,16 +20,16 @@ CXString EntryName(int ordinal) {
 }
 
 // A storage answers null where it cannot open or create a stream.
-Reference<IXStream> OpenStream(IXStorage* storage, const char* name) {
+qx::Reference<IXStream> OpenStream(IXStorage* storage, const char* name) {
     IXStream* stream = storage->OpenStream(name);
     if (!stream) throw CXFileException(QXERR_NOT_FOUND, name, QXOP_OPEN);
-    return Reference<IXStream>(stream);
+    return qx::Reference<IXStream>(stream);
 }
 
-Reference<IXStream> CreateStream(IXStorage* storage, const char* name) {
+qx::Reference<IXStream> CreateStream(IXStorage* storage, const char* name) {
     IXStream* stream = storage->CreateStream(name);
     if (!stream) throw CXFileException(QXERR_MEMORY, name, QXOP_OPEN);
-    return Reference<IXStream>(stream);
+    return qx::Reference<IXStream>(stream);
 }
 
 // A length that counts the NUL, then the bytes with it.
@@ -69,14 +69,14 @@ private:
 };
 
 void SaveEntry(IXStorage* storage, int ordinal, const CContext& entry) {
-    Reference<IXStream> stream = CreateStream(storage, EntryName(ordinal));
+    qx::Reference<IXStream> stream = CreateStream(storage, EntryName(ordinal));
     WriteText(stream.Get(), entry.source);
     WriteText(stream.Get(), entry.target);
     stream->WriteLong(static_cast<unsigned>(entry.count));
 }
 
 void RestoreEntry(CWld& dictionary, IXStorage* storage, int ordinal) {
-    Reference<IXStream> stream = OpenStream(storage, EntryName(ordinal));
+    qx::Reference<IXStream> stream = OpenStream(storage, EntryName(ordinal));
     StoredText source(stream.Get());
     StoredText target(stream.Get());
     auto entry = std::make_unique<CContext>(source, target);
@@ -85,7 +85,7 @@ void RestoreEntry(CWld& dictionary, IXStorage* storage, int ordinal) {
 }
 
 void SaveHeader(const CWld& dictionary, IXStorage* storage) {
-    Reference<IXStream> header = CreateStream(storage, kHeader);
+    qx::Reference<IXStream> header = CreateStream(storage, kHeader);
     header->WriteLong(static_cast<unsigned>(dictionary.m_nContexts));
     WriteText(header.Get(), dictionary.m_szFontName);
     header->WriteLong(static_cast<unsigned>(dictionary.m_nFontScript));
@@ -93,7 +93,7 @@ void SaveHeader(const CWld& dictionary, IXStorage* storage) {
 }
 
 void RestoreHeader(CWld& dictionary, IXStorage* storage) {
-    Reference<IXStream> header = OpenStream(storage, kHeader);
+    qx::Reference<IXStream> header = OpenStream(storage, kHeader);
     dictionary.m_nContexts = static_cast<int>(header->ReadLong());
     CXString(StoredText(header.Get()))
         .CopyFit(dictionary.m_szFontName, sizeof dictionary.m_szFontName);

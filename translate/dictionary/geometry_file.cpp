@@ -1,10 +1,10 @@
 #include "translate/dictionary/geometry_file.h"
 
-#include "core/reference.h"
 #include "param/names/each_name.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/param.h>
+#include <qxcore/reference.h>
 
 #include <cstdlib>
 #include <memory>
@@ -12,8 +12,8 @@
 namespace {
 
 // The child, or nothing.
-Reference<IParam> Open(IParam* node, const char* name) {
-    return Reference<IParam>(node->OpenSubParam(name, 0));
+qx::Reference<IParam> Open(IParam* node, const char* name) {
+    return qx::Reference<IParam>(node->OpenSubParam(name, 0));
 }
 
 // The context key of a dialog, as MakeResourceKey writes it; the name of one with a number is "#"
@@ -44,7 +44,7 @@ void ReadControl(IParam* dialog, const char* name, QXDlgPos& geometry) {
 void ReadDialog(CWld& dictionary, IParam* dialog, const char* key) {
     CTEnum<const char*>* values = dialog->EnumValues();
     if (!values) return;
-    Reference<CTEnum<const char*>> walk(values);
+    qx::Reference<CTEnum<const char*>> walk(values);
     auto geometry = std::make_unique<QXDlgPos>();
     ReadDialogSize(dialog, *geometry);
     EachName(walk.Detach(), [&](const CXString& name) { ReadControl(dialog, name, *geometry); });
@@ -52,12 +52,12 @@ void ReadDialog(CWld& dictionary, IParam* dialog, const char* key) {
 }
 
 void ReadModule(CWld& dictionary, IParam* tree, const char* module) {
-    Reference<IParam> node = Open(tree, module);
+    qx::Reference<IParam> node = Open(tree, module);
     if (!node) return;
-    Reference<IParam> dialogs = Open(node.Get(), "Dialogs");
+    qx::Reference<IParam> dialogs = Open(node.Get(), "Dialogs");
     if (!dialogs) return;
     EachName(dialogs->EnumSubParams(), [&](const CXString& name) {
-        if (Reference<IParam> dialog = Open(dialogs.Get(), name)) {
+        if (qx::Reference<IParam> dialog = Open(dialogs.Get(), name)) {
             ReadDialog(dictionary, dialog.Get(), DialogKey(module, name));
         }
     });
@@ -71,7 +71,7 @@ void ReadDialogs(CWld& dictionary, IParam* tree) {
 }  // namespace
 
 int ReadDlgFile(CWld& dictionary, const char* path) {
-    Reference<IParam> tree(new_MemParam());
+    qx::Reference<IParam> tree(new_MemParam());
     try {
         if (!Param_IniFile2Param(path, tree.Get())) return 0;
     } catch (CXFileException&) {
