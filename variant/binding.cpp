@@ -1,30 +1,13 @@
+#include "variant/plain_width.h"
 #include "variant/value_block.h"
 
 namespace {
 
-// The bytes that a plain variable of each type shares with the value area; text and objects are
-// owned, not shared.
-constexpr unsigned char kWidths[] = {
-    0,   // EMPTY
-    4,   // BOOL
-    1,   // UI1
-    2,   // UI2
-    4,   // ULONG
-    4,   // INT
-    4,   // UINT
-    4,   // LONG
-    8,   // DOUBLE
-    4,   // FLOAT
-    0,   // STRING
-    8,   // SIZE
-    16,  // RSIZE
-    8,   // POINT
-    16,  // RPOINT
-    16,  // RECT
-    32,  // RRECT
-    16,  // BLOB: the size and the pointer
-    0,   // UNKNOWN
-};
+// The bytes that a variable shares with the value area; text and objects are owned, not shared. A
+// blob variable borrows the size and the pointer.
+constexpr size_t SharedWidth(unsigned short type) {
+    return type == QXVT_BLOB ? sizeof(tagQXBLOB) : static_cast<size_t>(qx::PlainWidth(type));
+}
 
 bool CanBind(unsigned short type) {
     return type >= QXVT_BOOL && type <= QXVT_UNKNOWN;
@@ -55,7 +38,7 @@ tagQXVALUE LoadValue(unsigned short type, const void* variable) {
             loaded.unknown = WithReference(*static_cast<IQXUnknown* const*>(variable));
             break;
         default:
-            memcpy(&loaded, variable, kWidths[type]);
+            memcpy(&loaded, variable, SharedWidth(type));
     }
     return loaded;
 }
@@ -72,7 +55,7 @@ int QXVariantBindToValue(unsigned short type, void* value, const tagQXVARIANT* v
             StoreObject(*static_cast<IQXUnknown**>(value), v->value.unknown);
             break;
         default:
-            memcpy(value, &v->value, kWidths[type]);
+            memcpy(value, &v->value, SharedWidth(type));
     }
     return 1;
 }

@@ -1,5 +1,6 @@
 #include "storage/streams/stream_variant.h"
 
+#include "variant/plain_width.h"
 #include "variant/value_block.h"
 
 #include <qxcore/exception.h>
@@ -13,31 +14,11 @@
 
 namespace {
 
-constexpr int kOwnForm = 0;  // not a plain copy of the value area
-
-// The bytes of the value area that travel, by type code. The empty kinds carry 4 bytes all the
-// same.
-constexpr int kPayload[] = {
-    4,         // QXVT_EMPTY
-    4,         // QXVT_BOOL
-    1,         // QXVT_UI1
-    2,         // QXVT_UI2
-    4,         // QXVT_ULONG
-    4,         // QXVT_INT
-    4,         // QXVT_UINT
-    4,         // QXVT_LONG
-    8,         // QXVT_DOUBLE
-    4,         // QXVT_FLOAT
-    kOwnForm,  // QXVT_STRING
-    8,         // QXVT_SIZE
-    16,        // QXVT_RSIZE
-    8,         // QXVT_POINT
-    16,        // QXVT_RPOINT
-    16,        // QXVT_RECT
-    32,        // QXVT_RRECT
-    kOwnForm,  // QXVT_BLOB
-    kOwnForm,  // QXVT_UNKNOWN
-};
+// The bytes of the value area that travel. An empty value carries 4 bytes all the same.
+constexpr int PayloadWidth(unsigned short type) {
+    constexpr int kEmptyPayload = 4;
+    return type == QXVT_EMPTY ? kEmptyPayload : qx::PlainWidth(type);
+}
 
 struct ValueDeleter {
     void operator()(char* block) const { FreeValue(block); }
@@ -60,7 +41,7 @@ public:
                 ReadObjectFromXStream(m_stream, &variant->value.unknown);
                 return 1;
             default:
-                return Fill(&variant->value, kPayload[variant->type]);
+                return Fill(&variant->value, PayloadWidth(variant->type));
         }
     }
 
@@ -138,7 +119,6 @@ void WriteStreamVariant(IXStream* stream, const tagQXVARIANT* variant) {
         case QXVT_UNKNOWN:
             return WriteObject(stream, variant->value.unknown);
         default:
-            if (variant->type < QXVT_UNKNOWN)
-                stream->Write(&variant->value, kPayload[variant->type]);
+            if (int width = PayloadWidth(variant->type)) stream->Write(&variant->value, width);
     }
 }
