@@ -5,11 +5,39 @@ set(gtest_disable_pthreads ON CACHE BOOL "" FORCE)
 add_subdirectory(${QXCORE_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
 target_link_libraries(gtest PRIVATE $<BUILD_INTERFACE:qxcore_test_code>)
 
+# qxcore_register_test(NAME TARGET [ARGUMENT...]): a program as a test of CTest, which may take TIMEOUT seconds and finds what
+# stands behind ENVIRONMENT there. With several narrow code pages behind CODEPAGE it is a test in each, called NAME_932 and
+# so on, in a folder of its own, since they may run at the same time. In the arguments @RUN@ is the name of the test.
+function(qxcore_register_test name target)
+  cmake_parse_arguments(arg "" "TIMEOUT" "CODEPAGE;ENVIRONMENT" ${ARGN})
+  list(LENGTH arg_CODEPAGE pages)
+  if(pages EQUAL 0)
+    set(arg_CODEPAGE usual)
+  endif()
+  foreach(page ${arg_CODEPAGE})
+    set(run ${name})
+    set(folder ${CMAKE_CURRENT_BINARY_DIR})
+    set(environment ${arg_ENVIRONMENT})
+    if(pages GREATER 0)
+      list(APPEND environment QXCORE_CODEPAGE=${page})
+    endif()
+    if(pages GREATER 1)
+      string(APPEND run _${page})
+      string(APPEND folder /${run}.run)
+      file(MAKE_DIRECTORY ${folder})
+    endif()
+    string(REPLACE "@RUN@" ${run} arguments "${arg_UNPARSED_ARGUMENTS}")
+    add_test(NAME ${run} COMMAND ${target} ${arguments} WORKING_DIRECTORY ${folder})
+    set_tests_properties(${run} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${environment}")
+  endforeach()
+endfunction()
+
 # qxcore_add_test(NAME SOURCE...): a test program over the library's headers, registered with CTest as one test.
-# Its tests must not need an order. Behind LINK stand further libraries, behind CODEPAGE the narrow code page of the run.
-# Behind PROCESSES stands how many processes share a long program's tests; each is one test of CTest then.
+# Its tests must not need an order. Behind LINK stand further libraries. Behind CODEPAGE stand the narrow code pages of the
+# process in which it runs; with several it is one test of CTest in each. Behind PROCESSES stands how many processes share
+# a long program's tests; each is one test of CTest then.
 function(qxcore_add_test name)
-  cmake_parse_arguments(arg "" "CODEPAGE;PROCESSES" "LINK" ${ARGN})
+  cmake_parse_arguments(arg "" "PROCESSES" "LINK;CODEPAGE" ${ARGN})
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
@@ -23,17 +51,14 @@ function(qxcore_add_test name)
   foreach(process RANGE 1 ${arg_PROCESSES})
     set(run ${name})
     set(environment)
-    if(arg_CODEPAGE)
-      list(APPEND environment QXCORE_CODEPAGE=${arg_CODEPAGE})
-    endif()
     if(arg_PROCESSES GREATER 1)
       set(run ${name}_${process})
       math(EXPR shard "${process} - 1")
-      list(APPEND environment GTEST_TOTAL_SHARDS=${arg_PROCESSES} GTEST_SHARD_INDEX=${shard})
+      set(environment GTEST_TOTAL_SHARDS=${arg_PROCESSES} GTEST_SHARD_INDEX=${shard})
     endif()
-    add_test(NAME ${run} COMMAND ${name} --gtest_shuffle --gtest_brief=1
-      --gtest_output=xml:${drive}${PROJECT_BINARY_DIR}/reports/${run}.xml)
-    set_tests_properties(${run} PROPERTIES TIMEOUT 600 ENVIRONMENT "${environment}")
+    qxcore_register_test(${run} ${name} --gtest_shuffle --gtest_brief=1
+      --gtest_output=xml:${drive}${PROJECT_BINARY_DIR}/reports/@RUN@.xml
+      CODEPAGE ${arg_CODEPAGE} ENVIRONMENT ${environment} TIMEOUT 600)
   endforeach()
 endfunction()
 

@@ -20,6 +20,8 @@ constexpr int kLineSize = 8192;
 
 constexpr const char* kPieces[] = {"\"Open\"\r\n",
                                    "\"Auf\"\n",
+                                   "\"\xE3\x82\xBD\"\n",
+                                   "\xE3\x82",
                                    "\"DialogFontName\"\n",
                                    "\"DialogFontScript\"\n",
                                    "\"DialogFontSize\"\n",
@@ -175,7 +177,8 @@ bool HasFont(const CWld& dictionary, const PlainReader& expected) {
 
 bool Round(Random& random) {
     static LowMemory memory(kRoom);
-    _setmbcp(random.Below(2) ? 932 : 1252);
+    constexpr int kCodePages[] = {932, 1252, _MB_CP_ANSI};
+    _setmbcp(kCodePages[random.Below(3)]);
     std::string file = RandomFile(random);
     if (!memory.Data() || file.size() > kRoom) return false;
     memcpy(memory.Data(), file.data(), file.size());

@@ -1,6 +1,6 @@
 // Broken ini text, and broken text that it includes: the reader ends, what it made can be walked
-// and cleared, and nothing but its own exceptions comes out. Half of the rounds run under a
-// double-byte code page.
+// and cleared, and nothing but its own exceptions comes out. The rounds run under a
+// double-byte code page, under none, and under the process's own.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>
@@ -17,12 +17,12 @@ constexpr const char* kIncludes[] = {"#include ini_text_part.ini\r\n",
                                      "#include .\\ini_text_part.ini|"};
 
 constexpr const char* kPieces[] = {
-    "[\\]\r\n",   "[\\a\\b]\r\n", "[",     "]",        "key=i5\r\n", "=",        "|",
-    ";",          "#include ",    "\"",    "\n",       "\r\n",       "t1,2,3,4", "R2.5",
-    "fY",         "b1F",          "w0x10", "stext",    "\x83\x5C",   "\x81\x40", "\x83",
-    "\\",         "# x",          "e",     "p3,4\r\n", "z",          "\t ",      "W-1\r\n",
-    "r1e400\r\n", "T1,2,3",       "u",     "P,,\r\n",  "k\r\n",      "name=",    "[\\s]|k=",
-    "[]"};
+    "[\\]\r\n",   "[\\a\\b]\r\n", "[",       "]",        "key=i5\r\n", "=",        "|",
+    ";",          "#include ",    "\"",      "\n",       "\r\n",       "t1,2,3,4", "R2.5",
+    "fY",         "b1F",          "w0x10",   "stext",    "\x83\x5C",   "\x81\x40", "\x83",
+    "\\",         "# x",          "e",       "p3,4\r\n", "z",          "\t ",      "W-1\r\n",
+    "r1e400\r\n", "T1,2,3",       "u",       "P,,\r\n",  "k\r\n",      "name=",    "[\\s]|k=",
+    "[]",         "\xE3\x82\xBD", "\xE3\x82"};
 
 std::string RandomText(Random& random, bool includes) {
     std::string text = random.Below(4) ? "[\\]\r\n" : "";
@@ -66,7 +66,8 @@ unsigned Walk(IParam* node, unsigned depth) {
 }
 
 bool Round(Random& random) {
-    _setmbcp(random.Below(2) ? 932 : _MB_CP_SBCS);
+    constexpr int kCodePages[] = {932, _MB_CP_SBCS, _MB_CP_ANSI};
+    _setmbcp(kCodePages[random.Below(3)]);
     WriteFile(kFile, RandomText(random, true));
     WriteFile(kIncluded, RandomText(random, false));
     IParam* root = new_MemParam();

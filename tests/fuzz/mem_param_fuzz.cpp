@@ -1,13 +1,38 @@
 // Random operations on a tree in memory against a model that is simple enough to be right: names
-// are folded, each node keeps its entries in order of first creation.
+// are folded, each node keeps its entries in order of first creation. A delimiter is a character of
+// the process's code page.
 #include "fuzz/fuzz_driver.h"
 
 #include <qxcore.h>
+
+#include <mbctype.h>
 
 #include <memory>
 #include <vector>
 
 namespace {
+
+constexpr size_t kNone = std::string::npos;
+
+// Where the delimiters stand. A trail byte that looks like one is none.
+std::vector<size_t> Delimiters(const std::string& name) {
+    std::vector<size_t> places;
+    for (size_t at = 0; at < name.size(); ++at) {
+        if (name[at] == '\\') places.push_back(at);
+        if (_ismbblead(static_cast<unsigned char>(name[at]))) ++at;
+    }
+    return places;
+}
+
+size_t FirstDelimiter(const std::string& name) {
+    std::vector<size_t> places = Delimiters(name);
+    return places.empty() ? kNone : places.front();
+}
+
+size_t LastDelimiter(const std::string& name) {
+    std::vector<size_t> places = Delimiters(name);
+    return places.empty() ? kNone : places.back();
+}
 
 struct Model {
     struct Value {
@@ -34,8 +59,8 @@ struct Model {
     }
 
     std::shared_ptr<Model> Create(const std::string& name) {
-        size_t cut = name.find('\\');
-        if (cut != std::string::npos) {
+        size_t cut = FirstDelimiter(name);
+        if (cut != kNone) {
             std::string head = name.substr(0, cut);
             auto at = Find(children, head);
             if (at == children.end()) {
@@ -55,8 +80,8 @@ struct Model {
     }
 
     std::shared_ptr<Model> Open(const std::string& name, bool create) {
-        size_t cut = name.find('\\');
-        if (cut != std::string::npos) {
+        size_t cut = FirstDelimiter(name);
+        if (cut != kNone) {
             auto at = Find(children, name.substr(0, cut));
             std::string tail = name.substr(cut + 1);
             if (at != children.end()) return at->node->Open(tail, create);
@@ -68,9 +93,8 @@ struct Model {
     }
 
     void Set(const std::string& name, int value) {
-        size_t cut = name.rfind('\\');
-        if (cut != std::string::npos)
-            Open(name.substr(0, cut), true)->Set(name.substr(cut + 1), value);
+        size_t cut = LastDelimiter(name);
+        if (cut != kNone) Open(name.substr(0, cut), true)->Set(name.substr(cut + 1), value);
         std::string own = name.empty() ? "@" : name;
         auto at = Find(values, own);
         if (at == values.end()) {
@@ -95,7 +119,7 @@ struct Model {
         std::string text;
         for (const Value& v : values) {
             // A path under the whole name is not read back.
-            bool path = v.name.find('\\') != std::string::npos;
+            bool path = FirstDelimiter(v.name) != kNone;
             text += v.name + (path ? "" : "=" + std::to_string(v.value)) + ";";
         }
         for (const Child& c : children) text += c.name + "{" + c.node->Text() + "}";
@@ -110,7 +134,7 @@ std::string Text(IParam* node) {
     while (values->Next(1, &name, nullptr)) {
         CQXVariant value;
         text += name;
-        if (!strchr(name, '\\') && node->GetValue(name, &value))
+        if (FirstDelimiter(name) == kNone && node->GetValue(name, &value))
             text += "=" + std::to_string(value.value.intVal);
         text += ";";
     }
@@ -126,10 +150,12 @@ std::string Text(IParam* node) {
 }
 
 std::string RandomName(Random& random, unsigned levels) {
-    static constexpr const char* kNames[] = {"a", "A", "b", "long name", "X1", "x1", "c"};
-    std::string name = kNames[random.Below(7)];
+    static constexpr const char* kNames[] = {"a",  "A", "b",        "long name",   "X1",
+                                             "x1", "c", "\x83\x5C", "\xE3\x82\xBD"};
+    constexpr unsigned kCount = std::size(kNames);
+    std::string name = kNames[random.Below(kCount)];
     while (--levels > 0 && random.Below(3) == 0)
-        name += std::string("\\") + kNames[random.Below(7)];
+        name += std::string("\\") + kNames[random.Below(kCount)];
     return name;
 }
 
