@@ -4,6 +4,8 @@
 
 #include <new>
 
+namespace qx {
+
 namespace {
 
 // Swallows writes and reads as zeros. A seek finds one byte, and nothing but a seek moves the
@@ -39,6 +41,8 @@ private:
 
 }  // namespace
 
+}  // namespace qx
+
 IXStream* new_EmptyStream() {
-    return new (std::nothrow) CEmptyStream;
+    return new (std::nothrow) qx::CEmptyStream;
 }

@@ -2,30 +2,37 @@
 #ifndef QXCORE_STORAGE_STREAMS_MEMORY_BLOCK_H
 #define QXCORE_STORAGE_STREAMS_MEMORY_BLOCK_H
 
+#include <memory>
+
+namespace qx {
+
 class CMemoryBlock {
+    struct FreeBytes {
+        void operator()(char* bytes) const;
+    };
+
 public:
-    CMemoryBlock() = default;
-    ~CMemoryBlock() { Free(data); }
-    CMemoryBlock(const CMemoryBlock&) = delete;
-    CMemoryBlock& operator=(const CMemoryBlock&) = delete;
+    using Bytes = std::unique_ptr<char, FreeBytes>;
 
     bool Holds(long long bytes) const { return bytes <= capacity; }
-    // Makes room for more bytes than it holds. Beyond 2 GB throws CXMemException; a growth of 0
-    // divides by zero.
-    void Grow(long long needed);
+    // Makes room for more bytes than it holds, and answers the old ones, which the caller may still
+    // have a pointer into. Beyond 2 GB throws CXMemException; a growth of 0 divides by zero.
+    [[nodiscard]] Bytes Grow(long long needed);
     // Replaces the bytes by a copy, or by zeros for null, and lets the block grow in steps of its
     // size from then on.
     void Set(const void* bytes, unsigned size);
 
-    char* data = nullptr;
+    Bytes data;
     unsigned capacity = 0;
     unsigned used = 0;
     unsigned growth = 4096;
 
 private:
-    void Install(char* block, unsigned size);
-    static char* Allocate(unsigned size);
-    static void Free(char* block);
+    // Answers the old bytes.
+    Bytes Install(Bytes bytes, unsigned size);
+    static Bytes Allocate(unsigned size);
 };
+
+}  // namespace qx
 
 #endif

@@ -12,12 +12,14 @@
 #include <cstring>
 #include <memory>
 
+namespace qx {
+
 namespace {
 
 // The bytes of the value area that travel. An empty value carries 4 bytes all the same.
 constexpr int PayloadWidth(unsigned short type) {
     constexpr int kEmptyPayload = 4;
-    return type == QXVT_EMPTY ? kEmptyPayload : qx::PlainWidth(type);
+    return type == QXVT_EMPTY ? kEmptyPayload : PlainWidth(type);
 }
 
 struct ValueDeleter {
@@ -99,7 +101,7 @@ void WriteBlob(IXStream* stream, const tagQXBLOB& blob) {
 
 // An object that cannot be written is written as a null one.
 void WriteObject(IXStream* stream, IQXUnknown* object) {
-    qx::Reference<IPersistXStream> persistent = qx::Ask<IPersistXStream>(object);
+    Reference<IPersistXStream> persistent = Ask<IPersistXStream>(object);
     WriteObjectToXStream(stream, persistent.Get());
 }
 
@@ -122,3 +124,5 @@ void WriteStreamVariant(IXStream* stream, const tagQXVARIANT* variant) {
             if (int width = PayloadWidth(variant->type)) stream->Write(&variant->value, width);
     }
 }
+
+}  // namespace qx

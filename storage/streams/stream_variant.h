@@ -5,9 +5,13 @@
 
 #include <qxcore/stream.h>
 
+namespace qx {
+
 // 1 when the last read delivered anything, or the variant had nothing more to deliver. A tag above
 // 18, or a length that no stream can hold, is code 15.
 int ReadStreamVariant(IXStream* stream, tagQXVARIANT* variant);
 void WriteStreamVariant(IXStream* stream, const tagQXVARIANT* variant);
+
+}  // namespace qx
 
 #endif

@@ -11,6 +11,8 @@
 
 #include <cstring>
 
+namespace qx {
+
 template <class Stream, class Base = CQXUnknownImpl<IXStream>>
 class CTypedStream : public Base {
 public:
@@ -73,5 +75,7 @@ inline int ClampedSeek(IXStream* stream, int position, int length, int offset, i
     if (target < 0) return 0;
     return target > length ? length : static_cast<int>(target);
 }
+
+}  // namespace qx
 
 #endif

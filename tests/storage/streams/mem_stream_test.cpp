@@ -353,3 +353,40 @@ TEST(EmptyStreamTest, WritesDoNothing) {
     EXPECT_EQ(stream->Tell(), 0);
     EXPECT_EQ(variant.value.intVal, 5);
 }
+
+// The bytes come from the block that the write replaces.
+TEST_F(MemStreamTest, AWriteFromItsOwnBlockMayGrowIt) {
+    std::string bytes(4096, 'a');
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>('a' + i % 26);
+    stream->Write(bytes.data(), 4096);
+    ASSERT_EQ(block->GetSize(), 4096u);
+    for (int round = 0; round < 4; ++round) {
+        stream->Seek(0, 2);
+        stream->Write(block->GetData(), stream->GetLength());
+        bytes += bytes;
+    }
+    EXPECT_TRUE(BytesOf(stream) == bytes);
+}
+
+TEST_F(MemStreamTest, AWriteFromItsOwnBlockMayOverlapWhatItReads) {
+    for (int from : {0, 3}) {
+        stream->Seek(0, 0);
+        Fill(stream, "0123456789");
+        stream->Seek(3 - from, 0);
+        stream->Write(static_cast<char*>(block->GetData()) + from, 6);
+        EXPECT_EQ(BytesOf(stream), from ? "3456786789" : "0120123459");
+    }
+}
+
+TEST_F(MemStreamTest, AReadIntoItsOwnBlockMayOverlapWhatItReads) {
+    Fill(stream, "0123456789");
+    stream->Read(static_cast<char*>(block->GetData()) + 3, 6);
+    EXPECT_EQ(BytesOf(stream), "0120123459");
+}
+
+TEST_F(MemStreamTest, AStringWrittenFromItsOwnBlockMayGrowIt) {
+    std::string text(4000, 't');
+    stream->WriteString(text.c_str());
+    stream->WriteString(static_cast<char*>(block->GetData()));
+    EXPECT_TRUE(BytesOf(stream) == text + '\0' + text + '\0');
+}
