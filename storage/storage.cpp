@@ -12,6 +12,8 @@
 
 #include <new>
 
+namespace qx {
+
 namespace {
 
 constexpr SIZE_T kMemoryStorageSize = 100000;  // spares early reallocations of the block
@@ -23,7 +25,7 @@ void Check(HRESULT status, const char* path) {
 
 HRESULT CreateInMemory(DWORD mode, IStorage** out) {
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, kMemoryStorageSize);
-    qx::Reference<ILockBytes> bytes;
+    Reference<ILockBytes> bytes;
     HRESULT status = CreateILockBytesOnHGlobal(block, TRUE, bytes.Receive());
     if (FAILED(status)) {
         GlobalFree(block);
@@ -57,14 +59,14 @@ private:
 // Failures tell of the path as the caller gave it.
 
 IXStorage* NewMemoryStorage(int flags, DWORD mode) {
-    qx::Reference<IStorage> ole;
+    Reference<IStorage> ole;
     Check(CreateInMemory(mode, ole.Receive()), nullptr);
     return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, "");
 }
 
 IXStorage* NewFileStorage(const char* file, int flags, DWORD mode, const char* given) {
     static constinit OleName wide;
-    qx::Reference<IStorage> ole;
+    Reference<IStorage> ole;
     Check(StgCreateDocfile(wide.Set(file), mode, 0, ole.Receive()), given);
     return new (std::nothrow) COleStorage(ole.Get(), flags, nullptr, file);
 }
@@ -77,6 +79,10 @@ IXStorage* NewTemporaryStorage(int flags, DWORD mode, const char* given) {
 }
 
 }  // namespace
+
+}  // namespace qx
+
+using namespace qx;
 
 IXStorage* new_Storage(const char* path, int flags) {
     DWORD mode = OleModeOf(flags, OleRole::Root) | STGM_CREATE;
@@ -91,7 +97,7 @@ IXStorage* open_Storage(const char* path, int readOnly) {
     if (Fio_PathIsURL(path)) throw CXFileException(QXERR_NETWORK, nullptr, QXOP_OPEN);
     if (path && !IsSoundCompoundFile(path)) Check(STG_E_DOCFILECORRUPT, path);
     unsigned flags = readOnly ? QXSTG_READ_ONLY : QXSTG_TRANSACTED;
-    qx::Reference<IStorage> ole;
+    Reference<IStorage> ole;
     Check(StgOpenStorage(wide.Set(path), nullptr, OleModeOf(flags, OleRole::Root), nullptr, 0,
                          ole.Receive()),
           path);

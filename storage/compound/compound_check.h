@@ -6,8 +6,12 @@
 #ifndef QXCORE_STORAGE_COMPOUND_CHECK_H
 #define QXCORE_STORAGE_COMPOUND_CHECK_H
 
+namespace qx {
+
 // False for a compound file that must not be opened. A file that cannot be read or is no compound
 // file counts as sound: that is for the platform to say.
 bool IsSoundCompoundFile(const char* path);
+
+}  // namespace qx
 
 #endif

@@ -2,6 +2,8 @@
 
 #include <qxcore/exception.h>
 
+namespace qx {
+
 namespace {
 
 struct StatusRow {
@@ -47,3 +49,5 @@ int CodeOfStatus(HRESULT status) {
     }
     return QXERR_FORMAT;
 }
+
+}  // namespace qx

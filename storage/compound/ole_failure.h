@@ -4,6 +4,10 @@
 
 #include <qxcore/platform.h>
 
+namespace qx {
+
 int CodeOfStatus(HRESULT status);
+
+}  // namespace qx
 
 #endif

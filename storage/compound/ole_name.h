@@ -2,8 +2,10 @@
 #ifndef QXCORE_STORAGE_COMPOUND_OLE_NAME_H
 #define QXCORE_STORAGE_COMPOUND_OLE_NAME_H
 
-// What does not fit is cut, and nothing tells the caller. Each operation keeps a static one of its
-// own, so no operation may run twice at a time.
+namespace qx {
+
+// What does not fit is cut between two characters, and nothing tells the caller. Each operation
+// keeps a static one of its own, so no operation may run twice at a time.
 class OleName {
 public:
     constexpr OleName() = default;
@@ -18,5 +20,7 @@ private:
     static constexpr int kLength = 512;
     wchar_t m_text[kLength + 1] = {};
 };
+
+}  // namespace qx
 
 #endif

@@ -11,6 +11,8 @@
 
 #include <new>
 
+namespace qx {
+
 namespace {
 
 // A refused name never reaches the platform, whose implementations differ in what they let pass.
@@ -67,7 +69,7 @@ DWORD OleModeOf(unsigned flags, OleRole role) {
 }
 
 COleStorage::COleStorage(IStorage* ole, unsigned flags, IXStorage* parent, const char* path)
-    : m_path(path), m_flags(flags), m_parent(qx::Hold(parent)), m_ole(qx::Hold(ole)) {}
+    : m_path(path), m_flags(flags), m_parent(Hold(parent)), m_ole(Hold(ole)) {}
 
 COleStorage::~COleStorage() {
     Commit();
@@ -87,7 +89,7 @@ IXStorage* COleStorage::NewChild(HRESULT status, IStorage* ole, const char* name
 
 IXStorage* COleStorage::CreateStorage(const char* name, int) {
     static constinit OleName wide;
-    qx::Reference<IStorage> child;
+    Reference<IStorage> child;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->CreateStorage(text, OleModeOf(m_flags, OleRole::SubStorage) | STGM_CREATE, 0,
                                     0, child.Receive());
@@ -97,7 +99,7 @@ IXStorage* COleStorage::CreateStorage(const char* name, int) {
 
 IXStorage* COleStorage::OpenStorage(const char* name) {
     static constinit OleName wide;
-    qx::Reference<IStorage> child;
+    Reference<IStorage> child;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->OpenStorage(text, nullptr, OleModeOf(m_flags, OleRole::SubStorage), nullptr,
                                   0, child.Receive());
@@ -112,7 +114,7 @@ HRESULT COleStorage::DeleteStorage(const char* name) {
 
 IXStream* COleStorage::CreateStream(const char* name) {
     static constinit OleName wide;
-    qx::Reference<IStream> stream;
+    Reference<IStream> stream;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->CreateStream(text, OleModeOf(m_flags, OleRole::Stream) | STGM_CREATE, 0, 0,
                                    stream.Receive());
@@ -122,7 +124,7 @@ IXStream* COleStorage::CreateStream(const char* name) {
 
 IXStream* COleStorage::OpenStream(const char* name) {
     static constinit OleName wide;
-    qx::Reference<IStream> stream;
+    Reference<IStream> stream;
     HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
         return m_ole->OpenStream(text, nullptr, OleModeOf(m_flags, OleRole::Stream), 0,
                                  stream.Receive());
@@ -145,10 +147,10 @@ void COleStorage::Revert() {
 }
 
 CTEnum<const char*>* COleStorage::EnumNames(DWORD type) {
-    qx::Reference<CTListEnum<const char*>> names(new CTListEnum<const char*>);
-    qx::Reference<IEnumSTATSTG> elements;
+    Reference<CTListEnum<const char*>> names(new CTListEnum<const char*>);
+    Reference<IEnumSTATSTG> elements;
     CheckPlain(m_ole->EnumElements(0, nullptr, 0, elements.Receive()));
-    qx::Reference<IMalloc> allocator;
+    Reference<IMalloc> allocator;
     CheckPlain(CoGetMalloc(1, allocator.Receive()));
     for (;;) {
         Element element(allocator.Get());
@@ -158,3 +160,5 @@ CTEnum<const char*>* COleStorage::EnumNames(DWORD type) {
     }
     return names->CreateEnum();
 }
+
+}  // namespace qx

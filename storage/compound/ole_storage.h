@@ -9,6 +9,8 @@
 
 #include <objidl.h>
 
+namespace qx {
+
 // What an element of a storage is opened for.
 enum class OleRole { Root, SubStorage, Stream };
 
@@ -46,8 +48,10 @@ private:
     // last.
     CXString m_path;
     unsigned m_flags;
-    qx::Reference<IXStorage> m_parent;
-    qx::Reference<IStorage> m_ole;
+    Reference<IXStorage> m_parent;
+    Reference<IStorage> m_ole;
 };
+
+}  // namespace qx
 
 #endif

@@ -4,6 +4,8 @@
 
 #include <new>
 
+namespace qx {
+
 namespace {
 
 // The platform counts without a sign: a negative count is none.
@@ -117,10 +119,12 @@ int COLEBasedXStream::WriteString(const char* text) {
     return text ? CTypedStream::WriteString(text) : WriteByte(0);
 }
 
+}  // namespace qx
+
 IXStream* new_StreamByOleStream(void* oleStream) {
-    return new (std::nothrow) COLEBasedXStream(static_cast<IStream*>(oleStream));
+    return new (std::nothrow) qx::COLEBasedXStream(static_cast<IStream*>(oleStream));
 }
 
 void* Stream_GetOLEStream(IXStream* stream) {
-    return static_cast<COleStreamHolder*>(stream)->NewOleReference();
+    return static_cast<qx::COleStreamHolder*>(stream)->NewOleReference();
 }

@@ -9,14 +9,16 @@
 
 #include <objidl.h>
 
+namespace qx {
+
 // Where both hold the stream, so that Stream_GetOLEStream finds it in either.
 class COleStreamHolder : public CQXUnknownImpl<IXStream> {
 public:
-    explicit COleStreamHolder(IStream* ole) : m_ole(qx::Hold(ole)) {}
+    explicit COleStreamHolder(IStream* ole) : m_ole(Hold(ole)) {}
     IStream* NewOleReference() { return m_ole.Share(); }
 
 protected:
-    qx::Reference<IStream> m_ole;
+    Reference<IStream> m_ole;
 };
 
 // An element of a compound file. Nothing is committed here; that is the storage's business.
@@ -79,5 +81,7 @@ private:
     // A failing status, or the count written.
     int WriteBytes(const void* bytes, int count);
 };
+
+}  // namespace qx
 
 #endif

@@ -11,6 +11,8 @@
 
 #include <new>
 
+namespace qx {
+
 namespace {
 
 // A number above 65535 is a property of the document summary set, whose id is its upper half.
@@ -77,11 +79,11 @@ public:
 private:
     int Read(const char* name, CQXVariant* value);
     int Write(const char* name, const CQXVariant& value);
-    qx::Reference<IPropertyStorage> OpenSet(bool writing, bool document);
+    Reference<IPropertyStorage> OpenSet(bool writing, bool document);
     bool Find(const char* name, int& number) { return m_sets && m_names->Lookup(name, number); }
 
-    qx::Reference<NameMap> m_names;
-    qx::Reference<IPropertySetStorage> m_sets;
+    Reference<NameMap> m_names;
+    Reference<IPropertySetStorage> m_sets;
 };
 
 // Owns what a property set has handed out.
@@ -93,11 +95,11 @@ struct PropertyValue : PROPVARIANT {
 };
 
 // Writing makes the set when it is missing.
-qx::Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document) {
+Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document) {
     const FMTID& format = document ? FMTID_DocSummaryInformation : FMTID_SummaryInformation;
     DWORD mode = STGM_SHARE_EXCLUSIVE | (writing ? STGM_READWRITE : STGM_READ);
     return OrNothing([&] {
-        qx::Reference<IPropertyStorage> set;
+        Reference<IPropertyStorage> set;
         HRESULT status = m_sets->Open(format, mode, set.Receive());
         if (FAILED(status) && writing)
             m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Receive());
@@ -110,8 +112,8 @@ qx::Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool docu
 int CIQXSummaryInfo::Read(const char* name, CQXVariant* value) {
     int number;
     if (!Find(name, number)) return 0;
-    qx::Reference<IPropertyStorage> summary = OpenSet(false, false);
-    qx::Reference<IPropertyStorage> document = OpenSet(false, true);
+    Reference<IPropertyStorage> summary = OpenSet(false, false);
+    Reference<IPropertyStorage> document = OpenSet(false, true);
     IPropertyStorage* set = IsDocument(number) ? document.Get() : summary.Get();
     if (!set) return 0;
     PROPSPEC spec = SpecOf(number);
@@ -128,7 +130,7 @@ int CIQXSummaryInfo::Write(const char* name, const CQXVariant& value) {
     if (!Find(name, number)) return 0;
     char* text = value.type == QXVT_STRING ? value.value.string : nullptr;
     if (!text || !*text) return 0;
-    qx::Reference<IPropertyStorage> set = OpenSet(true, IsDocument(number));
+    Reference<IPropertyStorage> set = OpenSet(true, IsDocument(number));
     if (!set) return 0;
     PROPSPEC spec = SpecOf(number);
     PROPVARIANT written = {};
@@ -144,3 +146,5 @@ int CIQXSummaryInfo::Write(const char* name, const CQXVariant& value) {
 IQXProperty* new_SummaryInfo(IStorage* storage) {
     return OrNothing([&]() -> IQXProperty* { return new CIQXSummaryInfo(storage); });
 }
+
+}  // namespace qx

@@ -6,8 +6,12 @@
 
 struct IStorage;
 
+namespace qx {
+
 // A new object with one reference; null without memory. A storage without property sets gives one
 // that knows no names.
 IQXProperty* new_SummaryInfo(IStorage* storage);
+
+}  // namespace qx
 
 #endif

@@ -4,6 +4,8 @@
 // directory entries of 128 bytes.
 #include "storage/compound/storage_fixture.h"
 
+#include <winioctl.h>
+
 namespace {
 
 constexpr unsigned kSector = 512;
@@ -45,13 +47,30 @@ protected:
         return at;
     }
 
-    // What opening the file with these bytes raises, in both modes.
-    std::string Opening() {
+    void WriteBytes() {
         HANDLE file =
             CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
         DWORD written;
         WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
         CloseHandle(file);
+    }
+    // By a hole, which takes no room on the disk.
+    void Lengthen(long long length) {
+        HANDLE file =
+            CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        DWORD answered;
+        DeviceIoControl(file, FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &answered, nullptr);
+        LARGE_INTEGER end;
+        end.QuadPart = length;
+        EXPECT_TRUE(SetFilePointerEx(file, end, nullptr, FILE_BEGIN) && SetEndOfFile(file));
+        CloseHandle(file);
+    }
+    // What opening the file with these bytes raises, in both modes.
+    std::string Opening() {
+        WriteBytes();
+        return Opened();
+    }
+    std::string Opened() {
         std::string reading =
             Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 1)); });
         std::string changing =
@@ -199,4 +218,70 @@ TEST_F(CorruptStorageTest, AFileWithDeletedElementsIsOpened) {
     }
     Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
     EXPECT_EQ(Names(storage->EnumStreams()), (List{"after", "empty", "small"}));
+}
+
+// 2^25 tables of 128 numbers are 2^32 numbers, which 32 bits count as none. The lists of the tables
+// lie where the file has never been written: all of them are sector 0, whose link is sector 0.
+TEST_F(CorruptStorageTest, AHugeFileWhoseTablesOverflowTheirCountIsRefused) {
+    constexpr unsigned kTables = 1u << 25;
+    Put(44, kTables);
+    Put(48, 0);  // the directory
+    Put(68, 0);  // the first list
+    Put(72, (kTables - 109 + 126) / 127);
+    bytes.resize(kSector);
+    WriteBytes();
+    Lengthen((16ll << 30) + 2 * kSector);
+    EXPECT_EQ(Opened(), refused);
+}
+
+TEST_F(CorruptStorageTest, AHugeFileWhoseMiniTablesOverflowTheirCountIsRefused) {
+    Put(64, 1u << 25);
+    WriteBytes();
+    Lengthen((16ll << 30) + 2 * kSector);
+    EXPECT_EQ(Opened(), refused);
+}
+
+TEST_F(CorruptStorageTest, ASoundFileWithAHugeEmptyTailIsLeftToThePlatform) {
+    WriteBytes();
+    Lengthen(1ll << 30);
+    EXPECT_EQ(Opened(), "nothing");
+}
+
+// 109 tables stand in the header, 254 more in two lists.
+TEST_F(CorruptStorageTest, ListsOfTablesThatRunInACircleAreRefused) {
+    Put(44, 109 + 254);
+    Put(68, 0);
+    Put(72, 0x10000);
+    WriteBytes();
+    Lengthen(64 << 20);
+    EXPECT_EQ(Opened(), refused);
+}
+
+// The look over a document leaves a lifted lock lifted until the platform has opened the file.
+TEST_F(StorageTest, ALockedDocumentOpensWhileItsLockIsLifted) {
+    std::string path = Path("locked.stg");
+    Owned<IXStorage>(new_Storage(path.c_str(), 0));
+    Fio_LockFile(path.c_str());
+    ASSERT_EQ(Fio_LockCount(path.c_str()), 1);
+    for (int readOnly : {0, 1}) {
+        Fio_ChangeNELock(path.c_str(), 1);
+        EXPECT_EQ(Thrown([&] { Owned<IXStorage>(open_Storage(path.c_str(), readOnly)); }),
+                  "nothing");
+        Fio_ChangeNELock(path.c_str(), 0);
+    }
+    EXPECT_EQ(Fio_LockCount(path.c_str()), 1);
+    Fio_UnlockFile(path.c_str());
+}
+
+// Two lifts and one restore leave the lock in place, and the platform is then refused the file.
+TEST_F(StorageTest, LiftsOfALockAreNotCounted) {
+    std::string path = Path("locked.stg");
+    Owned<IXStorage>(new_Storage(path.c_str(), 0));
+    Fio_LockFile(path.c_str());
+    Fio_ChangeNELock(path.c_str(), 1);
+    Fio_ChangeNELock(path.c_str(), 1);
+    Fio_ChangeNELock(path.c_str(), 0);
+    EXPECT_EQ(Thrown([&] { Owned<IXStorage>(open_Storage(path.c_str(), 0)); }), "8 0 " + path);
+    Fio_UnlockFile(path.c_str());
+    EXPECT_EQ(Thrown([&] { Owned<IXStorage>(open_Storage(path.c_str(), 0)); }), "nothing");
 }
