@@ -7,6 +7,8 @@
 #include <clocale>
 #include <cstring>
 
+namespace qx {
+
 // Puts the process into the "C" locale for a scope. A process that is there already pays one
 // comparison.
 class CLocale {
@@ -26,5 +28,7 @@ public:
 private:
     CXString m_saved;  // empty where nothing was switched
 };
+
+}  // namespace qx
 
 #endif

@@ -1,11 +1,16 @@
-// How the ini reader steps through text: by whole characters of the runtime's multibyte code page.
+// How the ini reader steps through text: by whole characters of the runtime's code page, with the
+// classes that mean something to it.
 #ifndef QXCORE_PARAM_INI_CHARACTERS_H
 #define QXCORE_PARAM_INI_CHARACTERS_H
+
+#include "strings/characters.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <emmintrin.h>
+
+namespace qx {
 
 // Texts are read in groups of bytes, so buffers have room for a part of one behind the end.
 inline constexpr size_t kIniSlack = sizeof(__m128i);
@@ -22,11 +27,10 @@ public:
     IniCharacters();
 
     // REQUIRES: p < end.
-    char* Next(char* p, char* end) const { return Leads(p) && p + 1 < end ? p + 2 : p + 1; }
+    char* Next(char* p, char* end) const { return p + m_characters.SizeAt(p, end); }
     // The character that ends at `p`. REQUIRES: begin < p.
     char* Previous(char* begin, char* p) const {
-        bool maybeTwo = p - begin >= 2 && (Leads(p - 1) || Leads(p - 2));
-        return maybeTwo ? PreviousOfTwo(begin, p) : p - 1;
+        return const_cast<char*>(m_characters.Previous(begin, p));
     }
     bool IsAny(unsigned classes, const char* p) const {
         return Leads(p) ? (classes & kIniSpace) && IsSpaceOfTwo(p) : (ClassOf(p) & classes) != 0;
@@ -54,7 +58,7 @@ public:
     // In Find and FindEither the characters are ASCII, and kIniSlack more bytes may be read behind
     // the end. The first character c in front of any NUL; without one that NUL, or `end`.
     char* Find(char c, char* begin, char* end) const {
-        if (!m_multibyte) return FindByte(c, 0, begin, end);
+        if (!m_characters.HasDoubleByte()) return FindByte(c, 0, begin, end);
         // A lead byte does not hide the NUL behind it.
         while (begin < end && *begin != c && *begin)
             begin = begin[1] ? Next(begin, end) : begin + 1;
@@ -62,19 +66,17 @@ public:
     }
     // The first of two characters, or `end`; a NUL is a character like others.
     char* FindEither(char a, char b, char* begin, char* end) const {
-        if (!m_multibyte) return FindByte(a, b, begin, end);
+        if (!m_characters.HasDoubleByte()) return FindByte(a, b, begin, end);
         while (begin < end && *begin != a && *begin != b) begin = Next(begin, end);
         return begin;
     }
 
 private:
-    static constexpr unsigned char kLead = 8;
-
+    const Characters m_characters = Characters::OfRuntime();
     unsigned char m_classes[256];
-    bool m_multibyte = false;  // whether any byte leads another one
 
     unsigned ClassOf(const char* p) const { return m_classes[static_cast<unsigned char>(*p)]; }
-    bool Leads(const char* p) const { return (ClassOf(p) & kLead) != 0; }
+    bool Leads(const char* p) const { return m_characters.Leads(*p); }
     static char* FindByte(char a, char b, char* begin, char* end) {
         const __m128i as = _mm_set1_epi8(a), bs = _mm_set1_epi8(b);
         for (; begin < end; begin += sizeof as) {
@@ -85,8 +87,9 @@ private:
         }
         return end;
     }
-    static char* PreviousOfTwo(char* begin, char* p);
     static bool IsSpaceOfTwo(const char* p);
 };
+
+}  // namespace qx
 
 #endif

@@ -10,6 +10,8 @@
 #include <mbstring.h>
 #include <memory>
 
+namespace qx {
+
 namespace {
 
 constinit char g_logicalLine[kIniLineSize + 1 + kIniSlack] =
@@ -19,7 +21,7 @@ constinit char g_logicalLine[kIniLineSize + 1 + kIniSlack] =
 class IniReader {
 public:
     IniReader(IXFile* file, IParam* root) : m_root(root), m_base(DirectoryOf(file->GetPath())) {
-        Push(qx::Hold(file));
+        Push(Hold(file));
     }
 
     void Read() {
@@ -28,7 +30,7 @@ public:
             if (top->NextLine(g_logicalLine, line)) {
                 ReadLine(line.begin, line.end);
             } else {
-                m_stack.RemoveAt(static_cast<Stack::position>(m_stack.tail));
+                PopEnded(*top);
             }
         }
     }
@@ -40,17 +42,24 @@ private:
     IParam* m_root;
     CXString m_base;  // directory of the outermost file, with its delimiter
     Stack m_stack;
-    qx::Reference<IParam> m_current;  // null before the first section header
+    Reference<IParam> m_current;  // null before the first section header
 
     CInputBuffer* Top() {
         auto tail = static_cast<Stack::position>(m_stack.tail);
         return tail ? *m_stack.GetNext(tail) : nullptr;
     }
 
-    void Push(qx::Reference<IXFile> file) {
+    void Push(Reference<IXFile> file) {
         auto buffer = std::make_unique<CInputBuffer>(std::move(file), m_characters);
         m_stack.AddTail(buffer.get());
         buffer.release();
+    }
+
+    // A file that cannot be closed is told, when it has left the stack.
+    void PopEnded(CInputBuffer& top) {
+        Reference<IXFile> file = top.TakeFile();
+        m_stack.RemoveAt(static_cast<Stack::position>(m_stack.tail));
+        file.Release();
     }
 
     // A file without a directory part has an empty base.
@@ -101,7 +110,7 @@ private:
         if (last >= 0 && argument.GetAt(last) == kQuote) argument.Delete(last, 1);
         if (argument.GetAt(0) == '.') argument = BesideTopFile(argument);
         CXString path = m_base + argument;
-        qx::Reference<IXFile> file(Fio_Open(path, 0));
+        Reference<IXFile> file(Fio_Open(path, 0));
         if (!file) throw CXMemException();
         Push(std::move(file));
     }
@@ -117,7 +126,7 @@ private:
     // "[\a\b" with or without "]". The first two characters go unread, so "[a]" and "[]" name the
     // root like "[\]".
     void ReadSection(char* begin, char* end) {
-        m_current = qx::Hold(m_root);
+        m_current = Hold(m_root);
         if (*m_characters.Previous(begin, end) == ']') *--end = 0;
         char* p = begin;
         for (int i = 0; i < 2 && p < end; ++i) p = m_characters.Next(p, end);
@@ -126,7 +135,7 @@ private:
             char* next =
                 *delimiter ? delimiter + 1 : end;  // behind a NUL there are no further levels
             *delimiter = 0;
-            m_current = qx::Reference<IParam>(m_current->OpenSubParam(p, 1));
+            m_current = Reference<IParam>(m_current->OpenSubParam(p, 1));
             p = next;
         }
     }
@@ -155,7 +164,11 @@ int ReadIniText(IXFile* file, IParam* root) {
     return 1;
 }
 
+}  // namespace qx
+
 int Param_IniFile2Param(const char* path, IParam* param) {
     qx::Reference<IXFile> file(Fio_Open(path, 0));
-    return ReadIniText(file.Get(), param);
+    int result = qx::ReadIniText(file.Get(), param);
+    file.Release();  // a file that cannot be closed is told
+    return result;
 }

@@ -5,7 +5,11 @@
 #include <qxcore/file.h>
 #include <qxcore/param.h>
 
+namespace qx {
+
 // Merges the file's text into the tree. 0 if file or root is null, else 1.
 int ReadIniText(IXFile* file, IParam* root);
+
+}  // namespace qx
 
 #endif

@@ -1,11 +1,14 @@
 #include "param/ini/ini_value.h"
 
 #include "param/ini/c_locale.h"
+#include "strings/characters.h"
 
 #include <array>
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+
+namespace qx {
 
 namespace {
 
@@ -40,7 +43,10 @@ private:
     bool m_good = true;
 
     // An "x" anywhere behind makes this number hexadecimal, also where it belongs to a later one.
-    static int Base(const char* text) { return strpbrk(text, "xX") ? 16 : 10; }
+    // The second byte of a character is no "x".
+    static int Base(const char* text) {
+        return Characters::OfRuntime().FindAny(text, "xX") ? 16 : 10;
+    }
 
     template <class Convert, class Number>
     void ReadInteger(Convert convert, Number& number) {
@@ -68,7 +74,7 @@ private:
     }
 
     void StepBehindComma() {
-        const char* comma = m_good ? strchr(m_text, ',') : nullptr;
+        const char* comma = m_good ? Characters::OfRuntime().Find(m_text, ',') : nullptr;
         m_good = comma != nullptr;
         if (comma) m_text = comma + 1;
     }
@@ -229,3 +235,5 @@ bool WriteIniValue(const tagQXVARIANT& value, CXString& text) {
     }
     return false;
 }
+
+}  // namespace qx

@@ -5,6 +5,8 @@
 #include <qxcore/string.h>
 #include <qxcore/variant.h>
 
+namespace qx {
+
 // Reads "w65535", "p3,4" and their like into an empty variant. A string is not copied: the variant
 // borrows it from `text` and must not be cleared. False when the letter is unknown or the text does
 // not fit its type; the variant then has no meaning.
@@ -12,5 +14,7 @@ bool ReadIniValue(char* text, tagQXVARIANT& value);
 
 // Writes the letter and the text. False for the types that have no text form: blobs and objects.
 bool WriteIniValue(const tagQXVARIANT& value, CXString& text);
+
+}  // namespace qx
 
 #endif

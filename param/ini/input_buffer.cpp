@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+namespace qx {
+
 namespace {
 
 constexpr char kSeparator = '|';
@@ -33,3 +35,5 @@ bool CInputBuffer::NextLine(char* out, IniLine& line) {
         if (line.begin < line.end) return true;
     }
 }
+
+}  // namespace qx

@@ -12,6 +12,8 @@
 #include <qxcore/file.h>
 #include <qxcore/reference.h>
 
+namespace qx {
+
 // The longest line in bytes; a longer one comes in pieces that are lines of their own.
 inline constexpr int kIniLineSize = 8192;
 
@@ -23,16 +25,18 @@ struct IniLine {
 
 class CInputBuffer {
 public:
-    CInputBuffer(qx::Reference<IXFile> file, const IniCharacters& characters)
+    CInputBuffer(Reference<IXFile> file, const IniCharacters& characters)
         : m_file(std::move(file)), m_characters(characters) {}
 
     // False at the end of the input. The line is copied to `out`, which holds kIniLineSize + 1 +
     // kIniSlack bytes.
     bool NextLine(char* out, IniLine& line);
     IXFile* File() const { return m_file.Get(); }
+    // For an end whose failure is told. REQUIRES: nothing is read afterwards.
+    Reference<IXFile> TakeFile() { return std::move(m_file); }
 
 private:
-    qx::Reference<IXFile> m_file;
+    Reference<IXFile> m_file;
     const IniCharacters& m_characters;
     // What is left of the physical line. The buffer behind it is one for all instances, so what
     // stands behind an include on its line is lost to the included file.
@@ -41,5 +45,7 @@ private:
 
     bool NextPhysicalLine();
 };
+
+}  // namespace qx
 
 #endif

@@ -5,53 +5,102 @@
 
 #include <qxcore/exception.h>
 
+#include <utility>
+
+namespace qx {
+
+// Nodes that have left their parents' maps and wait to be let go, the next one in front. A tree of
+// any depth ends so, one node after the other, in the order in which nested calls would end it: a
+// node's values, then its children with all they have, then the rest of the node.
+class CMemParam::Waiting {
+public:
+    Waiting() = default;
+    // The last reference on the node. REQUIRES: the node stands in no map.
+    explicit Waiting(CMemParam& node) : m_first(&node) {}
+
+    // Takes children out of their map, a reference on each, and puts them in front. It is called
+    // for one child after the other.
+    void Take(IParam* child) {
+        auto node = static_cast<CMemParam*>(child);
+        node->AddRef();
+        node->m_next = *m_behindTaken;
+        *m_behindTaken = node;
+        m_behindTaken = &node->m_next;
+    }
+
+    void LetGo() {
+        while (CMemParam* node = m_first) {
+            m_behindTaken = &m_first;
+            if (!node->m_ending && --node->m_publicRefs == 0) {
+                node->BeginEnd(*this);
+                continue;
+            }
+            m_first = std::exchange(node->m_next, nullptr);
+            if (node->m_ending) delete node;
+        }
+    }
+
+private:
+    CMemParam* m_first = nullptr;
+    CMemParam** m_behindTaken = &m_first;  // where the next child goes
+};
+
 CMemParam::CMemParam(const char* name) : m_name(name) {
     m_attached.Register(static_cast<IRegisterIface*>(this), qx_typeid<IRegisterIface>(), 0);
 }
 
 unsigned CMemParam::Release() {
-    if (--m_publicRefs != 0) return m_publicRefs;
-    delete this;
+    if (m_publicRefs > 1) return --m_publicRefs;
+    Waiting(*this).LetGo();
     return 0;
 }
 
-// The child with a reference for the caller, or null.
-IParam* CMemParam::Child(const char* name) {
-    IParam** child = m_children.Find(name);
-    if (!child) return nullptr;
-    (*child)->AddRef();
-    return *child;
+// The values go, and the children wait in front of the node. Whom the values call may query and
+// release the node without ending it twice.
+void CMemParam::BeginEnd(Waiting& waiting) {
+    m_publicRefs = 1;
+    m_ending = true;
+    m_values.Close();
+    m_children.Close([&](IParam* child) { waiting.Take(child); });
 }
 
-// A new child with a reference for the caller; null while the children are being cleared.
-IParam* CMemParam::AddChild(const char* name) {
-    qx::Reference<IParam> child(new CMemParam(name));
-    return m_children.Set(name, child.Get()) ? child.Detach() : nullptr;
+Reference<CMemParam> CMemParam::Child(const char* name) {
+    IParam** child = m_children.Find(name);
+    return Hold(child ? static_cast<CMemParam*>(*child) : nullptr);
+}
+
+// Nothing while the children are being cleared.
+Reference<CMemParam> CMemParam::AddChild(const char* name) {
+    auto child = Make<CMemParam>(name);
+    return m_children.Set(name, child.Get()) ? child : nullptr;
 }
 
 IParam* CMemParam::CreateSubParam(const char* name) {
-    if (!name) name = "";
-    if (auto path = SplitAtFirst(name)) {
-        qx::Reference<IParam> head(Child(path->head));
-        if (!head) head = qx::Reference<IParam>(AddChild(path->head));
-        return head ? head->CreateSubParam(path->tail) : nullptr;
+    PathLevels path(name ? name : "");
+    Reference<CMemParam> node = Hold(this);
+    while (node && path.MoreThanOne()) {
+        CXString level = path.TakeFirst();
+        Reference<CMemParam> child = node->Child(level);
+        node = child ? child : node->AddChild(level);
     }
-    IParam* child = Child(name);
-    if (!child) return AddChild(name);
-    child->Clear();
-    return child;
+    if (!node) return nullptr;
+    Reference<CMemParam> last = node->Child(path.Rest());
+    if (!last) return node->AddChild(path.Rest()).Detach();
+    last->Clear();
+    return last.Detach();
 }
 
 IParam* CMemParam::OpenSubParam(const char* name, int create) {
-    if (!name) name = "";
-    if (auto path = SplitAtFirst(name)) {
-        qx::Reference<IParam> head(Child(path->head));
-        if (head) return head->OpenSubParam(path->tail, create);
-        // A missing first level is dropped: "a\b" without "a" makes "b" here.
-        return create ? CreateSubParam(path->tail) : nullptr;
+    PathLevels path(name ? name : "");
+    Reference<CMemParam> node = Hold(this);
+    while (path.MoreThanOne()) {
+        Reference<CMemParam> child = node->Child(path.TakeFirst());
+        // A missing level is dropped: "a\b" without "a" makes "b" here.
+        if (!child) return create ? node->CreateSubParam(path.Rest()) : nullptr;
+        node = child;
     }
-    IParam* child = Child(name);
-    return child || !create ? child : CreateSubParam(name);
+    Reference<CMemParam> last = node->Child(path.Rest());
+    return last || !create ? last.Detach() : node->CreateSubParam(path.Rest());
 }
 
 void CMemParam::DeleteSubParam(const char* name) {
@@ -62,7 +111,7 @@ void CMemParam::DeleteSubParam(const char* name) {
 
 void CMemParam::DeleteAllSubParams() {
     EachName(EnumSubParams(), [this](const char* name) { DeleteSubParam(name); });
-    m_children.Clear();
+    ClearChildren();
 }
 
 int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
@@ -98,13 +147,20 @@ void CMemParam::DeleteAllValues() {
 }
 
 void CMemParam::Clear() {
-    m_children.Clear();
+    ClearChildren();
     m_values.Clear();
 }
 
+void CMemParam::ClearChildren() {
+    Waiting waiting;
+    m_children.Clear([&](IParam* child) { waiting.Take(child); }, [&] { waiting.LetGo(); });
+}
+
+}  // namespace qx
+
 IParam* new_MemParam() {
     try {
-        return new CMemParam("");
+        return new qx::CMemParam("");
     } catch (CXMemException&) {
         return nullptr;
     }

@@ -6,9 +6,12 @@
 
 #include <qxcore/attached.h>
 #include <qxcore/param.h>
+#include <qxcore/reference.h>
 #include <qxcore/string.h>
 
-class CMemParam : public CQXUnknownImpl<IParam>, public IRegisterIface {
+namespace qx {
+
+class CMemParam final : public CQXUnknownImpl<IParam>, public IRegisterIface {
 public:
     explicit CMemParam(const char* name);
 
@@ -39,10 +42,18 @@ private:
     unsigned m_publicRefs = 1;
     NamedItems<IParam*> m_children;
     NamedItems<CQXVariant> m_values;
-    CXString m_name;  // under which the parent knows the node; empty for a root
+    CXString m_name;              // under which the parent knows the node; empty for a root
+    CMemParam* m_next = nullptr;  // among the nodes that wait for their end
+    bool m_ending = false;        // its values are gone, and its children wait in front of it
 
-    IParam* Child(const char* name);
-    IParam* AddChild(const char* name);
+    class Waiting;
+
+    void BeginEnd(Waiting& waiting);
+    void ClearChildren();
+    Reference<CMemParam> Child(const char* name);
+    Reference<CMemParam> AddChild(const char* name);
 };
+
+}  // namespace qx
 
 #endif

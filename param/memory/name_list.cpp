@@ -3,6 +3,8 @@
 #include <cstring>
 #include <new>
 
+namespace qx {
+
 // One block holds the links and the text.
 struct NameList::Name : QX_LISTITEM {
     char* Text() { return reinterpret_cast<char*>(this + 1); }
@@ -89,3 +91,5 @@ void NameList::Clear() noexcept {
 CTEnum<const char*>* NameList::Enumerate() {
     return new Walk(this);
 }
+
+}  // namespace qx

@@ -5,6 +5,8 @@
 #include <qxcore/enum.h>
 #include <qxcore/listitem.h>
 
+namespace qx {
+
 // The live list is walked, so a walk sees what is added before it has come to its end. An entry
 // that is removed moves the walks that stand at it on to the next one; after Clear a walk is at its
 // end until it is reset.
@@ -34,5 +36,7 @@ private:
     Name* First() const;
     Name* Behind(const Name* name) const;
 };
+
+}  // namespace qx
 
 #endif

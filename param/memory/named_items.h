@@ -11,7 +11,12 @@
 
 #include <qxcore/hash.h>
 #include <qxcore/map.h>
+#include <qxcore/param.h>
+
+#include <utility>
 #include <qxcore/reference.h>
+
+namespace qx {
 
 template <class Item>
 class NamedItems {
@@ -29,7 +34,7 @@ public:
     bool Set(const char* name, Argument item) {
         if (m_items.destroyed) return false;
         unsigned key = Key(name);
-        if (m_items.Find(key)) return m_items.SetAt(key, item) != 0;
+        if (Item* present = m_items.Find(key)) return Replace(*present, item);
         NameList::Name* added = Names().Add(name);
         try {
             return m_items.SetAt(key, item) != 0;
@@ -46,11 +51,33 @@ public:
         m_items.RemoveKey(key);
     }
 
-    // The items go, and the name space is as new.
+    // The items go, and the name space is as new. While they go, it takes nothing, and clearing it
+    // once more does nothing.
     void Clear() {
+        if (m_items.destroyed) return;
+        Close();
+        m_items.destroyed = 0;
+    }
+    // The same where the items do not go with their entries: `take` may keep each of them, and
+    // `letGo` ends the kept ones.
+    template <class Take, class LetGo>
+    void Clear(const Take& take, const LetGo& letGo) {
+        if (m_items.destroyed) return;
+        Close(take);
+        letGo();
+        m_items.destroyed = 0;
+    }
+    // The items go, and the name space takes nothing more.
+    void Close() {
         ClearNames();
         m_items.RemoveAll();
-        m_items.destroyed = 0;
+        m_items.destroyed = 1;
+    }
+    template <class Take>
+    void Close(const Take& take) {
+        typename CTMap<unsigned, Item>::position at;
+        while (Item* item = m_items.count ? m_items.GetNext(at) : nullptr) take(*item);
+        Close();
     }
 
     // Walks the live list. Null while the items are being cleared.
@@ -70,7 +97,21 @@ private:
         if (m_names) m_names->Clear();
     }
 
+    // The new value is whole and in place before the old one goes: what goes may look into the
+    // tree, and making the new one may find no memory.
+    static bool Replace(CQXVariant& stored, const CQXVariant& value) {
+        CQXVariant fresh(value);
+        std::swap<tagQXVARIANT>(fresh, stored);
+        return true;
+    }
+    static bool Replace(IParam*& stored, IParam* value) {
+        QXValueRule<IParam*>::Replace(stored, value);
+        return true;
+    }
+
     static unsigned Key(const char* name) { return QXHashFolded(name).hash; }
 };
+
+}  // namespace qx
 
 #endif

@@ -1,4 +1,5 @@
 #include "param/tree_text.h"
+#include "support/import_slot.h"
 
 #include <gtest/gtest.h>
 #include <mbctype.h>
@@ -41,6 +42,45 @@ protected:
 };
 
 }  // namespace
+
+namespace {
+
+const void* g_keptView;
+
+BOOL WINAPI FailingUnmap(const void* view) {
+    g_keptView = view;
+    SetLastError(ERROR_INVALID_ADDRESS);
+    return FALSE;
+}
+
+// The file that is closed first, an included one or the outermost, cannot be closed.
+CXFileException FailureOfClosing(const char* path, IParam* root) {
+    ReplacedImport failing("UnmapViewOfFile", reinterpret_cast<void*>(&FailingUnmap));
+    EXPECT_TRUE(failing);
+    try {
+        Param_IniFile2Param(path, root);
+    } catch (CXFileException& e) {
+        return e;
+    }
+    return CXFileException(0, nullptr, 0);
+}
+
+}  // namespace
+
+TEST_F(IniReaderTest, AFileThatCannotBeClosedIsToldAndWhatItHeldIsRead) {
+    TextFile file("ini_reader_test.ini", "[\\]\r\nkey=i5\r\n");
+    EXPECT_EQ(FailureOfClosing(file.name.c_str(), root.get()).code, QXERR_MEMORY);
+    EXPECT_EQ(TreeText(root.get()), "key=5:5");
+    EXPECT_TRUE(UnmapViewOfFile(g_keptView));
+}
+
+TEST_F(IniReaderTest, AnIncludedFileThatCannotBeClosedIsToldToo) {
+    TextFile file("ini_reader_test.ini", "[\\]\r\n#include part.ini\r\nlate=i1\r\n");
+    TextFile part("part.ini", "key=i5\r\n");
+    EXPECT_EQ(FailureOfClosing(file.name.c_str(), root.get()).code, QXERR_MEMORY);
+    EXPECT_EQ(TreeText(root.get()), "key=5:5");
+    EXPECT_TRUE(UnmapViewOfFile(g_keptView));
+}
 
 TEST_F(IniReaderTest, TextWithNoSectionHeaderSetsNothing) {
     EXPECT_EQ(Read("key=i5\r\nother\r\n"), "");
@@ -423,4 +463,13 @@ TEST_F(IniReaderDoubleByteTest, ALeadByteDoesNotHideTheNulBehindIt) {
 
 TEST_F(IniReaderDoubleByteTest, OneDoubleByteCharacterIsTooShort) {
     EXPECT_EQ(Read("[\\]\r\n\x83\x41\r\n\x83\x41\x83\x42\r\n"), "\x83\x41\x83\x42=5:0");
+}
+
+// The second byte of the character 0x83 0x58 is an "X", that of 0x83 0x78 an "x".
+TEST_F(IniReaderDoubleByteTest, OnlyACharacterXMakesANumberHexadecimal) {
+    EXPECT_EQ(ReadValue("i10 \x83\x58"), "key=5:10");
+    EXPECT_EQ(ReadValue("i10 \x83\x78"), "key=5:10");
+    EXPECT_EQ(ReadValue("i10 \x83\x58 x"), "key=5:16");
+    EXPECT_EQ(ReadValue("p10 \x83\x58,20"), "key=13:10,20");
+    EXPECT_EQ(ReadValue("t10 \x83\x58,20,3x0,40"), "key=15:16,32,3,40");
 }

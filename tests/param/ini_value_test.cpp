@@ -13,17 +13,17 @@ namespace {
 
 std::string Written(const CQXVariant& value) {
     CXString text("untouched");
-    return WriteIniValue(value, text) ? std::string(text) : "(no text form)";
+    return qx::WriteIniValue(value, text) ? std::string(text) : "(no text form)";
 }
 
 // Written and read again.
 std::string ReadBack(const CQXVariant& value) {
     CXString written;
-    if (!WriteIniValue(value, written)) return "(not written)";
+    if (!qx::WriteIniValue(value, written)) return "(not written)";
     std::string text = written.GetData();
     tagQXVARIANT back;  // owns nothing, so it is not cleared
     QXVariantInit(&back);
-    return ReadIniValue(text.data(), back) ? ValueText(back) : "(not read back)";
+    return qx::ReadIniValue(text.data(), back) ? ValueText(back) : "(not read back)";
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ void ReadDialog(CWld& dictionary, IParam* dialog, const char* key) {
     qx::Reference<CTEnum<const char*>> walk(values);
     auto geometry = std::make_unique<QXDlgPos>();
     ReadDialogSize(dialog, *geometry);
-    EachName(walk.Detach(), [&](const CXString& name) { ReadControl(dialog, name, *geometry); });
+    qx::EachName(walk.Detach(), [&](const CXString& name) { ReadControl(dialog, name, *geometry); });
     if (dictionary.m_DlgPos.SetAt(HashResourceKey(key), geometry.get())) geometry.release();
 }
 
@@ -56,7 +56,7 @@ void ReadModule(CWld& dictionary, IParam* tree, const char* module) {
     if (!node) return;
     qx::Reference<IParam> dialogs = Open(node.Get(), "Dialogs");
     if (!dialogs) return;
-    EachName(dialogs->EnumSubParams(), [&](const CXString& name) {
+    qx::EachName(dialogs->EnumSubParams(), [&](const CXString& name) {
         if (qx::Reference<IParam> dialog = Open(dialogs.Get(), name)) {
             ReadDialog(dictionary, dialog.Get(), DialogKey(module, name));
         }
@@ -64,7 +64,7 @@ void ReadModule(CWld& dictionary, IParam* tree, const char* module) {
 }
 
 void ReadDialogs(CWld& dictionary, IParam* tree) {
-    EachName(tree->EnumSubParams(),
+    qx::EachName(tree->EnumSubParams(),
              [&](const CXString& name) { ReadModule(dictionary, tree, name); });
 }
 

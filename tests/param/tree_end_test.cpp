@@ -1,0 +1,165 @@
+// What the objects in a tree see and may do while a part of it ends.
+#include "param/tree_text.h"
+#include "support/allocation_failure.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+namespace {
+
+// Calls back when its last reference goes.
+class Witness : public CQXUnknownImpl<IQXUnknown> {
+public:
+    explicit Witness(std::function<void()> atEnd) : m_atEnd(std::move(atEnd)) {}
+    ~Witness() override { m_atEnd(); }
+
+private:
+    std::function<void()> m_atEnd;
+};
+
+class TreeEndTest : public testing::Test {
+protected:
+    ParamPtr root{new_MemParam()};
+
+    // Stores an object that the node alone holds.
+    static void Put(IParam* node, const char* name, std::function<void()> atEnd) {
+        auto object = new Witness(std::move(atEnd));
+        CQXVariant value(static_cast<IQXUnknown*>(object));
+        object->Release();
+        node->SetValue(name, &value);
+    }
+    static void Attach(IParam* node, std::function<void()> atEnd) {
+        IQXUnknown* table = nullptr;
+        node->QueryInterface(qx_typeid<IRegisterIface>(), &table);
+        auto object = new Witness(std::move(atEnd));
+        static_cast<IRegisterIface*>(table)->RegisterInterface(object, qx_typeid<IXStream>(), 1);
+        object->Release();
+        table->Release();
+    }
+    static ParamPtr Child(IParam* node, const char* name) {
+        return ParamPtr(node->OpenSubParam(name, 1));
+    }
+    std::function<void()> Says(const char* word) {
+        return [this, word] { said += (said.empty() ? "" : " ") + std::string(word); };
+    }
+
+    std::string said;
+};
+
+}  // namespace
+
+// The bucket of a name of one letter is the letter's number modulo 127: "a" comes before "b".
+TEST_F(TreeEndTest, ANodeEndsWithItsValuesThenItsChildrenThenWhatIsAttached) {
+    ParamPtr a = Child(root.get(), "a"), b = Child(root.get(), "b"), deep = Child(a.get(), "x");
+    Put(root.get(), "v", Says("root"));
+    Put(a.get(), "v", Says("a"));
+    Put(b.get(), "v", Says("b"));
+    Put(deep.get(), "v", Says("a\\x"));
+    Attach(root.get(), Says("(root)"));
+    Attach(a.get(), Says("(a)"));
+    Attach(b.get(), Says("(b)"));
+    Attach(deep.get(), Says("(a\\x)"));
+    a.reset();
+    b.reset();
+    deep.reset();
+    root.reset();
+    EXPECT_EQ(said, "root a a\\x (a\\x) (a) b (b) (root)");
+}
+
+TEST_F(TreeEndTest, WhatEndsMayQueryAndReleaseTheEndingNode) {
+    IParam* node = root.get();
+    Put(node, "v", [&, node] {
+        IQXUnknown* table = nullptr;
+        EXPECT_EQ(node->QueryInterface(qx_typeid<IRegisterIface>(), &table), 1);
+        table->Release();
+        node->AddRef();
+        EXPECT_EQ(node->Release(), 1u);
+        Says("v")();
+    });
+    root.reset();
+    EXPECT_EQ(said, "v");
+}
+
+TEST_F(TreeEndTest, AnEndingNodeTakesNothingMore) {
+    IParam* node = root.get();
+    Put(node, "v", [&, node] {
+        CQXVariant value(1);
+        EXPECT_EQ(node->SetValue("late", &value), 0);
+        EXPECT_EQ(node->EnumValues(), nullptr);
+    });
+    Put(Child(node, "a").get(), "v", [&, node] {
+        EXPECT_EQ(node->CreateSubParam("late"), nullptr);
+        EXPECT_EQ(node->OpenSubParam("late\\deep", 1), nullptr);
+        EXPECT_EQ(node->EnumSubParams(), nullptr);
+        Says("asked")();
+    });
+    root.reset();
+    EXPECT_EQ(said, "asked");
+}
+
+TEST_F(TreeEndTest, ANodeTakesNoChildWhileItsChildrenAreCleared) {
+    IParam* node = root.get();
+    for (const char* name : {"a", "b", "c"}) {
+        Put(Child(node, name).get(), "v", [&, node] {
+            EXPECT_EQ(node->CreateSubParam("late"), nullptr);
+            Says("asked")();
+        });
+    }
+    root->Clear();
+    EXPECT_EQ(said, "asked asked asked");
+    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_TRUE(Child(node, "again"));
+}
+
+TEST_F(TreeEndTest, ClearingOnceMoreWhileClearingChangesNothing) {
+    IParam* node = root.get();
+    int ended = 0;
+    for (const char* name : {"a", "b", "c"}) {
+        Put(Child(node, name).get(), "v", [&, node] {
+            node->Clear();
+            EXPECT_EQ(node->CreateSubParam("late"), nullptr);
+            ++ended;
+        });
+        Put(node, name, [&, node] {
+            CQXVariant value(1);
+            node->Clear();
+            EXPECT_EQ(node->SetValue("late", &value), 0);
+            ++ended;
+        });
+    }
+    root->Clear();
+    EXPECT_EQ(ended, 6);
+    EXPECT_EQ(TreeText(root.get()), "");
+}
+
+TEST_F(TreeEndTest, AReplacedValueEndsWhenTheNewOneStandsInItsPlace) {
+    IParam* node = root.get();
+    Put(node, "v", [&, node] {
+        EXPECT_EQ(GetInt(node, "v"), 5);
+        EXPECT_EQ(node->DeleteValue("v"), 1);
+        Says("gone")();
+    });
+    SetInt(node, "v", 5);
+    EXPECT_EQ(said, "gone");
+    EXPECT_EQ(TreeText(node), "");
+}
+
+TEST_F(TreeEndTest, AValueThatFindsNoMemoryLeavesTheOldOne) {
+    auto make = [] {
+        ParamPtr node(new_MemParam());
+        CQXVariant text("old text");
+        node->SetValue("v", &text);
+        return node;
+    };
+    auto replace = [](ParamPtr& node) {
+        tagQXVARIANT borrowed = {};
+        borrowed.type = QXVT_STRING;
+        char text[] = "another text";
+        borrowed.value.string = text;
+        node->SetValue("v", &borrowed);
+    };
+    auto isOld = [](ParamPtr& node) { EXPECT_EQ(TreeText(node.get()), "v=10:old text"); };
+    EXPECT_GT(FailEachAllocation(make, replace, isOld), 0u);
+}
