@@ -17,10 +17,13 @@ char* FreeName() {
     return g_names[0];
 }
 
+// The text is measured before the buffer is written, which it may lie in, and which another thread
+// may be writing: each writes its own bytes and never more than the buffer holds.
 char* RecordName(const char* text) {
     char* name = FreeName();
-    name[0] = 0;
-    if (text) strncat(name, text, kNameSize - 1);
+    size_t length = text ? strnlen(text, kNameSize - 1) : 0;
+    memmove(name, text ? text : "", length);
+    name[length] = 0;
     return name;
 }
 

@@ -22,7 +22,7 @@ void* Allocate(size_t size) {
 void* AllocateOrNull(size_t size) noexcept {
     try {
         return Allocate(size);
-    } catch (CXMemException&) {
+    } catch (...) {  // memory has run out, or the low-memory sink throws what it likes
         return nullptr;
     }
 }

@@ -8,6 +8,8 @@
 #include <qxcore/export.h>
 #include <qxcore/listitem.h>
 
+#include <cstring>
+
 // One interned interface name. Items are never removed and live until the process ends.
 struct _TI_Item {
     char* name;
@@ -23,22 +25,29 @@ struct qx_type_info {
     char name[112];  // ".?AU" + class + "@@" for a struct, ".?AV" + class + "@@" for a class
 };
 
-// Finds or makes the item of a name. Inline comparison code of other modules calls it.
+// Finds or makes the item of a name; throws CXMemException when it cannot. Inline comparison code
+// of other modules calls it.
 extern "C" QXCORE_API _TI_Item* __find_ti_item(const char* name);
 
-// Fills the cache words the first time two records meet.
-QXCORE_NOINLINE inline bool __compare_ti_names(const qx_type_info& a, const qx_type_info& b) {
-    if (!b.item) b.item = __find_ti_item(b.name);
-    if (!a.item) a.item = __find_ti_item(a.name);
-    return a.item == b.item;
+// Fills the cache words the first time two records meet. Without the memory for that the texts are
+// compared, and the words stay empty, so that a comparison never throws.
+QXCORE_NOINLINE inline bool __compare_ti_names(const qx_type_info& a,
+                                               const qx_type_info& b) noexcept {
+    try {
+        if (!b.item) b.item = __find_ti_item(b.name);
+        if (!a.item) a.item = __find_ti_item(a.name);
+        return a.item == b.item;
+    } catch (...) {
+        return strcmp(a.name, b.name) == 0;
+    }
 }
 
 // After the first comparison of both records this is two pointer tests and a pointer comparison.
-inline bool operator==(const qx_type_info& a, const qx_type_info& b) {
+inline bool operator==(const qx_type_info& a, const qx_type_info& b) noexcept {
     if (a.item && b.item) return a.item == b.item;
     return __compare_ti_names(a, b);
 }
-inline bool operator!=(const qx_type_info& a, const qx_type_info& b) {
+inline bool operator!=(const qx_type_info& a, const qx_type_info& b) noexcept {
     return !(a == b);
 }
 

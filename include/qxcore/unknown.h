@@ -9,6 +9,7 @@
 #include <qxcore/typeid.h>
 
 #include <type_traits>
+#include <utility>
 
 struct IQXUnknown {
     // Takes a reference. The result is the count, for diagnosis only.
@@ -78,14 +79,17 @@ template <class I, class P>
 class CQXUnknownImplParent : public CQXUnknownImpl<I> {
 public:
     unsigned AddRef() override { return ++m_publicRefs; }
-    // The last release lets go of the parent before the object is destroyed.
+    // The last release lets go of the parent before the object is destroyed; what the parent's
+    // Release raises reaches the caller once the object is gone.
     unsigned Release() override {
         if (--m_publicRefs != 0) return m_publicRefs;
-        if (P* parent = m_parent) {
-            m_parent = nullptr;
-            parent->Release();
+        m_publicRefs = 1;  // as in CQXUnknownImpl, and for whom the parent's destructor calls
+        try {
+            ReleaseParent(nullptr);
+        } catch (...) {
+            delete this;
+            throw;
         }
-        m_publicRefs = 1;  // as in CQXUnknownImpl
         delete this;
         return 0;
     }
@@ -94,8 +98,7 @@ public:
     // root.
     virtual void SetParent(P* parent) {
         if (parent) parent->AddRef();
-        if (m_parent) m_parent->Release();
-        m_parent = parent;
+        ReleaseParent(parent);
     }
     // The parent with a reference for the caller; null for a root.
     virtual P* GetParent() {
@@ -104,6 +107,12 @@ public:
     }
 
 private:
+    // The new parent is in its place before the old one goes.
+    void ReleaseParent(P* newParent) {
+        P* old = std::exchange(m_parent, newParent);
+        if (old) old->Release();
+    }
+
     unsigned m_publicRefs = 1;
     P* m_parent = nullptr;
 };

@@ -124,22 +124,54 @@ TEST(CoreMemoryTest, ANameThatCannotBeInternedLeavesNothing) {
     EXPECT_EQ(__find_ti_item(kName), item);
 }
 
-TEST(CoreMemoryTest, RecordsWhoseNamesCannotBeInternedCanBeComparedLater) {
-    qx_type_info a = RecordOf(".?AUIComparedLater@@"), b = RecordOf(".?AUIComparedLater@@"),
-                 other = RecordOf(".?AUIAnotherComparedLater@@");
+TEST(CoreMemoryTest, RecordsWhoseNamesCannotBeInternedAreComparedByText) {
     for (unsigned n : {1u, 2u}) {
-        FailingAllocation failing(n, Memory::runtime);
-        EXPECT_THROW((void)(a == b), CXMemException);
-        EXPECT_EQ(a.item, nullptr);
-        EXPECT_EQ(b.item, nullptr);
+        std::string name = ".?AUIComparedWithout" + std::to_string(n) + "@@";
+        qx_type_info a = RecordOf(name.c_str()), b = RecordOf(name.c_str()),
+                     other = RecordOf(".?AUIAnotherComparedWithout@@");
+        {
+            FailingAllocation failing(n, Memory::runtime);
+            EXPECT_TRUE(a == b);
+            EXPECT_TRUE(failing.Happened());
+        }
+        {
+            FailingAllocation failing(n, Memory::runtime);
+            EXPECT_FALSE(other == a);
+        }
+        EXPECT_TRUE(a == b);  // with memory again, by their item
+        EXPECT_NE(a.item, nullptr);
+        EXPECT_EQ(a.item, b.item);
+        EXPECT_FALSE(other == a);
+        EXPECT_NE(other.item, nullptr);
     }
-    EXPECT_TRUE(a == b);
+}
+
+TEST(CoreMemoryTest, AnInternedRecordIsComparedByTextWithOneThatCannotBe) {
+    qx_type_info known = RecordOf(".?AUIKnownBeforehand@@"), same = known,
+                 other = RecordOf(".?AUINotInterned@@");
+    EXPECT_TRUE(known == known);
+    FailingAllocation failing(1, Memory::runtime);
+    EXPECT_FALSE(known == other);
+    EXPECT_TRUE(failing.Happened());
+    EXPECT_FALSE(other == known);
+    EXPECT_TRUE(same == known);
+}
+
+TEST(CoreMemoryTest, AQueryNeverThrowsThoughItsFirstComparisonFindsNoMemory) {
     for (unsigned n : {1u, 2u}) {
+        qx_type_info unknown =
+            RecordOf((".?AUIAskedWithoutMemory" + std::to_string(n) + "@@").c_str());
+        Ref<IHeap> heap = NewHeap();
+        IQXUnknown* answer = heap.get();
         FailingAllocation failing(n, Memory::runtime);
-        EXPECT_THROW((void)(other == a), CXMemException);
+        EXPECT_EQ(heap->QueryInterface(unknown, &answer), 0);
+        EXPECT_TRUE(failing.Happened());
+        EXPECT_EQ(answer, nullptr);
     }
-    EXPECT_FALSE(other == a);
-    EXPECT_NE(other.item, nullptr);
+    qx_type_info ownHeap = RecordOf(".?AVIHeap@@");
+    Ref<IHeap> heap = NewHeap();
+    FailingAllocation failing(1, Memory::runtime);
+    EXPECT_EQ(heap->QueryInterface(ownHeap, nullptr), 1);
 }
 
 TEST(CoreMemoryTest, MakingAnExceptionTakesNoMemory) {

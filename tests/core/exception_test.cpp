@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <thread>
 #include <type_traits>
 
 struct IMissing;
@@ -129,4 +130,39 @@ TEST(FileExceptionTest, ANameOver511BytesIsCut) {
     CXFileException next(1, "next", 0);
     EXPECT_STREQ(next.name, "next");
     EXPECT_EQ(std::string(e.name), std::string(511, 'n'));
+}
+
+TEST(FileExceptionTest, ANameThatLiesInTheBufferItIsCopiedToStays) {
+    CXFileException first(1, "first", 0), second(1, "second", 0), third(1, "third", 0),
+        fourth(1, "fourth", 0);
+    CXFileException again(2, first.name, 0);  // takes the first buffer, as all are in use
+    EXPECT_EQ(again.name, first.name);
+    EXPECT_STREQ(again.name, "first");
+}
+
+TEST(FileExceptionTest, TheEndOfANameCanBeCopiedOverItsStart) {
+    CXFileException first(1, "c:\\folder\\first", 0), second(1, "second", 0), third(1, "third", 0),
+        fourth(1, "fourth", 0);
+    CXFileException again(2, first.name + 3, 0);
+    EXPECT_STREQ(again.name, "folder\\first");
+}
+
+TEST(FileExceptionTest, ThreadsThatRaiseAtOnceWriteBehindNoBuffer) {
+    // With the other three in use both threads take the same buffer. A name that were put behind
+    // the end of what the other thread wrote would reach into a neighbour.
+    CXFileException first(1, "first", 0), second(1, "second", 0), third(1, "third", 0),
+        fourth(1, "fourth", 0);
+    auto raise = [](char letter) {
+        std::string name(511, letter);
+        for (int i = 0; i < 200000; ++i) {
+            CXFileException raised(1, name.c_str(), 0);
+            raised.name[0] = letter;  // the destructor of the other thread's may have cleared it
+        }
+    };
+    std::thread one(raise, 'a'), other(raise, 'b');
+    one.join();
+    other.join();
+    EXPECT_STREQ(second.name, "second");
+    EXPECT_STREQ(third.name, "third");
+    EXPECT_STREQ(fourth.name, "fourth");
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <qxcore.h>
 
+#include <thread>
 #include <vector>
 
 namespace {
@@ -14,16 +15,19 @@ class RecordingSink : public ILowMemoryNotifySink {
 public:
     int OnLowMemory(unsigned attempt) override {
         attempts.push_back(attempt);
+        if (throws) throw "a sink's own failure";
         return attempt < retries;
     }
 
     void Reset(unsigned newRetries) {
         attempts.clear();
         retries = newRetries;
+        throws = false;
     }
 
     std::vector<unsigned> attempts;
     unsigned retries = 0;
+    bool throws = false;
 };
 
 RecordingSink& Sink() {
@@ -89,6 +93,60 @@ TEST_F(LowMemoryTest, ReallocThatFailsAsksTheSinkAndKeepsTheBlock) {
     EXPECT_EQ(Sink().attempts, (std::vector<unsigned>{0}));
     EXPECT_GE(Mem_DefaultHeap(0)->GetSize(block), 100u);
     Mem_DefaultHeap(0)->Free(block);
+}
+
+TEST_F(LowMemoryTest, WhatASinkThrowsReachesTheCallerAndLeavesTheHeapsUsable) {
+    Sink().throws = true;
+    EXPECT_THROW(Mem_DefaultHeap(0)->Alloc(kTooMuch), const char*);
+    EXPECT_THROW(::operator delete(::operator new(kTooMuch)), const char*);
+    EXPECT_EQ(Sink().attempts, (std::vector<unsigned>{0, 0}));
+    bool free = false;  // the lock was given back
+    std::thread other([&] {
+        delete new int;
+        free = true;
+    });
+    other.join();
+    EXPECT_TRUE(free);
+}
+
+TEST_F(LowMemoryTest, NothrowNewAnswersNullWhenTheSinkThrows) {
+    Sink().throws = true;
+    EXPECT_EQ(::operator new(kTooMuch, std::nothrow), nullptr);
+    EXPECT_EQ(::operator new[](kTooMuch, std::nothrow), nullptr);
+    EXPECT_EQ(Sink().attempts, (std::vector<unsigned>{0, 0}));
+}
+
+TEST_F(LowMemoryTest, AMapGoesOnWithoutItsIndexWhenTheSinkThrows) {
+    CTMap<int, int> map;
+    for (int key = 0; key < 126; ++key) map.SetAt(key, key);
+    Sink().throws = true;
+    {
+        FailingAllocation failing(2);  // the first is the node
+        EXPECT_EQ(map.SetAt(126, 126), 1);
+        EXPECT_TRUE(failing.Happened());
+    }
+    EXPECT_EQ(Sink().attempts, std::vector<unsigned>{0});
+    for (int key = 0; key < 127; ++key) {
+        ASSERT_NE(map.Find(key), nullptr);
+        EXPECT_EQ(*map.Find(key), key);
+    }
+}
+
+TEST_F(LowMemoryTest, AMapGoesOnWithoutItsIndexWhenTheSinkThrowsAtItsGrowth) {
+    CTMap<int, int> map;
+    int added = 0;
+    for (; added < 127; ++added) map.SetAt(added, added);
+    Sink().throws = true;
+    bool grew = false;
+    for (; !grew; ++added) {
+        FailingAllocation failing(2);
+        ASSERT_EQ(map.SetAt(added, added), 1);
+        grew = failing.Happened();
+    }
+    for (int key = 0; key < added; ++key) {
+        ASSERT_NE(map.Find(key), nullptr);
+        EXPECT_EQ(*map.Find(key), key);
+    }
 }
 
 TEST_F(LowMemoryTest, ASecondSinkThrowsEvenIfItIsNull) {

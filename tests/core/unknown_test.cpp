@@ -214,6 +214,90 @@ TEST_F(UnknownTest, GetParentGivesAReference) {
     child->Release();
 }
 
+namespace {
+
+// A parent that uses its child while it goes: what the child asks its parent for.
+class CPryingParent : public CQXUnknownImpl<INode> {
+public:
+    ~CPryingParent() override {
+        g_events.push_back("prying parent destroyed");
+        if (!child) return;
+        INode* parent = child->GetParent();
+        g_events.push_back(parent ? parent->Name() : "no parent");
+        if (parent) parent->Release();
+        child->AddRef();
+        child->Release();
+    }
+    const char* Name() override { return "prying parent"; }
+
+    CNode* child = nullptr;
+};
+
+// Its last release fails.
+class CRaisingParent : public CQXUnknownImpl<INode> {
+public:
+    unsigned Release() override {
+        if (unsigned refs = InternalRelease()) return refs;
+        throw 2;
+    }
+    const char* Name() override { return "raising parent"; }
+};
+
+}  // namespace
+
+TEST_F(UnknownTest, AParentMayUseItsChildWhileTheChildLetsItGo) {
+    auto parent = new CPryingParent;
+    CNode* child = new CNode("child");
+    parent->child = child;
+    child->SetParent(parent);
+    parent->Release();
+    g_events.clear();
+    EXPECT_EQ(child->Release(), 0u);
+    EXPECT_EQ(g_events,
+              (std::vector<std::string>{"child released", "prying parent destroyed", "no parent",
+                                        "child released", "child destroyed"}));
+}
+
+TEST_F(UnknownTest, AnOldParentThatGoesFindsTheNewOneInItsChild) {
+    auto old = new CPryingParent;
+    CNode* fresh = new CNode("fresh");
+    CNode* child = new CNode("child");
+    old->child = child;
+    child->SetParent(old);
+    old->Release();
+    g_events.clear();
+    child->SetParent(fresh);
+    EXPECT_EQ(g_events, (std::vector<std::string>{"prying parent destroyed", "fresh",
+                                                  "fresh released", "child released"}));
+    EXPECT_EQ(CountOf(fresh), 2u);
+    child->Release();
+    fresh->Release();
+}
+
+TEST_F(UnknownTest, AParentWhoseReleaseRaisesIsReplacedAllTheSame) {
+    CNode* fresh = new CNode("fresh");
+    CNode* child = new CNode("child");
+    auto raising = new CRaisingParent;
+    child->SetParent(raising);
+    raising->Release();
+    EXPECT_THROW(child->SetParent(fresh), int);
+    INode* parent = child->GetParent();
+    EXPECT_EQ(parent, fresh);
+    parent->Release();
+    child->Release();
+    fresh->Release();
+}
+
+TEST_F(UnknownTest, AChildWhoseParentsReleaseRaisesIsDestroyedAllTheSame) {
+    CNode* child = new CNode("child");
+    auto raising = new CRaisingParent;
+    child->SetParent(raising);
+    raising->Release();
+    g_events.clear();
+    EXPECT_THROW(child->Release(), int);
+    EXPECT_EQ(g_events, (std::vector<std::string>{"child released", "child destroyed"}));
+}
+
 TEST_F(UnknownTest, AParentedObjectCountsOnItsSecondField) {
     CNode* node = new CNode("node");
     EXPECT_EQ(node->AddRef(), 2u);

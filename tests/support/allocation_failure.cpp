@@ -2,6 +2,8 @@
 
 #include "support/import_slot.h"
 
+#include <qxcore/heap.h>
+
 #include <atomic>
 #include <cstdlib>
 
@@ -101,6 +103,11 @@ void Replace(HMODULE module, const char* name, Function* counted, Function*& rea
 
 void ReplaceOnce() {
     static bool done = [] {
+        // The first exception of a thread takes memory that stays, in the library and here.
+        try {
+            Mem_DefaultHeap(0)->Alloc(SIZE_MAX);
+        } catch (CXMemException&) {
+        }
         HMODULE library = GetModuleHandleA("qxcore.dll");
         Replace(library, "HeapAlloc", CountedHeapAlloc, realHeapAlloc);
         Replace(library, "HeapFree", CountedHeapFree, realHeapFree);
