@@ -1,0 +1,525 @@
+// What every back end of IParam does, slot by slot, run over all of them; where they differ by
+// design, the table of the back ends says what each does.
+#include "param/contract_back_ends.h"
+#include "support/slot.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+class EveryParamTest : public testing::TestWithParam<BackEnd> {
+protected:
+    const BackEnd& kind = GetParam();
+    std::unique_ptr<Place> place = kind.make();
+    IParam* root = place->root.get();
+
+    ParamPtr Create(const char* name) { return ParamPtr(root->CreateSubParam(name)); }
+    ParamPtr Open(const char* name, int create = 0) {
+        return ParamPtr(root->OpenSubParam(name, create));
+    }
+    std::string Tree() { return SortedTree(root); }
+    // "x=5:1 a{y=5:2 b{z=5:3}}"
+    void Plant() {
+        SetInt(root, "x", 1);
+        ParamPtr a = Create("a");
+        SetInt(a.get(), "y", 2);
+        SetInt(ParamPtr(a->CreateSubParam("b")).get(), "z", 3);
+    }
+    bool IsWithoutForm(unsigned short type) { return Has(kind.withoutForm, type); }
+    bool IsLosing(unsigned short type) { return Has(kind.losingForm, type); }
+
+private:
+    static bool Has(const std::vector<unsigned short>& types, unsigned short type) {
+        return std::find(types.begin(), types.end(), type) != types.end();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, EveryParamTest, testing::ValuesIn(BackEnds()),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+unsigned CountOf(IQXUnknown* object) {
+    object->AddRef();
+    return object->Release();
+}
+
+struct IStrange : IQXUnknown {
+protected:
+    ~IStrange() = default;
+};
+
+class CStrange : public CQXUnknownImpl<IQXUnknown> {};
+
+// One value of each type but the object, none of them zero. Reals have a short decimal form.
+std::vector<CQXVariant> OneOfEach() {
+    static char bytes[] = {0, 1, 2, '\\', 0};
+    unsigned char byte = 0x5A;
+    unsigned short word = 65535;
+    unsigned long ulong = 4000000000ul;
+    std::vector<CQXVariant> all = {
+        CQXVariant(),
+        CQXVariant(1, QXVT_BOOL),
+        CQXVariant(byte),
+        CQXVariant(word),
+        CQXVariant(ulong),
+        CQXVariant(-5),
+        CQXVariant(4000000001u),
+        CQXVariant(-7L),
+        CQXVariant(0.5),
+        CQXVariant(-2.25f),
+        CQXVariant("some text"),
+        CQXVariant(tagSIZE{3, -4}),
+        CQXVariant(tagRSIZE{0.25, -8}),
+        CQXVariant(tagPOINT{-5, 6}),
+        CQXVariant(tagRPOINT{1.5, 2.5}),
+        CQXVariant(tagRECT{1, 2, 30, 40}),
+        CQXVariant(tagRRECT{0.5, 1, 2, 4.75}),
+        CQXVariant(tagQXBLOB{sizeof bytes, bytes}),
+    };
+    return all;
+}
+
+}  // namespace
+QX_DECLARE_TYPEID(IStrange, ".?AUIStrange@@");
+
+// Children
+
+TEST_P(EveryParamTest, ANewTreeIsEmptyAndHasOneReference) {
+    EXPECT_EQ(Tree(), "");
+    EXPECT_EQ(CountOf(root), 1u);
+}
+
+TEST_P(EveryParamTest, ACreatedChildIsEmptyListedAndFoundAgain) {
+    ParamPtr child = Create("a child");
+    ASSERT_TRUE(child);
+    EXPECT_EQ(CountOf(child.get()), kind.second == Second::sameObject ? 2u : 1u);
+    EXPECT_EQ(SortedTree(child.get()), "");
+    child.reset();
+    EXPECT_EQ(NamesText(root->EnumSubParams()), "a child");
+    EXPECT_TRUE(Open("a child"));
+    EXPECT_TRUE(Open("A CHILD"));
+}
+
+TEST_P(EveryParamTest, CreatingAnExistingChildEmptiesIt) {
+    {
+        ParamPtr a = Create("a");
+        SetInt(a.get(), "x", 1);
+        SetInt(ParamPtr(a->CreateSubParam("b")).get(), "y", 2);
+    }
+    EXPECT_TRUE(Create("A"));
+    EXPECT_EQ(Tree(), kind.createOfExisting);
+}
+
+TEST_P(EveryParamTest, CreatingAHeldChildGivesTheObjectOrAnother) {
+    ParamPtr held = Create("a"), again = Create("a");
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again.get() == held.get(), kind.createOfExistingIsTheSame);
+}
+
+TEST_P(EveryParamTest, OpeningAMissingChildIsNullUnlessItCreates) {
+    EXPECT_FALSE(Open("a"));
+    EXPECT_FALSE(Open("a\\b"));
+    EXPECT_EQ(Tree(), "");
+    EXPECT_TRUE(Open("a", 1));
+    EXPECT_FALSE(Open("a\\b"));
+    EXPECT_EQ(Tree(), "a{}");
+}
+
+TEST_P(EveryParamTest, OpeningAnExistingChildLeavesItsContents) {
+    Plant();
+    EXPECT_TRUE(Open("a", 1));
+    EXPECT_TRUE(Open("a", 0));
+    EXPECT_EQ(Tree(), "x=5:1 a{y=5:2 b{z=5:3}}");
+}
+
+TEST_P(EveryParamTest, AHeldChildOpensASecondTimeAsTheTableSays) {
+    ParamPtr held = Create("a");
+    SetInt(held.get(), "x", 1);
+    ParamPtr second = Open("a");
+    if (kind.second == Second::refused) {
+        EXPECT_FALSE(second);
+    } else {
+        ASSERT_TRUE(second);
+        EXPECT_EQ(second.get() == held.get(), kind.second == Second::sameObject);
+        EXPECT_EQ(GetInt(second.get(), "x"), 1);
+        SetInt(second.get(), "x", 2);
+        EXPECT_EQ(GetInt(held.get(), "x"), 2);
+    }
+}
+
+TEST_P(EveryParamTest, AnExistingPathOpensItsLeaf) {
+    Plant();
+    ParamPtr leaf = Open("a\\b");
+    ASSERT_TRUE(leaf);
+    EXPECT_EQ(GetInt(leaf.get(), "z"), 3);
+}
+
+TEST_P(EveryParamTest, CreatingAPathMakesWhatTheTableSays) {
+    ParamPtr leaf = Create("a\\b");
+    ASSERT_TRUE(leaf);
+    SetInt(leaf.get(), "own", 1);
+    EXPECT_EQ(GetInt(leaf.get(), "own"), 1);
+    leaf->DeleteValue("own");
+    leaf.reset();
+    EXPECT_EQ(Tree(), kind.createOfPath);
+}
+
+TEST_P(EveryParamTest, OpeningAPathThatCreatesMakesWhatTheTableSays) {
+    EXPECT_EQ(Open("a\\b", 1) != nullptr, kind.openOfPathAnswers);
+    EXPECT_EQ(Tree(), kind.openOfPath);
+}
+
+TEST_P(EveryParamTest, OpeningAPathUnderAnExistingChildMakesWhatTheTableSays) {
+    Create("a");
+    EXPECT_EQ(Open("a\\b", 1) != nullptr, kind.openOfPathAnswers);
+    EXPECT_EQ(Tree(), kind.openOfPathWithA);
+}
+
+TEST_P(EveryParamTest, DeletingAChildTakesItsWholeSubtree) {
+    Plant();
+    Create("kept");
+    root->DeleteSubParam("A");
+    EXPECT_EQ(Tree(), "x=5:1 kept{}");
+    EXPECT_FALSE(Open("a"));
+    root->DeleteSubParam("a");  // a missing one is no error
+    root->DeleteSubParam("never\\there");
+    EXPECT_EQ(Tree(), "x=5:1 kept{}");
+}
+
+TEST_P(EveryParamTest, DeletingAPathLeavesWhatTheTableSays) {
+    ParamPtr(Create("a")->CreateSubParam("b"));
+    root->DeleteSubParam("a\\b");
+    EXPECT_EQ(Tree(), kind.deleteChildOfPath);
+}
+
+TEST_P(EveryParamTest, DeletingAllChildrenLeavesTheValuesAndTheNodeUsable) {
+    Plant();
+    for (const char* name : {"c", "d", "e"}) Create(name);
+    root->DeleteAllSubParams();
+    EXPECT_EQ(Tree(), "x=5:1");
+    EXPECT_TRUE(Create("again"));
+    EXPECT_EQ(Tree(), "x=5:1 again{}");
+}
+
+TEST_P(EveryParamTest, AChildOutlivesItsParent) {
+    ParamPtr leaf(Create("a")->CreateSubParam("b"));
+    place->root.reset();
+    SetInt(leaf.get(), "late", 7);
+    EXPECT_EQ(GetInt(leaf.get(), "late"), 7);
+    leaf.reset();
+    if (!kind.keeps) return;
+    ParamPtr again = place->Reopen();
+    EXPECT_EQ(SortedTree(again.get()), "a{b{late=5:7}}");
+}
+
+// Values
+
+TEST_P(EveryParamTest, AValueComesBackWithItsType) {
+    unsigned short type = 0;
+    for (const CQXVariant& value : OneOfEach()) {
+        ASSERT_EQ(value.type, type);
+        CQXVariant out(77);
+        EXPECT_EQ(root->SetValue("v", &value), IsWithoutForm(type) ? 0 : 1) << type;
+        if (!IsWithoutForm(type)) {
+            EXPECT_EQ(root->GetValue("V", &out), 1) << type;
+            CQXVariant expected = value;
+            if (IsLosing(type)) memset(&expected.value, 0, sizeof expected.value);
+            EXPECT_TRUE(out == expected) << type << ": " << ValueText(out);
+        }
+        ++type;
+    }
+}
+
+TEST_P(EveryParamTest, AValueThatHasNoFormLeavesTheOldOne) {
+    SetInt(root, "v", 1);
+    for (const CQXVariant& value : OneOfEach()) {
+        if (!IsWithoutForm(value.type)) continue;
+        root->SetValue("v", &value);
+        EXPECT_EQ(Tree(), "v=5:1");
+    }
+}
+
+TEST_P(EveryParamTest, AStoredValueIsACopy) {
+    CQXVariant text("hello"), out;
+    root->SetValue("text", &text);
+    text.value.string[0] = 'J';
+    ASSERT_EQ(root->GetValue("text", &out), 1);
+    out.value.string[0] = 'C';
+    ASSERT_EQ(root->GetValue("text", &out), 1);
+    EXPECT_STREQ(out.value.string, "hello");
+}
+
+TEST_P(EveryParamTest, GetValueReleasesWhatTheVariantHeld) {
+    auto held = new CStrange;
+    CQXVariant out(static_cast<IQXUnknown*>(held));
+    SetInt(root, "a", 5);
+    EXPECT_EQ(root->GetValue("a", &out), 1);
+    EXPECT_EQ(CountOf(held), 1u);
+    EXPECT_EQ(ValueText(out), "5:5");
+    held->Release();
+}
+
+TEST_P(EveryParamTest, AValueIsReplacedWhateverTypesTheTwoHave) {
+    for (CQXVariant first : {CQXVariant(1), CQXVariant("a long text that goes"), CQXVariant(2.5)}) {
+        for (CQXVariant second : {CQXVariant("b"), CQXVariant(2), CQXVariant(tagPOINT{1, 2})}) {
+            root->SetValue("Name", &first);
+            root->SetValue("NAME", &second);
+            CQXVariant out;
+            EXPECT_EQ(root->GetValue("name", &out), 1);
+            EXPECT_TRUE(out == second) << ValueText(out);
+        }
+    }
+    EXPECT_EQ(Tree().find(' '), std::string::npos);  // one value it is
+}
+
+TEST_P(EveryParamTest, AnEmptyTextIsAValueOrNone) {
+    CQXVariant empty(""), out(5);
+    EXPECT_EQ(root->SetValue("v", &empty), 1);
+    EXPECT_EQ(root->GetValue("v", &out), kind.emptyTextIsMissing ? 0 : 1);
+    EXPECT_EQ(ValueText(out), kind.emptyTextIsMissing ? "0:" : "10:");
+}
+
+TEST_P(EveryParamTest, AValueOfNoNameHasTheNameOfTheTable) {
+    SetInt(root, "", 1);
+    EXPECT_EQ(GetInt(root, nullptr), 1);
+    SetInt(root, nullptr, 2);
+    EXPECT_EQ(GetInt(root, ""), 2);
+    EXPECT_EQ(NamesText(root->EnumValues()), kind.nameOfNone);
+    EXPECT_EQ(GetInt(root, kind.nameOfNone), 2);
+    root->DeleteValue("");
+    EXPECT_EQ(GetInt(root, ""), kind.noneIsDeletedByNone ? -1 : 2);
+    root->DeleteValue(kind.nameOfNone);
+    EXPECT_EQ(GetInt(root, ""), -1);
+}
+
+TEST_P(EveryParamTest, ValuesAndChildrenAreTwoNameSpacesWhereTheBackEndHasTwo) {
+    SetInt(Create("same").get(), "inner", 2);
+    SetInt(root, "same", 1);
+    EXPECT_EQ(Tree(), kind.oneNameSpace ? "same=5:1" : "same=5:1 same{inner=5:2}");
+}
+
+TEST_P(EveryParamTest, SettingAPathStoresWhatTheTableSays) {
+    CQXVariant seven(7);
+    EXPECT_EQ(root->SetValue("a\\b", &seven), 1);
+    EXPECT_EQ(Tree(), kind.setOfPath);
+    EXPECT_EQ(GetInt(root, "a\\b"), 7);
+}
+
+TEST_P(EveryParamTest, SettingADeepPathStoresWhatTheTableSays) {
+    SetInt(root, "a\\b\\c", 7);
+    EXPECT_EQ(Tree(), kind.setOfDeepPath);
+}
+
+TEST_P(EveryParamTest, DeletingThePathOfAValueLeavesWhatTheTableSays) {
+    Create("a");
+    SetInt(root, "a\\b", 7);
+    root->DeleteValue("a\\b");
+    EXPECT_EQ(Tree(), kind.deleteValueOfPath);
+}
+
+TEST_P(EveryParamTest, AMissAnswersZeroAndClearsOrKeepsTheVariant) {
+    CQXVariant out("kept");
+    EXPECT_EQ(root->GetValue("missing", &out), 0);
+    EXPECT_EQ(ValueText(out), kind.missClears ? "0:" : "10:kept");
+    out = "kept";
+    EXPECT_EQ(root->GetValue("no\\such", &out), 0);
+    EXPECT_EQ(ValueText(out), kind.missOfPathClears ? "0:" : "10:kept");
+}
+
+TEST_P(EveryParamTest, DeletingAValueAnswersWhatTheTableSays) {
+    SetInt(root, "a", 1);
+    SetInt(root, "b", 2);
+    EXPECT_EQ(root->DeleteValue("A"), kind.deleteAnswers);
+    EXPECT_EQ(Tree(), "b=5:2");
+    EXPECT_EQ(root->DeleteValue("a"), kind.deleteOfMissAnswers);
+    EXPECT_EQ(Tree(), "b=5:2");
+}
+
+TEST_P(EveryParamTest, DeletingAllValuesLeavesTheChildrenAndTheNodeUsable) {
+    for (const char* name : {"a", "b", "c", "d"}) SetInt(root, name, 1);
+    SetInt(Create("child").get(), "inner", 1);
+    root->DeleteAllValues();
+    EXPECT_EQ(Tree(), "child{inner=5:1}");
+    SetInt(root, "again", 2);
+    EXPECT_EQ(Tree(), "again=5:2 child{inner=5:1}");
+}
+
+// Clear
+
+TEST_P(EveryParamTest, ClearLeavesWhatTheTableSays) {
+    Plant();
+    root->Clear();
+    EXPECT_EQ(Tree(), kind.clear);
+}
+
+TEST_P(EveryParamTest, AClearedNodeGoesOnOrIsAtItsEnd) {
+    Plant();
+    root->Clear();
+    CQXVariant value(5), out;
+    EXPECT_EQ(root->SetValue("new", &value), kind.clearedGoesOn);
+    EXPECT_EQ(GetInt(root, "new"), kind.clearedGoesOn ? 5 : -1);
+    EXPECT_EQ(Create("child") != nullptr, kind.clearedGoesOn);
+}
+
+TEST_P(EveryParamTest, ClearOfAChildLeavesWhatTheTableSays) {
+    Plant();
+    Open("a")->Clear();
+    EXPECT_EQ(Tree(), kind.clearOfChild);
+}
+
+// Enumeration
+
+TEST_P(EveryParamTest, AnEnumeratorDeliversEachNameOnceAndFromTheStartAgain) {
+    for (int i = 0; i < 40; ++i) SetInt(root, ("value " + std::to_string(i)).c_str(), i);
+    NamesPtr names(root->EnumValues());
+    for (int round = 0; round < 2; ++round) {
+        std::vector<std::string> seen;
+        const char* name;
+        unsigned fetched = 9;
+        while (names->Next(1, &name, &fetched)) {
+            EXPECT_EQ(fetched, 1u);
+            seen.push_back(name);
+        }
+        EXPECT_EQ(fetched, 0u);
+        std::sort(seen.begin(), seen.end());
+        seen.erase(std::unique(seen.begin(), seen.end()), seen.end());
+        seen.erase(std::remove(seen.begin(), seen.end(), "@"), seen.end());
+        EXPECT_EQ(seen.size(), 40u);
+        names->Reset();
+    }
+}
+
+TEST_P(EveryParamTest, AnEnumeratorDeliversSeveralNamesAtOnceAndSkips) {
+    for (const char* name : {"a", "b", "c", "d", "e"}) Create(name);
+    NamesPtr names(root->EnumSubParams());
+    const char* delivered[9] = {};
+    unsigned fetched = 9;
+    EXPECT_EQ(names->Next(0, delivered, &fetched), 0);
+    EXPECT_EQ(names->Next(2, delivered, &fetched), 1);
+    EXPECT_EQ(fetched, 2u);
+    EXPECT_EQ(names->Skip(1), 1);
+    EXPECT_EQ(names->Next(9, delivered, &fetched), 1);
+    EXPECT_EQ(fetched, 2u);
+    EXPECT_EQ(names->Next(9, delivered, &fetched), 0);
+    names->Skip(1000);
+    EXPECT_EQ(names->Next(1, delivered, nullptr), 0);
+}
+
+TEST_P(EveryParamTest, AnEmptyNodeHasEmptyEnumerators) {
+    ParamPtr child = Create("a");
+    const char* name;
+    unsigned fetched = 9;
+    NamesPtr children(child->EnumSubParams());
+    ASSERT_TRUE(children);
+    EXPECT_EQ(children->Next(1, &name, &fetched), 0);
+    EXPECT_EQ(fetched, 0u);
+    EXPECT_TRUE(NamesPtr(child->EnumValues()));
+}
+
+TEST_P(EveryParamTest, AnEnumeratorIsLiveOrASnapshot) {
+    SetInt(root, "a", 1);
+    NamesPtr names(root->EnumValues());
+    SetInt(root, "b", 2);
+    std::string seen = NamesText(names.release());
+    EXPECT_EQ(seen.find('b') != std::string::npos, kind.enumerationIsLive) << seen;
+}
+
+TEST_P(EveryParamTest, EntriesMayBeDeletedDuringAWalk) {
+    for (const char* name : {"a", "b", "c", "d", "e"}) {
+        SetInt(root, name, 1);
+        Create(name);
+    }
+    const char* name;
+    NamesPtr values(root->EnumValues());
+    while (values->Next(1, &name, nullptr)) root->DeleteValue(std::string(name).c_str());
+    NamesPtr children(root->EnumSubParams());
+    while (children->Next(1, &name, nullptr)) root->DeleteSubParam(std::string(name).c_str());
+    EXPECT_EQ(Tree(), "");
+}
+
+TEST_P(EveryParamTest, AnEnumeratorIsAnEnumeratorOfTexts) {
+    NamesPtr names(root->EnumValues());
+    IQXUnknown* out = nullptr;
+    EXPECT_EQ(names->QueryInterface(qx_typeid<CTEnum<const char*>>(), &out), 1);
+    out->Release();
+    EXPECT_EQ(names->QueryInterface(qx_typeid<CTEnum<char*>>(), &out), 0);
+}
+
+// The object
+
+TEST_P(EveryParamTest, QueryInterfaceAnswersWhatTheTableSaysAndNothingElse) {
+    for (auto* id : {&qx_typeid<IQXUnknown>(), &qx_typeid<IParam>(), &qx_typeid<IXStorage>(),
+                     &qx_typeid<IRegisterIface>(), &qx_typeid<IStrange>()}) {
+        bool known = std::find(kind.answers.begin(), kind.answers.end(), id) != kind.answers.end();
+        IQXUnknown* out = root;
+        EXPECT_EQ(root->QueryInterface(*id, nullptr), known) << id->name;
+        EXPECT_EQ(root->QueryInterface(*id, &out), known) << id->name;
+        EXPECT_EQ(out != nullptr, known) << id->name;
+        if (out) out->Release();
+    }
+    EXPECT_EQ(CountOf(root), 1u);
+}
+
+TEST_P(EveryParamTest, InterfacesAreAttachedReplacedAndTakenOff) {
+    IQXUnknown* out = nullptr;
+    ASSERT_EQ(root->QueryInterface(qx_typeid<IRegisterIface>(), &out), 1);
+    auto table = static_cast<IRegisterIface*>(out);
+    EXPECT_EQ(CountOf(root), 2u);
+    auto first = new CStrange, second = new CStrange;
+    EXPECT_EQ(table->RegisterInterface(nullptr, qx_typeid<IStrange>(), 0), 0);
+    EXPECT_EQ(table->RegisterInterface(first, qx_typeid<IStrange>(), 1), 1);
+    EXPECT_EQ(CountOf(first), 2u);
+    EXPECT_EQ(table->RegisterInterface(second, qx_typeid<IStrange>(), 1), 1);
+    EXPECT_EQ(CountOf(first), 1u);
+    EXPECT_EQ(root->QueryInterface(qx_typeid<IStrange>(), &out), 1);
+    EXPECT_EQ(out, second);
+    out->Release();
+    EXPECT_EQ(table->RegisterInterface(nullptr, qx_typeid<IStrange>(), 0), 1);
+    EXPECT_EQ(root->QueryInterface(qx_typeid<IStrange>(), &out), 0);
+    EXPECT_EQ(table->RegisterInterface(second, qx_typeid<IStrange>(), 1), 1);
+    EXPECT_EQ(table->Release(), 1u);
+    place->root.reset();
+    EXPECT_EQ(CountOf(second), 1u);  // the table went with the node
+    first->Release();
+    second->Release();
+}
+
+TEST_P(EveryParamTest, TheSlotsStandInTheirOrder) {
+    SetInt(root, "v", 1);
+    EXPECT_EQ(Slot<unsigned(IParam*)>(root, 0)(root), 2u);
+    EXPECT_EQ(Slot<unsigned(IParam*)>(root, 1)(root), 1u);
+    EXPECT_EQ(Slot<int(IParam*, qx_type_info const&, IQXUnknown**)>(root, 2)(
+                  root, qx_typeid<IRegisterIface>(), nullptr),
+              1);
+    using ByName = IParam*(IParam*, const char*);
+    EXPECT_TRUE(ParamPtr(Slot<ByName>(root, 3)(root, "a")));
+    EXPECT_TRUE(ParamPtr(Slot<IParam*(IParam*, const char*, int)>(root, 4)(root, "b", 1)));
+    Slot<void(IParam*, const char*)>(root, 5)(root, "a");
+    using Names = CTEnum<const char*>*(IParam*);
+    EXPECT_EQ(NamesText(Slot<Names>(root, 7)(root)), "b");
+    Slot<void(IParam*)>(root, 6)(root);
+    EXPECT_EQ(Tree(), "v=5:1");
+    CQXVariant out, two(2);
+    EXPECT_EQ(Slot<int(IParam*, const char*, tagQXVARIANT*)>(root, 8)(root, "v", &out), 1);
+    Slot<int(IParam*, const char*, const tagQXVARIANT*)>(root, 9)(root, "w", &two);
+    Slot<int(IParam*, const char*)>(root, 10)(root, "v");
+    EXPECT_NE(NamesText(Slot<Names>(root, 12)(root)).find('w'), std::string::npos);
+    EXPECT_EQ(Tree(), "w=5:2");
+    Slot<void(IParam*)>(root, 11)(root);
+    EXPECT_EQ(Tree(), "");
+    SetInt(root, "v", 1);
+    Slot<void(IParam*)>(root, 13)(root);
+    EXPECT_EQ(Tree(), "");
+}
+
+// The place
+
+TEST_P(EveryParamTest, WhatTheLastReleaseLeavesIsThereAgain) {
+    if (!kind.keeps) GTEST_SKIP() << "a tree in memory ends with its last release";
+    Plant();
+    place->root.reset();
+    ParamPtr again = place->Reopen();
+    ASSERT_TRUE(again);
+    EXPECT_EQ(SortedTree(again.get()), "x=5:1 a{y=5:2 b{z=5:3}}");
+}
