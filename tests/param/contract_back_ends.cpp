@@ -11,6 +11,59 @@ struct MemoryPlace : Place {
     MemoryPlace() { root.reset(new_MemParam()); }
 };
 
+// A key of its own, which goes with all below it.
+template <class Hive>
+struct RegistryPlace : Place {
+    RegistryPlace() {
+        static int made = 0;
+        key = "Software\\qxcore tests\\contract " + std::to_string(GetCurrentProcessId()) + " " +
+              std::to_string(++made);
+        HKEY opened = nullptr;
+        RegCreateKeyExA(Hive::Key(), key.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &opened,
+                        nullptr);
+        RegCloseKey(opened);
+        root.reset(Hive::Open(key.c_str()));
+    }
+    ~RegistryPlace() override {
+        root.reset();
+        RegDeleteTreeA(Hive::Key(), key.c_str());
+        RegDeleteKeyA(Hive::Key(), "Software\\qxcore tests");  // when it was the last one in it
+    }
+    ParamPtr Reopen() override { return ParamPtr(Hive::Open(key.c_str())); }
+
+    std::string key;
+};
+
+struct CurrentUser {
+    static HKEY Key() { return HKEY_CURRENT_USER; }
+    static IParam* Open(const char* key) { return new_IParamCUReg(key); }
+};
+
+struct LocalMachine {
+    static HKEY Key() { return HKEY_LOCAL_MACHINE; }
+    static IParam* Open(const char* key) { return new_IParamLMReg(key); }
+};
+
+// A file that is transacted throughout, the way documents are.
+struct StoragePlace : Place {
+    StoragePlace() { Show(new_Storage(Path().c_str(), QXSTG_TRANSACTED)); }
+    ~StoragePlace() override { root.reset(); }
+    ParamPtr Reopen() override {
+        root.reset();
+        Show(open_Storage(Path().c_str(), 0));
+        return std::move(root);
+    }
+
+    ScratchDirectory directory;
+
+private:
+    std::string Path() const { return directory.PathOf("contract.document"); }
+    void Show(IXStorage* storage) {
+        root.reset(new_IXStorParam(storage));
+        storage->Release();
+    }
+};
+
 template <class Kind>
 std::unique_ptr<Place> Make() {
     return std::make_unique<Kind>();
@@ -53,40 +106,121 @@ std::string SortedTree(IParam* node) {
     return text;
 }
 
+namespace {
+
+BackEnd Memory() {
+    return {
+        .name = "Memory",
+        .make = Make<MemoryPlace>,
+        .keeps = false,
+        .createOfPath = "a{b{}}",
+        .openOfPath = "b{}",
+        .openOfPathAnswers = true,
+        .openOfPathWithA = "a{b{}}",
+        .openOfPathWithAAnswers = true,
+        .setOfPath = "a\\b=5:7 a{b=5:7}",
+        .setOfDeepPath = "a\\b\\c b{c=5:7}",
+        .deleteValueOfPath = "a{b=5:7}",
+        .deleteChildOfPath = "a{b{}}",
+        .nameOfNone = "@",
+        .noneIsDeletedByNone = true,
+        .oneNameSpace = false,
+        .createOfExisting = "a{}",
+        .createOfExistingIsTheSame = true,
+        .second = Second::sameObject,
+        .withoutForm = {},
+        .losingForm = {},
+        .emptyTextIsMissing = false,
+        .missClears = false,
+        .missOfPathClears = false,
+        .deleteAnswers = 1,
+        .deleteOfMissAnswers = 1,
+        .clear = "",
+        .clearOfChild = "x=5:1 a{}",
+        .clearedGoesOn = true,
+        .answers = {&qx_typeid<IRegisterIface>()},
+        .enumerationIsLive = true,
+    };
+}
+
+BackEnd Registry(const char* name, std::unique_ptr<Place> (*make)()) {
+    return {
+        .name = name,
+        .make = make,
+        .keeps = true,
+        .createOfPath = "a{b{}}",
+        .openOfPath = "a{b{}}",
+        .openOfPathAnswers = true,
+        .openOfPathWithA = "a{b{}}",
+        .openOfPathWithAAnswers = true,
+        .setOfPath = "a\\b=5:7",
+        .setOfDeepPath = "a\\b\\c=5:7",
+        .deleteValueOfPath = "a{}",
+        .deleteChildOfPath = "a{}",
+        .nameOfNone = "",
+        .noneIsDeletedByNone = true,
+        .oneNameSpace = false,
+        .createOfExisting = "a{b{}}",
+        .createOfExistingIsTheSame = false,
+        .second = Second::anotherObject,
+        .withoutForm = {QXVT_UNKNOWN},
+        .losingForm = {},
+        .emptyTextIsMissing = true,
+        .missClears = true,
+        .missOfPathClears = true,
+        .deleteAnswers = ERROR_SUCCESS,
+        .deleteOfMissAnswers = ERROR_FILE_NOT_FOUND,
+        .clear = "a{b{}}",
+        .clearOfChild = "x=5:1 a{b{}}",
+        .clearedGoesOn = true,
+        .answers = {&qx_typeid<IParam>(), &qx_typeid<IRegisterIface>()},
+        .enumerationIsLive = false,
+    };
+}
+
+BackEnd Storage() {
+    return {
+        .name = "Storage",
+        .make = Make<StoragePlace>,
+        .keeps = true,
+        .createOfPath = "a{b{}}",
+        .openOfPath = "a{}",
+        .openOfPathAnswers = false,
+        .openOfPathWithA = "a{}",
+        .openOfPathWithAAnswers = false,
+        .setOfPath = "a{b=5:7}",
+        .setOfDeepPath = "a{}",
+        .deleteValueOfPath = "a{b=5:7}",
+        .deleteChildOfPath = "a{}",
+        .nameOfNone = "@",
+        .noneIsDeletedByNone = false,
+        .oneNameSpace = true,
+        .createOfExisting = "A{}",
+        .createOfExistingIsTheSame = false,
+        .second = Second::refused,
+        .withoutForm = {},
+        .losingForm = {},
+        .emptyTextIsMissing = false,
+        .missClears = true,
+        .missOfPathClears = false,
+        .deleteAnswers = 1,
+        .deleteOfMissAnswers = 0,
+        .clear = "",
+        .clearOfChild = "x=5:1",
+        .clearedGoesOn = false,
+        .answers = {&qx_typeid<IXStorage>(), &qx_typeid<IRegisterIface>()},
+        .enumerationIsLive = false,
+    };
+}
+
+}  // namespace
+
 const std::vector<BackEnd>& BackEnds() {
-    static const qx_type_info* const table = &qx_typeid<IRegisterIface>();
     static const std::vector<BackEnd> rows = {
-        {
-            .name = "Memory",
-            .make = Make<MemoryPlace>,
-            .keeps = false,
-            .createOfPath = "a{b{}}",
-            .openOfPath = "b{}",
-            .openOfPathAnswers = true,
-            .openOfPathWithA = "a{b{}}",
-            .setOfPath = "a\\b=5:7 a{b=5:7}",
-            .setOfDeepPath = "a\\b\\c b{c=5:7}",
-            .deleteValueOfPath = "a{b=5:7}",
-            .deleteChildOfPath = "a{b{}}",
-            .nameOfNone = "@",
-            .noneIsDeletedByNone = true,
-            .oneNameSpace = false,
-            .createOfExisting = "a{}",
-            .createOfExistingIsTheSame = true,
-            .second = Second::sameObject,
-            .withoutForm = {},
-            .losingForm = {},
-            .emptyTextIsMissing = false,
-            .missClears = false,
-            .missOfPathClears = false,
-            .deleteAnswers = 1,
-            .deleteOfMissAnswers = 1,
-            .clear = "",
-            .clearOfChild = "x=5:1 a{}",
-            .clearedGoesOn = true,
-            .answers = {table},
-            .enumerationIsLive = true,
-        },
+        Memory(),
+        Registry("CurrentUser", Make<RegistryPlace<CurrentUser>>),
+        Registry("LocalMachine", Make<RegistryPlace<LocalMachine>>),
+        Storage(),
     };
     return rows;
 }

@@ -33,10 +33,11 @@ struct BackEnd {
     bool keeps;  // Reopen finds what was written
 
     // Paths, each over an empty root.
-    const char* createOfPath;       // CreateSubParam("a\b")
-    const char* openOfPath;         // OpenSubParam("a\b", 1)
-    bool openOfPathAnswers;         // ... and whether that is a node
-    const char* openOfPathWithA;    // the same with a child "a"
+    const char* createOfPath;     // CreateSubParam("a\b")
+    const char* openOfPath;       // OpenSubParam("a\b", 1)
+    bool openOfPathAnswers;       // ... and whether that is a node
+    const char* openOfPathWithA;  // the same with a child "a"
+    bool openOfPathWithAAnswers;
     const char* setOfPath;          // SetValue("a\b", 7)
     const char* setOfDeepPath;      // SetValue("a\b\c", 7)
     const char* deleteValueOfPath;  // a child "a", SetValue("a\b", 7), DeleteValue("a\b")

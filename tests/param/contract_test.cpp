@@ -172,7 +172,7 @@ TEST_P(EveryParamTest, OpeningAPathThatCreatesMakesWhatTheTableSays) {
 
 TEST_P(EveryParamTest, OpeningAPathUnderAnExistingChildMakesWhatTheTableSays) {
     Create("a");
-    EXPECT_EQ(Open("a\\b", 1) != nullptr, kind.openOfPathAnswers);
+    EXPECT_EQ(Open("a\\b", 1) != nullptr, kind.openOfPathWithAAnswers);
     EXPECT_EQ(Tree(), kind.openOfPathWithA);
 }
 
@@ -516,10 +516,11 @@ TEST_P(EveryParamTest, TheSlotsStandInTheirOrder) {
 // The place
 
 TEST_P(EveryParamTest, WhatTheLastReleaseLeavesIsThereAgain) {
-    if (!kind.keeps) GTEST_SKIP() << "a tree in memory ends with its last release";
     Plant();
     place->root.reset();
     ParamPtr again = place->Reopen();
-    ASSERT_TRUE(again);
-    EXPECT_EQ(SortedTree(again.get()), "x=5:1 a{y=5:2 b{z=5:3}}");
+    ASSERT_EQ(again != nullptr, kind.keeps);
+    if (again) {
+        EXPECT_EQ(SortedTree(again.get()), "x=5:1 a{y=5:2 b{z=5:3}}");
+    }
 }

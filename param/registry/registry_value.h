@@ -1,0 +1,44 @@
+// Values as the registry holds them. A string is a REG_SZ value. Every other type is a REG_BINARY
+// value: its code in 32 bits, then the value area; a blob has the count of its bytes in 32 bits
+// before them. An object has no such form.
+#ifndef QXCORE_PARAM_REGISTRY_REGISTRY_VALUE_H
+#define QXCORE_PARAM_REGISTRY_REGISTRY_VALUE_H
+
+#include "variant/value_block.h"
+
+#include <qxcore/variant.h>
+
+#include <memory>
+#include <span>
+
+namespace qx {
+
+using Bytes = std::span<const unsigned char>;
+
+struct FreeValueBlock {
+    void operator()(void* block) const { FreeValue(block); }
+};
+
+// A value on its way to or from the registry, in a block of the default heap.
+struct ValueBytes {
+    explicit ValueBytes(size_t size)
+        : size(size), bytes(static_cast<unsigned char*>(AllocValue(size))) {}
+
+    size_t size;
+    std::unique_ptr<unsigned char[], FreeValueBlock> bytes;
+};
+
+// Whether a type has the binary form.
+bool HasBinaryForm(unsigned type);
+
+// Makes `out`, which is empty, from the binary form. Whoever wrote the bytes, they may be of any
+// length: what is missing reads as zero, and a blob has the bytes that are there. False for a type
+// without the form.
+bool ReadBinaryForm(Bytes bytes, tagQXVARIANT* out);
+
+// REQUIRES: HasBinaryForm(value.type).
+ValueBytes BinaryFormOf(const tagQXVARIANT& value);
+
+}  // namespace qx
+
+#endif
