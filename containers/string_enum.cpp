@@ -1,21 +1,18 @@
 #include <qxcore/string_enum.h>
 
-#include <mbctype.h>
+#include "strings/characters.h"
 
 #include <cstring>
 
+namespace qx {
+
 namespace {
 
-// A lead byte before the terminator stands alone.
-const char* NextCharacter(const char* at) {
-    return at + (_ismbblead(static_cast<unsigned char>(*at)) && at[1] ? 2 : 1);
-}
-
-bool IsSeparator(const char* at, const char* separators) {
-    ptrdiff_t size = NextCharacter(at) - at;
-    for (; *separators; separators = NextCharacter(separators)) {
-        if (NextCharacter(separators) - separators == size && memcmp(at, separators, size) == 0)
-            return true;
+// Half a character at the end of both is the same, unlike in other searches.
+bool IsSeparator(const Characters& characters, const char* at, const char* separators) {
+    size_t size = characters.SizeAt(at);
+    for (; *separators; separators = characters.Next(separators)) {
+        if (characters.SizeAt(separators) == size && memcmp(at, separators, size) == 0) return true;
     }
     return false;
 }
@@ -23,14 +20,15 @@ bool IsSeparator(const char* at, const char* separators) {
 // Cuts the pieces of `text` one after the other, writing a zero over the separator behind each.
 class PieceCutter {
 public:
-    PieceCutter(char* text, const char* separators) : at(text), separators(separators) {}
+    PieceCutter(const Characters& characters, char* text, const char* separators)
+        : m_characters(characters), m_at(text), m_separators(separators) {}
 
     char* Next() {
-        while (*at && IsSeparator(at, separators)) Step();
-        if (!*at) return nullptr;
-        char* piece = at;
-        while (*at && !IsSeparator(at, separators)) Step();
-        if (char* end = at; *end) {
+        while (*m_at && IsSeparator()) Step();
+        if (!*m_at) return nullptr;
+        char* piece = m_at;
+        while (*m_at && !IsSeparator()) Step();
+        if (char* end = m_at; *end) {
             Step();
             *end = 0;
         }
@@ -38,17 +36,19 @@ public:
     }
 
 private:
-    void Step() { at += NextCharacter(at) - at; }
+    bool IsSeparator() const { return qx::IsSeparator(m_characters, m_at, m_separators); }
+    void Step() { m_at += m_characters.SizeAt(m_at); }
 
-    char* at;
-    const char* separators;
+    const Characters& m_characters;
+    char* m_at;
+    const char* m_separators;
 };
 
-unsigned CountPieces(const char* text, const char* separators) {
+unsigned CountPieces(const Characters& characters, const char* text, const char* separators) {
     unsigned count = 0;
     bool inside = false;
-    for (; *text; text = NextCharacter(text)) {
-        bool separates = IsSeparator(text, separators);
+    for (; *text; text = characters.Next(text)) {
+        bool separates = IsSeparator(characters, text, separators);
         if (!separates && !inside) ++count;
         inside = !separates;
     }
@@ -63,11 +63,14 @@ void Fill(QXTextArray& array, unsigned count, const char* bytes, size_t size) {
 
 }  // namespace
 
+}  // namespace qx
+
 void QXTextArray::Split(const char* separators, const char* text) {
-    unsigned pieces = text ? CountPieces(text, separators) : 0;
+    const auto codePage = qx::Characters::OfRuntime();
+    unsigned pieces = text ? qx::CountPieces(codePage, text, separators) : 0;
     if (!pieces) return;
-    Fill(*this, pieces, text, strlen(text) + 1);
-    PieceCutter cutter(characters, separators);
+    qx::Fill(*this, pieces, text, strlen(text) + 1);
+    qx::PieceCutter cutter(codePage, characters, separators);
     while (char* piece = cutter.Next()) texts[count++] = piece;
 }
 
@@ -76,6 +79,6 @@ void QXTextArray::CopyBlock(const char* block) {
     unsigned found = 0;
     const char* end = block;
     for (; *end; end += strlen(end) + 1) ++found;
-    Fill(*this, found, block, static_cast<size_t>(end - block) + 1);
+    qx::Fill(*this, found, block, static_cast<size_t>(end - block) + 1);
     for (char* at = characters; *at; at += strlen(at) + 1) texts[count++] = at;
 }

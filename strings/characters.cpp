@@ -209,10 +209,8 @@ void Characters::EndAtWholeCharacter(char* buffer, size_t size) const {
     assert(size > 0);
     buffer[size - 1] = 0;
     size_t length = ScanLength(buffer);
-    if (length < size - 1 || length == 0) return;
-    size_t whole = m_isUtf8 ? WholeSequences(buffer, length) : length;
-    if (Leads(buffer[length - 1]) && !IsTrail(buffer, buffer + length - 1)) --whole;
-    buffer[whole] = 0;
+    if (length < size - 1) return;
+    buffer[m_isUtf8 ? WholeSequences(buffer, length) : WithoutHalf(buffer, length)] = 0;
 }
 
 }  // namespace qx

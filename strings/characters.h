@@ -138,6 +138,12 @@ public:
     // Copies as much of a text as fits with its terminator into `size` bytes, in whole characters.
     // Answers the length. The text may lie in the buffer. REQUIRES: size > 0.
     size_t CopyWhole(char* buffer, size_t size, const char* text) const;
+    // The first `size` bytes of a text without half a character at their end. REQUIRES: the text is
+    // not shorter.
+    size_t WithoutHalf(const char* text, size_t size) const {
+        if (!size || !Leads(text[size - 1])) return size;
+        return IsTrail(text, text + size - 1) ? size : size - 1;
+    }
     // Makes sure that a buffer, which the system may have filled to its last byte, holds a
     // terminated text that does not end in half a character or sequence. What fitted stays as it
     // is. REQUIRES: size > 0.

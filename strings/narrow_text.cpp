@@ -1,65 +1,34 @@
 #include "strings/narrow_text.h"
 
+#include "strings/characters.h"
+
 #include <qxcore/string.h>
 
-#include <atomic>
 #include <cctype>
-#include <cstdint>
 #include <cstdio>
-#include <mbctype.h>
 #include <mbstring.h>
 #include <utility>
 
+namespace qx {
+
 namespace {
 
+using CharText = char[NarrowText::kCharUnits + 1];
+
+bool IsAscii(char c) {
+    return c >= 0;
+}
+
+bool IsAscii(const char* s) {
+    return ScanText(s).isAscii;
+}
+
 bool IsLead(char c) {
-    return c < 0 && _ismbblead(static_cast<unsigned char>(c));
+    return !IsAscii(c) && Characters::OfRuntime().Leads(c);
 }
 
-// Whether the code page in force has lead bytes. Some runtimes number single-byte code pages too,
-// so the number alone does not tell; the answer is remembered for the number that was asked last.
-bool HasLeadBytes() {
-    static constinit std::atomic<int> remembered = 0;
-    int codePage = _getmbcp();
-    if (codePage == 0) return false;
-    int known = remembered.load(std::memory_order_relaxed);
-    if (known >> 1 == codePage) return known & 1;
-    bool found = false;
-    for (unsigned c = 0x80; c <= 0xFF; ++c) found = found || _ismbblead(c);
-    remembered.store(codePage << 1 | found, std::memory_order_relaxed);
-    return found;
-}
-
-bool IsPlain(const char* s, size_t size) {
-    return ScanIsAscii(s, size) || !HasLeadBytes();
-}
-
-bool IsPlain(ScannedText text) {
-    return text.isAscii || !HasLeadBytes();
-}
-
-bool IsPlain(const char* s) {
-    return IsPlain(ScanText(s));
-}
-
-// The units of the character at p: 0 at the end, and at a lead byte right before it.
-size_t UnitsAt(const char* p) {
-    if (!*p) return 0;
-    if (!IsLead(*p)) return 1;
-    return p[1] ? 2 : 0;
-}
-
-// The first character that starts at `place` or behind it; the end if the text has none.
-const char* CharacterFrom(const char* s, const char* place) {
-    for (size_t n; s < place && (n = UnitsAt(s)) != 0;) s += n;
-    return s;
-}
-
-bool SetHas(const char* set, const char* p, size_t units) {
-    for (size_t n; (n = UnitsAt(set)) != 0; set += n) {
-        if (n == units && memcmp(set, p, n) == 0) return true;
-    }
-    return false;
+bool IsSpace(char c) {
+    return isspace(static_cast<unsigned char>(c)) != 0;
 }
 
 const unsigned char* Bytes(const char* s) {
@@ -70,27 +39,38 @@ unsigned char* Bytes(char* s) {
     return reinterpret_cast<unsigned char*>(s);
 }
 
-// The units before a lead byte that lacks its trail byte; some runtimes read on behind such a text.
+// A value to search for as text; false when no character has it.
+bool SpellWhole(const Characters& characters, wchar_t ch, CharText& text) {
+    const char high = static_cast<char>(ch >> 8), low = static_cast<char>(ch);
+    const bool isPair = high && characters.HasDoubleByte();
+    char* p = text;
+    if (isPair) *p++ = high;
+    *p++ = low;
+    *p = 0;
+    return isPair ? characters.Leads(high) && low : !characters.Leads(low);
+}
+
+// The units before half a character; some runtimes read on behind a text that ends in one.
 size_t WholeSize(const char* s) {
     size_t size = ScanLength(s);
-    return size && IsLead(s[size - 1]) ? NarrowText::Fit(s, size) : size;
+    return !size || IsAscii(s[size - 1]) ? size : Characters::OfRuntime().WithoutHalf(s, size);
 }
 
 // A text as the runtime's comparisons may read it.
 class WholeText {
 public:
-    explicit WholeText(const char* s) : text(s) {
+    explicit WholeText(const char* s) : m_text(s) {
         size_t whole = WholeSize(s);
         if (!s[whole]) return;
-        memcpy(copy.GetBuffer(static_cast<int>(whole)), s, whole);
-        copy.ReleaseBuffer();
-        text = copy;
+        memcpy(m_copy.GetBuffer(static_cast<int>(whole)), s, whole);
+        m_copy.ReleaseBuffer();
+        m_text = m_copy;
     }
-    operator const unsigned char*() const { return Bytes(text); }
+    operator const unsigned char*() const { return Bytes(m_text); }
 
 private:
-    CXString copy;
-    const char* text;
+    CXString m_copy;
+    const char* m_text;
 };
 
 template <class Change>
@@ -104,100 +84,106 @@ void ChangeWhole(char* s, Change change) {
 
 }  // namespace
 
-size_t NarrowText::Characters(const char* s) {
+size_t NarrowText::Count(const char* s) {
     ScannedText text = ScanText(s);
     return text.isAscii ? text.length : CountBeyondAscii(s, text.length);
 }
 
 size_t NarrowText::CountBeyondAscii(const char* s, size_t size) {
-    if (!HasLeadBytes()) return size;
-    size_t count = 0;
-    const char* end = s + size;
-    for (size_t n; s < end && (n = UnitsAt(s)) != 0; s += n) ++count;
-    return count;
+    return Characters::OfRuntime().Count(s, size);
 }
 
 const char* NarrowText::Skip(const char* s, size_t n) {
     size_t size = ScanLength(s, n);
-    if (IsPlain(s, size)) return s + size;
-    for (size_t units; n && (units = UnitsAt(s)) != 0; s += units) --n;
-    return s;
+    return ScanIsAscii(s, size) ? s + size : Characters::OfRuntime().Skip(s, n);
 }
 
 size_t NarrowText::Fit(const char* s, size_t size) {
-    if (IsPlain(s, size)) return size;
-    const char* p = s;
-    for (size_t n; (n = UnitsAt(p)) != 0 && p + n <= s + size;) p += n;
-    return p - s;
+    if (ScanIsAscii(s, size)) return size;
+    const Characters characters = Characters::OfRuntime();
+    return characters.WithoutHalf(s, characters.WholeBytes(s, size));
 }
 
 wchar_t NarrowText::At(const char* p) {
+    if (IsAscii(*p)) return static_cast<wchar_t>(*p);
     auto bytes = Bytes(p);
-    return UnitsAt(p) == 2 ? static_cast<wchar_t>(bytes[0] << 8 | bytes[1]) : bytes[0];
+    switch (Characters::OfRuntime().WholeSizeAt(p)) {
+        case 0:
+            return 0;
+        case 1:
+            return bytes[0];
+        default:
+            return static_cast<wchar_t>(bytes[0] << 8 | bytes[1]);
+    }
 }
 
-void NarrowText::SpellBeyondByte(wchar_t ch, char (&text)[kCharUnits + 1]) {
+void NarrowText::SpellBeyondByte(wchar_t ch, CharText& text) {
     char* p = text;
     if (IsLead(static_cast<char>(ch >> 8))) *p++ = static_cast<char>(ch >> 8);
     *p++ = static_cast<char>(ch);
     *p = 0;
 }
 
-void NarrowText::SpellInMemoryOrder(wchar_t ch, char (&text)[kCharUnits + 1]) {
+void NarrowText::SpellInMemoryOrder(wchar_t ch, CharText& text) {
     Spell(ch, text);
     if (text[0] && text[1]) std::swap(text[0], text[1]);
 }
 
+// What begins with ASCII and has only ASCII before it stands at a character.
 const char* NarrowText::Find(const char* s, const char* what) {
     if (!*what) return s;
-    for (;;) {
-        const char* found = ScanForText(s, what);
-        if (!found) return nullptr;
-        s = IsPlain(s, found - s) ? found : CharacterFrom(s, found);
-        if (s >= found && IsLead(*s) && !s[1]) return nullptr;
-        if (s == found) return found;
-        if (s < found) return nullptr;
-    }
+    const char* found = ScanForText(s, what);
+    if (!found || (IsAscii(*found) && ScanIsAscii(s, static_cast<size_t>(found - s)))) return found;
+    return Characters::OfRuntime().FindText(s, what);
 }
 
-// A double-byte character of the set must not match by one of its bytes, so the set has to be plain
-// too.
 const char* NarrowText::FindAny(const char* s, const char* set) {
-    if (IsPlain(s) && IsPlain(set)) return ScanForAny(s, set);
-    for (size_t n; (n = UnitsAt(s)) != 0; s += n) {
-        if (SetHas(set, s, n)) return s;
-    }
-    return nullptr;
+    if (IsAscii(s) && IsAscii(set)) return ScanForAny(s, set);
+    return Characters::OfRuntime().FindAny(s, set);
 }
 
 const char* NarrowText::FindLastAny(const char* s, const char* set) {
     ScannedText text = ScanText(s);
-    if (IsPlain(text) && IsPlain(set)) return ScanBackForAny(s, s + text.length, set);
-    const char* last = nullptr;
-    for (size_t n; (n = UnitsAt(s)) != 0; s += n) {
-        if (SetHas(set, s, n)) last = s;
-    }
-    return last;
+    if (text.isAscii && IsAscii(set)) return ScanBackForAny(s, s + text.length, set);
+    return Characters::OfRuntime().FindLastAny(s, set);
 }
 
-bool NarrowText::IsSpace(char c) {
-    return isspace(static_cast<unsigned char>(c)) != 0;
+const char* NarrowText::FindCharacter(const char* s, wchar_t ch) {
+    const char ascii[] = {static_cast<char>(ch), 0};
+    if (ch && ch < 0x80) return Find(s, ascii);
+    const Characters characters = Characters::OfRuntime();
+    CharText text;
+    if (!SpellWhole(characters, ch, text)) return nullptr;
+    return *text ? characters.FindText(s, text) : s + ScanLength(s);
 }
 
+const char* NarrowText::FindLastCharacter(const char* s, wchar_t ch) {
+    const char ascii[] = {static_cast<char>(ch), 0};
+    if (ch && ch < 0x80) return FindLastAny(s, ascii);
+    const Characters characters = Characters::OfRuntime();
+    CharText text;
+    if (!SpellWhole(characters, ch, text)) return nullptr;
+    return *text ? characters.FindLastAny(s, text) : s + ScanLength(s);
+}
+
+size_t NarrowText::LeadingSpace(const char* s) {
+    const char* p = s;
+    while (IsSpace(*p) && !IsLead(*p)) ++p;
+    return static_cast<size_t>(p - s);
+}
+
+// Half a character at the end is no white space.
 size_t NarrowText::TrimmedSize(const char* s) {
-    size_t size = ScanLength(s);
-    if (IsPlain(s, size)) {
+    ScannedText text = ScanText(s);
+    size_t size = text.length;
+    if (text.isAscii) {
         while (size && IsSpace(s[size - 1])) --size;
         return size;
     }
-    const char* kept = s;
-    const char* p = s;
-    for (size_t n; (n = UnitsAt(p)) != 0;) {
-        bool space = n == 1 && IsSpace(*p);
-        p += n;
-        if (!space) kept = p;
-    }
-    return *p ? size : kept - s;
+    const Characters characters = Characters::OfRuntime();
+    if (characters.WithoutHalf(s, size) < size) return size;
+    auto isSpace = [&](const char* at) { return !characters.Leads(*at) && IsSpace(*at); };
+    return static_cast<size_t>(characters.Trim(s, s + size, isSpace) - s);
 }
 
 // Equal texts and ASCII texts are the same in each code page; the order of others is the runtime's.
@@ -205,7 +191,7 @@ int NarrowText::Compare(const char* a, const char* b) {
     size_t common = ScanCommon(a, b);
     char x = a[common], y = b[common];
     if (x == y) return 0;
-    if (x >= 0 && y >= 0 && ScanIsAscii(a, common)) return x < y ? -1 : 1;
+    if (IsAscii(x) && IsAscii(y) && ScanIsAscii(a, common)) return x < y ? -1 : 1;
     return _mbscmp(WholeText(a), WholeText(b));
 }
 
@@ -245,3 +231,5 @@ int NarrowText::Print(char* buf, size_t size, const char* format, char* args) {
 int NarrowText::PrintedSize(const char* format, char* args) {
     return _vscprintf(format, args);
 }
+
+}  // namespace qx

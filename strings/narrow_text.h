@@ -1,10 +1,8 @@
 // What CXString knows of its units: bytes in the runtime's multibyte code page, where a character
 // has one or two.
 //
-// A text is plain when each byte is a character: because all bytes are ASCII, which no code page
-// reads otherwise, or because the code page has no lead bytes. A plain text goes to the runtime's
-// byte functions. The code page is asked for at every call, since _setmbcp may change it at any
-// time.
+// ASCII texts are the same in every code page and are answered without asking for it; for others it
+// is asked at every call, since _setmbcp may change it at any time.
 #ifndef QXCORE_STRINGS_NARROW_TEXT_H
 #define QXCORE_STRINGS_NARROW_TEXT_H
 
@@ -14,13 +12,15 @@
 
 #include <cstring>
 
+namespace qx {
+
 struct NarrowText {
     // The most units that a character may have.
     static constexpr int kCharUnits = 2;
 
     static size_t Length(const char* s) { return ScanLength(s); }
-    static size_t Characters(const char* s);
-    // The characters in the first `size` units.
+    // The characters of the text; those in its first `size` units.
+    static size_t Count(const char* s);
     static size_t Count(const char* s, size_t size) {
         return ScanIsAscii(s, size) ? size : CountBeyondAscii(s, size);
     }
@@ -29,7 +29,7 @@ struct NarrowText {
     static const char* Skip(const char* s, size_t n);
     // The units of the whole characters within the first `size` units.
     static size_t Fit(const char* s, size_t size);
-    // The character at p.
+    // The character at p; 0 where there is none.
     static wchar_t At(const char* p);
     // A character as text with its terminator; one whose high byte is no lead byte is its low byte.
     static void Spell(wchar_t ch, char (&text)[kCharUnits + 1]) {
@@ -44,9 +44,14 @@ struct NarrowText {
     static const char* Find(const char* s, const char* what);
     static const char* FindAny(const char* s, const char* set);
     static const char* FindLastAny(const char* s, const char* set);
+    // As the runtime's searches take a value: where there are double-byte characters it is a whole
+    // one, elsewhere its low byte. The character 0 is the terminator.
+    static const char* FindCharacter(const char* s, wchar_t ch);
+    static const char* FindLastCharacter(const char* s, wchar_t ch);
 
-    static bool IsSpace(char c);
-    // The units that are left when the white space at the end goes.
+    // The units of white space that the text begins with, and those that are left when the white
+    // space at its end goes. No part of a double-byte character is white space.
+    static size_t LeadingSpace(const char* s);
     static size_t TrimmedSize(const char* s);
 
     static int Compare(const char* a, const char* b);
@@ -66,5 +71,7 @@ private:
     static void SpellBeyondByte(wchar_t ch, char (&text)[kCharUnits + 1]);
     static size_t CountBeyondAscii(const char* s, size_t size);
 };
+
+}  // namespace qx
 
 #endif

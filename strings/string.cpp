@@ -1,6 +1,10 @@
 #include <qxcore/string.h>
 
-#include "strings/string_members.h"
+#include "strings/string_access.h"
+#include "strings/string_buffer.h"
+#include "strings/string_change.h"
+#include "strings/string_format.h"
+#include "strings/string_path.h"
 
 // No capacity, so that every writer leaves it.
 constinit tagXSTRINGEMPTY<char> __xstring_empty = {{-1, 0, 0}, {}};
@@ -10,13 +14,13 @@ template class CTString<CXString, char>;
 static_assert(sizeof(CXString) == 2 * sizeof(void*));
 
 CXString& CXString::operator=(const char* s) {
-    s = TextOrEmpty(s);
-    AssignCopy(s, NarrowText::Length(s));
+    s = qx::TextOrEmpty(s);
+    AssignCopy(s, qx::NarrowText::Length(s));
     return *this;
 }
 
 int CXString::Compare(const char* s) const {
-    return NarrowText::Compare(data, TextOrEmpty(s));
+    return qx::NarrowText::Compare(data, qx::TextOrEmpty(s));
 }
 
 void CXString::Convert(const wchar_t* s) {

@@ -8,12 +8,12 @@
 
 template <class S, class Ch>
 int CTString<S, Ch>::GetLength() const {
-    return static_cast<int>(TextOf<Ch>::Characters(data));
+    return static_cast<int>(qx::TextOf<Ch>::Count(data));
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::GetSize() const {
-    return data ? static_cast<int>(TextOf<Ch>::Length(data)) : 0;
+    return data ? static_cast<int>(qx::TextOf<Ch>::Length(data)) : 0;
 }
 
 template <class S, class Ch>
@@ -24,18 +24,18 @@ int CTString<S, Ch>::GetSize(int n) const {
 template <class S, class Ch>
 int CTString<S, Ch>::GetSize(int pos, int n) const {
     const Ch* from = GetData(pos);
-    return static_cast<int>(TextOf<Ch>::Skip(from, static_cast<size_t>(n)) - from);
+    return static_cast<int>(qx::TextOf<Ch>::Skip(from, static_cast<size_t>(n)) - from);
 }
 
 // A negative n is a huge number of characters.
 template <class S, class Ch>
 const Ch* CTString<S, Ch>::GetData(int n) const {
-    return TextOf<Ch>::Skip(data, static_cast<size_t>(n));
+    return qx::TextOf<Ch>::Skip(data, static_cast<size_t>(n));
 }
 
 template <class S, class Ch>
 wchar_t CTString<S, Ch>::GetAt(int n) const {
-    return TextOf<Ch>::At(GetData(n));
+    return qx::TextOf<Ch>::At(GetData(n));
 }
 
 template <class S, class Ch>
@@ -58,7 +58,7 @@ int CTString<S, Ch>::CopyFit(Ch* buf, int size) const {
     if (size < 1) return 0;
     int room = size - 1;
     int own = GetSize();
-    int fit = static_cast<int>(TextOf<Ch>::Fit(data, own < room ? own : room));
+    int fit = static_cast<int>(qx::TextOf<Ch>::Fit(data, own < room ? own : room));
     memcpy(buf, data, fit * sizeof(Ch));
     buf[fit] = 0;
     return fit;
@@ -66,23 +66,23 @@ int CTString<S, Ch>::CopyFit(Ch* buf, int size) const {
 
 template <class S, class Ch>
 int CTString<S, Ch>::CompareI(const Ch* s) const {
-    return TextOf<Ch>::CompareI(data, TextOrEmpty(s));
+    return qx::TextOf<Ch>::CompareI(data, qx::TextOrEmpty(s));
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::CompareN(const Ch* s, int n) const {
-    return TextOf<Ch>::CompareN(data, TextOrEmpty(s), static_cast<size_t>(n));
+    return qx::TextOf<Ch>::CompareN(data, qx::TextOrEmpty(s), static_cast<size_t>(n));
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::CompareIN(const Ch* s, int n) const {
-    return TextOf<Ch>::CompareIN(data, TextOrEmpty(s), static_cast<size_t>(n));
+    return qx::TextOf<Ch>::CompareIN(data, qx::TextOrEmpty(s), static_cast<size_t>(n));
 }
 
 // The character index of a place in the text; -1 for none.
 template <class S, class Ch>
 int CTString<S, Ch>::IndexOf(const Ch* found) const {
-    return found ? static_cast<int>(TextOf<Ch>::Count(data, found - data)) : -1;
+    return found ? static_cast<int>(qx::TextOf<Ch>::Count(data, found - data)) : -1;
 }
 
 // Where a search begins; null in an empty string and beyond the end.
@@ -97,34 +97,30 @@ const Ch* CTString<S, Ch>::SearchFrom(int start) const {
 template <class S, class Ch>
 int CTString<S, Ch>::Find(const Ch* s, int start) const {
     const Ch* from = SearchFrom(start);
-    return from && s ? IndexOf(TextOf<Ch>::Find(from, s)) : -1;
+    return from && s ? IndexOf(qx::TextOf<Ch>::Find(from, s)) : -1;
 }
 
-// The character 0 is the terminator, which is found at the end.
 template <class S, class Ch>
 int CTString<S, Ch>::Find(wchar_t ch, int start) const {
-    CharText<Ch> spelled = Spelled<Ch>(ch);
-    if (*spelled.text) return Find(spelled.text, start);
-    return SearchFrom(start) ? GetLength() : -1;
+    const Ch* from = SearchFrom(start);
+    return from ? IndexOf(qx::TextOf<Ch>::FindCharacter(from, ch)) : -1;
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindOnOf(const Ch* set, int start) const {
     const Ch* from = SearchFrom(start);
-    return from && set ? IndexOf(TextOf<Ch>::FindAny(from, set)) : -1;
+    return from && set ? IndexOf(qx::TextOf<Ch>::FindAny(from, set)) : -1;
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindRev(wchar_t ch) const {
-    if (!*data) return -1;
-    CharText<Ch> spelled = Spelled<Ch>(ch);
-    return *spelled.text ? FindRevOnOf(spelled.text) : GetLength();
+    return *data ? IndexOf(qx::TextOf<Ch>::FindLastCharacter(data, ch)) : -1;
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindRevOnOf(const Ch* set) const {
     if (!*data || !set) return -1;
-    return IndexOf(TextOf<Ch>::FindLastAny(data, set));
+    return IndexOf(qx::TextOf<Ch>::FindLastAny(data, set));
 }
 
 #endif

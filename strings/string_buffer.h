@@ -11,11 +11,15 @@
 #include <climits>
 #include <new>
 
+namespace qx {
+
 // The capacity for n units behind the first `size` ones and a terminator.
 inline size_t RoomFor(size_t size, size_t n) {
     if (n > INT_MAX) throw CXMemException();
     return size + n + 1;
 }
+
+}  // namespace qx
 
 // The global new gives zero-filled memory. Even a text without capacity has a terminator.
 template <class S, class Ch>
@@ -56,8 +60,8 @@ template <class S, class Ch>
 void CTString<S, Ch>::AssignCopy(const Ch* s, size_t n) {
     if (s == data) return;
     if (!s) n = 0;
-    Ch* text = NewText(RoomFor(0, n));
-    memcpy(text, TextOrEmpty(s), n * sizeof(Ch));
+    Ch* text = NewText(qx::RoomFor(0, n));
+    memcpy(text, qx::TextOrEmpty(s), n * sizeof(Ch));
     Release();  // not before: s may lie in the old text
     data = text;
     Header()->size = static_cast<int>(n);
@@ -85,7 +89,7 @@ void CTString<S, Ch>::ConcatCopyTo(size_t at, const Ch* s, size_t n) {
 // Puts n units behind the first `at` ones, which the text has, and ends it there.
 template <class S, class Ch>
 void CTString<S, Ch>::EndWith(size_t at, const Ch* s, size_t n) {
-    size_t room = RoomFor(at, n);
+    size_t room = qx::RoomFor(at, n);
     S store;
     s = Aside(s, n, store);
     ReallocBuffer(room);
@@ -104,7 +108,7 @@ Ch* CTString<S, Ch>::GetBuffer(int n) {
 template <class S, class Ch>
 void CTString<S, Ch>::CopyText(const Ch* s) {
     Init();
-    if (*s) AssignCopy(s, TextOf<Ch>::Length(s));
+    if (*s) AssignCopy(s, qx::TextOf<Ch>::Length(s));
 }
 
 template <class S, class Ch>
@@ -118,7 +122,7 @@ void CTString<S, Ch>::AssignUnshared(const CTString& source) {
 
 template <class S, class Ch>
 CTString<S, Ch>::CTString(const Ch* s) {
-    CopyText(TextOrEmpty(s));
+    CopyText(qx::TextOrEmpty(s));
 }
 
 template <class S, class Ch>
@@ -133,19 +137,19 @@ S CTString<S, Ch>::Join(const Ch* a, size_t aSize, const Ch* b, size_t bSize) {
 
 template <class S, class Ch>
 S CTString<S, Ch>::Concat(const Ch* a, const Ch* b) {
-    a = TextOrEmpty(a);
-    b = TextOrEmpty(b);
-    return Join(a, TextOf<Ch>::Length(a), b, TextOf<Ch>::Length(b));
+    a = qx::TextOrEmpty(a);
+    b = qx::TextOrEmpty(b);
+    return Join(a, qx::TextOf<Ch>::Length(a), b, qx::TextOf<Ch>::Length(b));
 }
 
 template <class S, class Ch>
 S CTString<S, Ch>::Concat(const Ch* a, wchar_t b) {
-    return Concat(a, Spelled<Ch>(b).text);
+    return Concat(a, qx::Spelled<Ch>(b).text);
 }
 
 template <class S, class Ch>
 S CTString<S, Ch>::Concat(wchar_t a, const Ch* b) {
-    return Concat(Spelled<Ch>(a).text, b);
+    return Concat(qx::Spelled<Ch>(a).text, b);
 }
 
 #endif

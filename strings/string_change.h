@@ -10,6 +10,8 @@
 #include <climits>
 #include <cstdint>
 
+namespace qx {
+
 // A range of units.
 struct UnitRange {
     int from;
@@ -28,16 +30,23 @@ UnitRange RangeOf(const S& string, int pos, int count) {
     return {string.GetSize(static_cast<int>(a)), string.GetSize(static_cast<int>(b))};
 }
 
+// As the size of a buffer.
+inline int Doubled(int size) {
+    return size < INT_MAX / 2 ? size * 2 + 1 : INT_MAX;
+}
+
+}  // namespace qx
+
 template <class S, class Ch>
 S& CTString<S, Ch>::Insert(int pos, wchar_t ch) {
-    return Insert(pos, Spelled<Ch>(ch).text);
+    return Insert(pos, qx::Spelled<Ch>(ch).text);
 }
 
 template <class S, class Ch>
 S& CTString<S, Ch>::Insert(int pos, const Ch* s) {
     if (!s || !*s) return Self();
     S store;
-    size_t n = TextOf<Ch>::Length(s);
+    size_t n = qx::TextOf<Ch>::Length(s);
     s = Aside(s, n, store);
     size_t size = GetSize();
     size_t at = GetSize(pos);
@@ -49,7 +58,7 @@ S& CTString<S, Ch>::Insert(int pos, const Ch* s) {
 
 template <class S, class Ch>
 S& CTString<S, Ch>::Delete(int pos, int count) {
-    UnitRange range = RangeOf(*this, pos, count);
+    qx::UnitRange range = qx::RangeOf(*this, pos, count);
     if (range.from == range.to) return Self();
     int size = GetSize();
     ReallocBuffer(static_cast<size_t>(size) + 1);
@@ -59,10 +68,10 @@ S& CTString<S, Ch>::Delete(int pos, int count) {
 
 template <class S, class Ch>
 S& CTString<S, Ch>::Replace(int pos, int count, const Ch* s) {
-    UnitRange range = RangeOf(*this, pos, count);
+    qx::UnitRange range = qx::RangeOf(*this, pos, count);
     if (!s || !*s || range.from == range.to) return Self();
     S store;
-    size_t n = TextOf<Ch>::Length(s);
+    size_t n = qx::TextOf<Ch>::Length(s);
     s = Aside(s, n, store);
     ReplaceUnits(range.from, range.to, s, n);
     return Self();
@@ -79,7 +88,7 @@ void CTString<S, Ch>::ReplaceUnits(size_t from, size_t to, const Ch* s, size_t n
 
 template <class S, class Ch>
 int CTString<S, Ch>::Extract(int pos, int count, S& out) const {
-    UnitRange range = RangeOf(*this, pos, count);
+    qx::UnitRange range = qx::RangeOf(*this, pos, count);
     int size = range.to - range.from;
     CTString source(*this);  // stays when `out` is this string
     __CXBuff<S, Ch*> locked(out, size);
@@ -98,34 +107,34 @@ int CTString<S, Ch>::Extract(int pos, int count) {
 template <class S, class Ch>
 int CTString<S, Ch>::FindReplace(const Ch* find, const Ch* replacement) {
     S findStore, replacementStore;
-    find = TextOrEmpty(find);
-    find = Aside(find, TextOf<Ch>::Length(find), findStore);
-    replacement = TextOrEmpty(replacement);
-    size_t n = TextOf<Ch>::Length(replacement);
+    find = qx::TextOrEmpty(find);
+    find = Aside(find, qx::TextOf<Ch>::Length(find), findStore);
+    replacement = qx::TextOrEmpty(replacement);
+    size_t n = qx::TextOf<Ch>::Length(replacement);
     replacement = Aside(replacement, n, replacementStore);
 
     ReallocBuffer(GetSize() + n + 1);
-    const Ch* found = *find ? TextOf<Ch>::Find(data, find) : nullptr;
+    const Ch* found = *find ? qx::TextOf<Ch>::Find(data, find) : nullptr;
     if (!found) return 0;
     size_t at = found - data;
-    ReplaceUnits(at, at + TextOf<Ch>::Length(find), replacement, n);
+    ReplaceUnits(at, at + qx::TextOf<Ch>::Length(find), replacement, n);
     return 1;
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindReplace(wchar_t find, wchar_t replacement) {
-    return FindReplace(SpelledInMemoryOrder<Ch>(find).text,
-                       SpelledInMemoryOrder<Ch>(replacement).text);
+    return FindReplace(qx::SpelledInMemoryOrder<Ch>(find).text,
+                       qx::SpelledInMemoryOrder<Ch>(replacement).text);
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindReplace(const Ch* find, wchar_t replacement) {
-    return FindReplace(find, SpelledInMemoryOrder<Ch>(replacement).text);
+    return FindReplace(find, qx::SpelledInMemoryOrder<Ch>(replacement).text);
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindReplace(wchar_t find, const Ch* replacement) {
-    return FindReplace(SpelledInMemoryOrder<Ch>(find).text, replacement);
+    return FindReplace(qx::SpelledInMemoryOrder<Ch>(find).text, replacement);
 }
 
 template <class S, class Ch>
@@ -133,9 +142,8 @@ void CTString<S, Ch>::TrimLeft() {
     if (data == __empty_text(Ch())) return;
     int size = GetSize();
     __CXBuff<S, Ch*> locked(Self(), size + 1);
-    const Ch* text = locked.buffer;
-    while (TextOf<Ch>::IsSpace(*text)) ++text;
-    memmove(locked.buffer, text, (size - (text - locked.buffer) + 1) * sizeof(Ch));
+    size_t space = qx::TextOf<Ch>::LeadingSpace(locked.buffer);
+    memmove(locked.buffer, locked.buffer + space, (size - space + 1) * sizeof(Ch));
 }
 
 template <class S, class Ch>
@@ -143,26 +151,21 @@ void CTString<S, Ch>::TrimRight() {
     if (data == __empty_text(Ch())) return;
     int size = GetSize();
     __CXBuff<S, Ch*> locked(Self(), size + 1);
-    size_t left = TextOf<Ch>::TrimmedSize(locked.buffer);
+    size_t left = qx::TextOf<Ch>::TrimmedSize(locked.buffer);
     std::fill(locked.buffer + left, locked.buffer + size, Ch(0));
-}
-
-// As the size of a buffer.
-inline int Doubled(int size) {
-    return size < INT_MAX / 2 ? size * 2 + 1 : INT_MAX;
 }
 
 // The room is for characters that widen with their case.
 template <class S, class Ch>
 void CTString<S, Ch>::Upper() {
     if (data == __empty_text(Ch())) return;
-    TextOf<Ch>::Upper(__CXBuff<S, Ch*>(Self(), Doubled(GetSize())).buffer);
+    qx::TextOf<Ch>::Upper(__CXBuff<S, Ch*>(Self(), qx::Doubled(GetSize())).buffer);
 }
 
 template <class S, class Ch>
 void CTString<S, Ch>::Lower() {
     if (data == __empty_text(Ch())) return;
-    TextOf<Ch>::Lower(__CXBuff<S, Ch*>(Self(), Doubled(GetSize())).buffer);
+    qx::TextOf<Ch>::Lower(__CXBuff<S, Ch*>(Self(), qx::Doubled(GetSize())).buffer);
 }
 
 // A text that fills the buffer, but for less than the largest character may need, may have been
@@ -172,9 +175,9 @@ int CTString<S, Ch>::Load(HINSTANCE module, unsigned id) {
     constexpr int kStep = 256;
     for (int size = kStep;; size += kStep) {
         S text;
-        int loaded = TextOf<Ch>::Load(module, id, __CXBuff<S, Ch*>(text, size).buffer, size);
+        int loaded = qx::TextOf<Ch>::Load(module, id, __CXBuff<S, Ch*>(text, size).buffer, size);
         if (loaded <= 0) return 0;
-        if (loaded < size - TextOf<Ch>::LargestLoaded()) {
+        if (loaded < size - qx::TextOf<Ch>::LargestLoaded()) {
             *this = text;
             return 1;
         }

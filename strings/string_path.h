@@ -7,6 +7,8 @@
 
 #include <qxcore/string.h>
 
+namespace qx {
+
 // What separates a directory part from a name, and a name from its extension.
 template <class Ch>
 inline constexpr Ch kNameDelims[] = {':', '\\', '/', 0};
@@ -22,6 +24,17 @@ int CopyPart(Ch* buf, const Ch* from, const Ch* to) {
     }
     return static_cast<int>(to - from);
 }
+
+// The first backslash of a rooted path: after the drive, or after the name of a network server. -1
+// for other paths.
+template <class S>
+int RootEnd(const S& path) {
+    if (path.GetAt(1) == ':' && path.GetAt(2) == '\\') return 2;
+    if (path.GetAt(0) == '\\' && path.GetAt(1) == '\\') return path.Find(L'\\', 2);
+    return -1;
+}
+
+}  // namespace qx
 
 template <class S, class Ch>
 S& CTString<S, Ch>::AddDirDelim() {
@@ -40,33 +53,33 @@ S& CTString<S, Ch>::AddFileExtDelim() {
 
 template <class S, class Ch>
 int CTString<S, Ch>::GetFilePath(Ch* buf) const {
-    const Ch* delim = TextOf<Ch>::FindLastAny(data, kNameDelims<Ch>);
+    const Ch* delim = qx::TextOf<Ch>::FindLastAny(data, qx::kNameDelims<Ch>);
     if (!delim) return 0;
-    return CopyPart<Ch>(buf, data, *delim == ':' ? delim + 1 : delim);
+    return qx::CopyPart<Ch>(buf, data, *delim == ':' ? delim + 1 : delim);
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::GetFileName(Ch* buf) const {
     const Ch* name = GetFileName();
     const Ch* ext = GetFileExt();
-    return CopyPart<Ch>(buf, name, ext ? ext - 1 : name + TextOf<Ch>::Length(name));
+    return qx::CopyPart<Ch>(buf, name, ext ? ext - 1 : name + qx::TextOf<Ch>::Length(name));
 }
 
 template <class S, class Ch>
 int CTString<S, Ch>::GetFileExt(Ch* buf) const {
     const Ch* ext = GetFileExt();
-    return ext ? CopyPart<Ch>(buf, ext, ext + TextOf<Ch>::Length(ext)) : 0;
+    return ext ? qx::CopyPart<Ch>(buf, ext, ext + qx::TextOf<Ch>::Length(ext)) : 0;
 }
 
 template <class S, class Ch>
 const Ch* CTString<S, Ch>::GetFileName() const {
-    const Ch* delim = TextOf<Ch>::FindLastAny(data, kNameDelims<Ch>);
+    const Ch* delim = qx::TextOf<Ch>::FindLastAny(data, qx::kNameDelims<Ch>);
     return delim ? delim + 1 : data;
 }
 
 template <class S, class Ch>
 const Ch* CTString<S, Ch>::GetFileExt() const {
-    const Ch* delim = TextOf<Ch>::FindLastAny(data, kExtDelims<Ch>);
+    const Ch* delim = qx::TextOf<Ch>::FindLastAny(data, qx::kExtDelims<Ch>);
     return delim && *delim == '.' ? delim + 1 : nullptr;
 }
 
@@ -89,26 +102,18 @@ S CTString<S, Ch>::FileExt() const {
 
 template <class S, class Ch>
 void CTString<S, Ch>::ChangeFileExt(const Ch* ext) {
-    ext = TextOrEmpty(ext);
+    ext = qx::TextOrEmpty(ext);
     if (*ext == '.') ++ext;
-    size_t n = TextOf<Ch>::Length(ext);
+    size_t n = qx::TextOf<Ch>::Length(ext);
     S store;
     ext = Aside(ext, n, store);
     if (!GetFileExt()) {
-        ReallocBuffer(RoomFor(GetSize() + 1, n));  // for both, so that the dot does not come alone
+        ReallocBuffer(
+            qx::RoomFor(GetSize() + 1, n));  // for both, so that the dot does not come alone
         AddFileExtDelim();
     }
     const Ch* old = GetFileExt();
     ConcatCopyTo(old ? old - data : GetSize(), ext, n);
-}
-
-// The first backslash of a rooted path: after the drive, or after the name of a network server. -1
-// for other paths.
-template <class S>
-int RootEnd(const S& path) {
-    if (path.GetAt(1) == ':' && path.GetAt(2) == '\\') return 2;
-    if (path.GetAt(0) == '\\' && path.GetAt(1) == '\\') return path.Find(L'\\', 2);
-    return -1;
 }
 
 template <class S, class Ch>
@@ -117,7 +122,7 @@ int CTString<S, Ch>::ReducePathString(int maxLen) {
     constexpr int kEllipsisLength = 4;
     int length = GetLength();
     if (maxLen >= length) return 1;
-    int start = RootEnd(Self());
+    int start = qx::RootEnd(Self());
     if (start < 0) return 0;
     int last = FindRev(L'\\');
     if (last <= start) return 1;

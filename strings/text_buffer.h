@@ -3,6 +3,9 @@
 #define QXCORE_STRINGS_TEXT_BUFFER_H
 
 #include "strings/characters.h"
+#include "strings/narrow_text.h"
+
+using qx::NarrowText;
 
 inline void EndAtWholeCharacter(char* buffer, unsigned size) {
     qx::Characters::OfRuntime().EndAtWholeCharacter(buffer, size);

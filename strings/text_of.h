@@ -7,6 +7,8 @@
 
 #include <type_traits>
 
+namespace qx {
+
 template <class Ch>
 using TextOf = std::conditional_t<sizeof(Ch) == 1, NarrowText, WideText>;
 
@@ -35,5 +37,7 @@ CharText<Ch> SpelledInMemoryOrder(wchar_t ch) {
     TextOf<Ch>::SpellInMemoryOrder(ch, result.text);
     return result;
 }
+
+}  // namespace qx
 
 #endif

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <emmintrin.h>
 
+namespace qx {
+
 // Sixteen aligned bytes of units. An aligned load never crosses into another page, so it may reach
 // past a text.
 template <class Ch>
@@ -17,20 +19,21 @@ public:
     static constexpr size_t kUnits = 16 / sizeof(Ch);
 
     explicit UnitBlock(const Ch* aligned)
-        : units(_mm_load_si128(reinterpret_cast<const __m128i*>(aligned))) {}
+        : m_units(_mm_load_si128(reinterpret_cast<const __m128i*>(aligned))) {}
 
     // One bit for each byte of the block: of the units that equal c; of the bytes above 0x7F.
     unsigned Equal(Ch c) const {
         __m128i all = sizeof(Ch) == 1 ? _mm_set1_epi8(static_cast<char>(c))
                                       : _mm_set1_epi16(static_cast<short>(c));
-        __m128i equal = sizeof(Ch) == 1 ? _mm_cmpeq_epi8(units, all) : _mm_cmpeq_epi16(units, all);
+        __m128i equal =
+            sizeof(Ch) == 1 ? _mm_cmpeq_epi8(m_units, all) : _mm_cmpeq_epi16(m_units, all);
         return static_cast<unsigned>(_mm_movemask_epi8(equal));
     }
 
-    unsigned HighBytes() const { return static_cast<unsigned>(_mm_movemask_epi8(units)); }
+    unsigned HighBytes() const { return static_cast<unsigned>(_mm_movemask_epi8(m_units)); }
 
 private:
-    __m128i units;
+    __m128i m_units;
 };
 
 // Steps through the blocks that a text lies in. REQUIRES: s is aligned for its unit.
@@ -38,25 +41,25 @@ template <class Ch>
 class BlockWalk {
 public:
     explicit BlockWalk(const Ch* s)
-        : block(reinterpret_cast<const Ch*>(reinterpret_cast<uintptr_t>(s) & ~kMask)),
-          mask(~0u << (reinterpret_cast<uintptr_t>(s) & kMask)) {}
+        : m_block(reinterpret_cast<const Ch*>(reinterpret_cast<uintptr_t>(s) & ~kMask)),
+          m_mask(~0u << (reinterpret_cast<uintptr_t>(s) & kMask)) {}
 
-    UnitBlock<Ch> Block() const { return UnitBlock<Ch>(block); }
+    UnitBlock<Ch> Block() const { return UnitBlock<Ch>(m_block); }
     // Leaves out what lies before the text.
-    unsigned Within(unsigned bits) const { return bits & mask; }
+    unsigned Within(unsigned bits) const { return bits & m_mask; }
     // The unit of the lowest bit.
-    const Ch* At(unsigned bits) const { return block + std::countr_zero(bits) / sizeof(Ch); }
+    const Ch* At(unsigned bits) const { return m_block + std::countr_zero(bits) / sizeof(Ch); }
     // The units from s, which is not behind this block, to the block's end.
-    size_t UnitsFrom(const Ch* s) const { return block + UnitBlock<Ch>::kUnits - s; }
+    size_t UnitsFrom(const Ch* s) const { return m_block + UnitBlock<Ch>::kUnits - s; }
     void Next() {
-        block += UnitBlock<Ch>::kUnits;
-        mask = ~0u;
+        m_block += UnitBlock<Ch>::kUnits;
+        m_mask = ~0u;
     }
 
 private:
     static constexpr uintptr_t kMask = 15;
-    const Ch* block;
-    unsigned mask;
+    const Ch* m_block;
+    unsigned m_mask;
 };
 
 template <class Ch>
@@ -174,5 +177,7 @@ const Ch* ScanBackForAny(const Ch* s, const Ch* end, const Ch* set) {
     }
     return nullptr;
 }
+
+}  // namespace qx
 
 #endif

@@ -12,11 +12,13 @@
 #include <cwchar>
 #include <wctype.h>
 
+namespace qx {
+
 struct WideText {
     static constexpr int kCharUnits = 1;
 
     static size_t Length(const wchar_t* s) { return ScanLength(s); }
-    static size_t Characters(const wchar_t* s) { return Length(s); }
+    static size_t Count(const wchar_t* s) { return Length(s); }
     static size_t Count(const wchar_t*, size_t size) { return size; }
     static const wchar_t* Skip(const wchar_t* s, size_t n) { return s + ScanLength(s, n); }
     static size_t Fit(const wchar_t*, size_t size) { return size; }
@@ -36,9 +38,19 @@ struct WideText {
     static const wchar_t* FindLastAny(const wchar_t* s, const wchar_t* set) {
         return ScanBackForAny(s, s + Length(s), set);
     }
+    static const wchar_t* FindCharacter(const wchar_t* s, wchar_t ch) {
+        return ch ? ScanForUnit(s, ch) : s + Length(s);
+    }
+    static const wchar_t* FindLastCharacter(const wchar_t* s, wchar_t ch) {
+        const wchar_t set[] = {ch, 0};
+        return ch ? FindLastAny(s, set) : s + Length(s);
+    }
 
-    // Of the low byte, as CTString says.
-    static bool IsSpace(wchar_t c) { return iswspace(c & 0xFF) != 0; }
+    static size_t LeadingSpace(const wchar_t* s) {
+        const wchar_t* p = s;
+        while (IsSpace(*p)) ++p;
+        return static_cast<size_t>(p - s);
+    }
     static size_t TrimmedSize(const wchar_t* s) {
         size_t size = Length(s);
         while (size && IsSpace(s[size - 1])) --size;
@@ -61,6 +73,12 @@ struct WideText {
         return _vsnwprintf(buf, size, format, args);
     }
     static int PrintedSize(const wchar_t* format, char* args) { return _vscwprintf(format, args); }
+
+private:
+    // Of the low byte, as CTString says.
+    static bool IsSpace(wchar_t c) { return iswspace(c & 0xFF) != 0; }
 };
+
+}  // namespace qx
 
 #endif

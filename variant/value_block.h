@@ -24,7 +24,7 @@ inline void* CopyBytes(const void* bytes, size_t size) {
 }
 
 inline char* CopyText(const char* text) {
-    return static_cast<char*>(CopyBytes(text, text ? ScanLength(text) + 1 : 0));
+    return static_cast<char*>(CopyBytes(text, text ? qx::ScanLength(text) + 1 : 0));
 }
 
 inline IQXUnknown* WithReference(IQXUnknown* object) {

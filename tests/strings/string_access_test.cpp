@@ -347,6 +347,28 @@ TEST_F(StringAccessJapaneseTest, DoubleByteCharactersAreFoundByTheirIndex) {
     EXPECT_EQ(s.FindRev(wchar_t(0)), 5);
 }
 
+TEST_F(StringAccessJapaneseTest, HalfACharacterIsNotFoundInAWholeOne) {
+    EXPECT_EQ(s.Find(wchar_t(0x82)), -1);
+    EXPECT_EQ(s.FindRev(wchar_t(0x82)), -1);
+    EXPECT_EQ(s.Find(wchar_t(0x83)), -1);
+    EXPECT_EQ(s.FindRev(wchar_t(0x83)), -1);
+    EXPECT_EQ(s.Find(wchar_t(0x5C)), -1);
+    EXPECT_EQ(s.FindRev(wchar_t(0xA0)), -1);
+}
+
+TEST_F(StringAccessJapaneseTest, ACharacterAboveAByteIsNeverFoundByItsLowByte) {
+    EXPECT_EQ(s.Find(wchar_t(0x0178)), -1);
+    EXPECT_EQ(s.FindRev(wchar_t(0x0178)), -1);
+    EXPECT_EQ(s.Find(wchar_t(0x41B1)), -1);
+    EXPECT_EQ(s.FindRev(wchar_t(0x41B1)), -1);
+    EXPECT_EQ(s.Find(wchar_t(0x0100)), -1);
+    EXPECT_EQ(s.FindRev(wchar_t(0x4100)), -1);
+    // A lead byte and no trail byte.
+    EXPECT_EQ(s.Find(wchar_t(0x8300)), -1);
+    EXPECT_EQ(s.FindRev(wchar_t(0x8300)), -1);
+    EXPECT_EQ(CXString("x\x83").Find(wchar_t(0x8300)), -1);
+}
+
 TEST_F(StringAccessJapaneseTest, SetsHoldWholeCharacters) {
     CXString set = CXString(kI) + kSo;
     EXPECT_EQ(s.FindOnOf(set), 3);
@@ -382,6 +404,13 @@ TEST_F(StringAccessJapaneseTest, ALeadByteWithoutItsTrailByteIsNoCharacter) {
     EXPECT_EQ(cut.FindOnOf("\x82"), -1);
     EXPECT_EQ(cut.FindRevOnOf("\x82"), -1);
     EXPECT_EQ(cut.FindRev(L'b'), 1);
+    EXPECT_EQ(cut.Find(wchar_t(0x82)), -1);
+    EXPECT_EQ(cut.FindRev(wchar_t(0x82)), -1);
+    EXPECT_EQ(cut.GetAt(1), L'b');
+    EXPECT_EQ(cut.GetAt(2), 0);
+    EXPECT_EQ(cut.GetAt(3), 0);
+    EXPECT_EQ(cut.GetAt(-1), 0);
+    EXPECT_EQ(CXString("\x82").GetAt(0), 0);
     char buf[8];
     EXPECT_EQ(cut.CopyFit(buf, 8), 2);
     EXPECT_EQ(cut.Compare("ab"), 0);

@@ -1,12 +1,12 @@
-#include "strings/format_size.h"
-
-#include "strings/text_of.h"
+#include "strings/string_format.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdarg>
 #include <cstdint>
 #include <type_traits>
+
+namespace qx {
 
 namespace {
 
@@ -56,7 +56,7 @@ public:
     Taken Find(char modifier, Ch type) const {
         using Unsigned = std::make_unsigned_t<Ch>;
         auto index = static_cast<Unsigned>(type);
-        return index < kTypes ? taken[Modifier(modifier)][index] : Taken::kNothing;
+        return index < kTypes ? m_taken[Modifier(modifier)][index] : Taken::kNothing;
     }
 
 private:
@@ -68,11 +68,11 @@ private:
     consteval void Enter(const FormatRow& row) {
         for (const char* m = row.modifiers; *m; ++m) {
             for (const char* t = row.types; *t; ++t)
-                taken[Modifier(*m)][static_cast<int>(*t)] = row.taken;
+                m_taken[Modifier(*m)][static_cast<int>(*t)] = row.taken;
         }
     }
 
-    Taken taken[3][kTypes] = {};
+    Taken m_taken[3][kTypes] = {};
 };
 
 constexpr FormatTable kNarrowTable(kNarrowRows);
@@ -84,46 +84,46 @@ constexpr const FormatTable& kTableOf = sizeof(Ch) == 1 ? kNarrowTable : kWideTa
 template <class Ch>
 class FormatSizer {
 public:
-    FormatSizer(const Ch* format, char* args) : at(format), args(args) {}
+    FormatSizer(const Ch* format, char* args) : m_at(format), m_args(args) {}
 
     int64_t Walk() {
-        while (*at) {
-            if (*at++ != '%') {
-                ++total;
-            } else if (*at == '%') {
-                ++at;
-                ++total;
+        while (*m_at) {
+            if (*m_at++ != '%') {
+                ++m_total;
+            } else if (*m_at == '%') {
+                ++m_at;
+                ++m_total;
             } else {
                 Directive();
             }
         }
-        return total;
+        return m_total;
     }
 
 private:
     void Directive() {
         bool hasWidth = Flags();
-        if (!hasWidth) width = Digits();
+        if (!hasWidth) m_width = Digits();
         Precision();
         char modifier = Modifier();
-        if (!*at) return;
-        Ch type = *at++;
+        if (!*m_at) return;
+        Ch type = *m_at++;
         Taken taken = kTableOf<Ch>.Find(modifier, type);
         // An argument that stays where it is shifts all later ones.
-        if (taken == Taken::kNothing) inStep = false;
-        total += Size(taken);
+        if (taken == Taken::kNothing) m_inStep = false;
+        m_total += Size(taken);
     }
 
     // Whether a width was among them.
     bool Flags() {
         bool hasWidth = false;
-        for (;; ++at) {
-            if (*at == '#') {
-                total += 2;
-            } else if (*at == '*') {
-                width = va_arg(args, int);
+        for (;; ++m_at) {
+            if (*m_at == '#') {
+                m_total += 2;
+            } else if (*m_at == '*') {
+                m_width = va_arg(m_args, int);
                 hasWidth = true;
-            } else if (*at != '-' && *at != '+' && *at != '0' && *at != ' ') {
+            } else if (*m_at != '-' && *m_at != '+' && *m_at != '0' && *m_at != ' ') {
                 return hasWidth;
             }
         }
@@ -131,53 +131,53 @@ private:
 
     // A negative precision is none, as it is for the engine.
     void Precision() {
-        hasPrecision = *at == '.';
-        precision = 0;
-        if (!hasPrecision) return;
-        ++at;
-        if (*at == '*') {
-            ++at;
-            precision = va_arg(args, int);
-            hasPrecision = precision >= 0;
-            precision = std::max<int64_t>(precision, 0);
+        m_hasPrecision = *m_at == '.';
+        m_precision = 0;
+        if (!m_hasPrecision) return;
+        ++m_at;
+        if (*m_at == '*') {
+            ++m_at;
+            m_precision = va_arg(m_args, int);
+            m_hasPrecision = m_precision >= 0;
+            m_precision = std::max<int64_t>(m_precision, 0);
         } else {
-            precision = Digits();
+            m_precision = Digits();
         }
     }
 
     char Modifier() {
-        if (*at == 'h' || *at == 'l') return static_cast<char>(*at++);
-        if (*at == 'F' || *at == 'L' || *at == 'N') ++at;
+        if (*m_at == 'h' || *m_at == 'l') return static_cast<char>(*m_at++);
+        if (*m_at == 'F' || *m_at == 'L' || *m_at == 'N') ++m_at;
         return '-';
     }
 
     int64_t Digits() {
         int64_t value = 0;
-        for (; *at >= '0' && *at <= '9'; ++at)
-            value = std::min<int64_t>(value * 10 + (*at - '0'), INT_MAX);
+        for (; *m_at >= '0' && *m_at <= '9'; ++m_at)
+            value = std::min<int64_t>(value * 10 + (*m_at - '0'), INT_MAX);
         return value;
     }
 
     int64_t Size(Taken taken) {
         switch (taken) {
             case Taken::kChar:
-                va_arg(args, int);
+                va_arg(m_args, int);
                 return Bounded(kCharSize);
             case Taken::kNarrow:
-                return Bounded(Length(va_arg(args, const char*)));
+                return Bounded(Length(va_arg(m_args, const char*)));
             case Taken::kWide:
-                return Bounded(Length(va_arg(args, const wchar_t*)));
+                return Bounded(Length(va_arg(m_args, const wchar_t*)));
             case Taken::kDouble:
-                va_arg(args, double);
-                return std::max<int64_t>(width + precision, kDoubleLeast);
+                va_arg(m_args, double);
+                return std::max<int64_t>(m_width + m_precision, kDoubleLeast);
             case Taken::kInt:
-                va_arg(args, int);
-                return std::max<int64_t>(width + precision, kIntLeast);
+                va_arg(m_args, int);
+                return std::max<int64_t>(m_width + m_precision, kIntLeast);
             case Taken::kPointer:
-                va_arg(args, void*);
-                return std::max<int64_t>(width + precision, kIntLeast);
+                va_arg(m_args, void*);
+                return std::max<int64_t>(m_width + m_precision, kIntLeast);
             case Taken::kCount:
-                va_arg(args, void*);
+                va_arg(m_args, void*);
                 return 0;
             case Taken::kNothing:
                 break;
@@ -186,34 +186,34 @@ private:
     }
 
     int64_t Bounded(int64_t size) const {
-        size = std::max(size, width);
-        return hasPrecision ? std::min(size, precision) : size;
+        size = std::max(size, m_width);
+        return m_hasPrecision ? std::min(size, m_precision) : size;
     }
 
     // Once out of step, an argument may be anything: the platform's guarded functions answer 0 for
     // a bad address.
     int64_t Length(const char* s) const {
         if (!s) return kTextLeast;
-        int64_t length = !inStep        ? lstrlenA(s)
-                         : hasPrecision ? strnlen(s, precision)
-                                        : ScanLength(s);
+        int64_t length = !m_inStep        ? lstrlenA(s)
+                         : m_hasPrecision ? strnlen(s, m_precision)
+                                          : ScanLength(s);
         return std::max<int64_t>(length, kTextLeast);
     }
     int64_t Length(const wchar_t* s) const {
         if (!s) return kTextLeast;
-        int64_t length = !inStep        ? lstrlenW(s)
-                         : hasPrecision ? wcsnlen(s, precision)
-                                        : ScanLength(s);
+        int64_t length = !m_inStep        ? lstrlenW(s)
+                         : m_hasPrecision ? wcsnlen(s, m_precision)
+                                          : ScanLength(s);
         return std::max<int64_t>(length, kTextLeast);
     }
 
-    const Ch* at;
-    va_list args;  // a plain pointer on this platform, so it can be walked twice
-    int64_t total = 0;
-    int64_t width = 0;
-    int64_t precision = 0;
-    bool hasPrecision = false;
-    bool inStep = true;
+    const Ch* m_at;
+    va_list m_args;  // a plain pointer on this platform, so it can be walked twice
+    int64_t m_total = 0;
+    int64_t m_width = 0;
+    int64_t m_precision = 0;
+    bool m_hasPrecision = false;
+    bool m_inStep = true;
 };
 
 }  // namespace
@@ -225,3 +225,5 @@ int FormatSize(const Ch* format, char* args) {
 
 template int FormatSize(const char* format, char* args);
 template int FormatSize(const wchar_t* format, char* args);
+
+}  // namespace qx
