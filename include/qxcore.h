@@ -5,6 +5,7 @@
 #include <qxcore/attached.h>
 #include <qxcore/blob.h>
 #include <qxcore/dictionary.h>
+#include <qxcore/document.h>
 #include <qxcore/enum.h>
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
