@@ -91,7 +91,7 @@ const Ch* CTString<S, Ch>::SearchFrom(int start) const {
     if (!*data) return nullptr;
     if (start <= 0) return data;
     const Ch* from = GetData(start);
-    return *from || IndexOf(from) == start ? from : nullptr;
+    return qx::TextOf<Ch>::At(from) || IndexOf(from) == start ? from : nullptr;
 }
 
 template <class S, class Ch>
