@@ -56,6 +56,10 @@ public:
     // Whether c leads a double-byte character, where a byte follows.
     bool Leads(char c) const { return m_leads.Has(c); }
 
+    // Whether the byte c is a character by itself wherever it stands in front of others: no lead
+    // byte, and in UTF-8 no part of a sequence.
+    bool StandsAlone(char c) const { return c >= 0 || !(m_isUtf8 || Leads(c)); }
+
     // Steps ---------------------------------------------------------------------------------------
 
     // The bytes of the character at `at`: 1 or 2. REQUIRES: *at is not the terminator.

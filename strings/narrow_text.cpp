@@ -27,6 +27,7 @@ bool IsLead(char c) {
     return !IsAscii(c) && Characters::OfRuntime().Leads(c);
 }
 
+// Of a single byte.
 bool IsSpace(char c) {
     return isspace(static_cast<unsigned char>(c)) != 0;
 }
@@ -168,7 +169,7 @@ const char* NarrowText::FindLastCharacter(const char* s, wchar_t ch) {
 
 size_t NarrowText::LeadingSpace(const char* s) {
     const char* p = s;
-    while (IsSpace(*p) && !IsLead(*p)) ++p;
+    while (IsSpace(*p) && (IsAscii(*p) || Characters::OfRuntime().StandsAlone(*p))) ++p;
     return static_cast<size_t>(p - s);
 }
 
@@ -182,7 +183,7 @@ size_t NarrowText::TrimmedSize(const char* s) {
     }
     const Characters characters = Characters::OfRuntime();
     if (characters.WithoutHalf(s, size) < size) return size;
-    auto isSpace = [&](const char* at) { return !characters.Leads(*at) && IsSpace(*at); };
+    auto isSpace = [&](const char* at) { return IsSpace(*at) && characters.StandsAlone(*at); };
     return static_cast<size_t>(characters.Trim(s, s + size, isSpace) - s);
 }
 

@@ -50,7 +50,7 @@ struct NarrowText {
     static const char* FindLastCharacter(const char* s, wchar_t ch);
 
     // The units of white space that the text begins with, and those that are left when the white
-    // space at its end goes. No part of a double-byte character is white space.
+    // space at its end goes. No part of a longer character is white space.
     static size_t LeadingSpace(const char* s);
     static size_t TrimmedSize(const char* s);
 

@@ -223,15 +223,15 @@ TEST(StringAccessNarrowTest, ACharacterAboveAByteIsItsLowByteInASingleByteCodePa
 
 TEST(StringAccessNarrowTest, AChangeOfTheCodePageCountsAtOnce) {
     CXString s(kA);
+    CodePage page(1252);
     EXPECT_EQ(s.GetLength(), 2);
-    {
-        CodePage page(932);
-        EXPECT_EQ(s.GetLength(), 1);
-        _setmbcp(1252);
-        EXPECT_EQ(s.GetLength(), 2);
-        _setmbcp(949);
-        EXPECT_EQ(s.GetLength(), 1);
-    }
+    _setmbcp(932);
+    EXPECT_EQ(s.GetLength(), 1);
+    _setmbcp(1252);
+    EXPECT_EQ(s.GetLength(), 2);
+    _setmbcp(949);
+    EXPECT_EQ(s.GetLength(), 1);
+    _setmbcp(1252);
     EXPECT_EQ(s.GetLength(), 2);
 }
 
