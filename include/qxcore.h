@@ -31,6 +31,7 @@
 #include <qxcore/translation.h>
 #include <qxcore/typeid.h>
 #include <qxcore/unknown.h>
+#include <qxcore/url.h>
 #include <qxcore/variant.h>
 #include <qxcore/wide_string.h>
 

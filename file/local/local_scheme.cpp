@@ -1,6 +1,7 @@
 #include "file/shapes/file_scheme.h"
 
 #include "file/platform/file_error.h"
+#include "file/platform/found_file.h"
 #include "file/local/file_lock.h"
 #include "file/platform/temp_name.h"
 #include "file/local/xfile.h"
@@ -12,34 +13,13 @@ namespace qx {
 
 namespace {
 
-// An empty drive brings up no dialog while the object lives.
-class QuietErrors {
-public:
-    QuietErrors() : m_saved(SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX)) {}
-    QuietErrors(const QuietErrors&) = delete;
-    QuietErrors& operator=(const QuietErrors&) = delete;
-    ~QuietErrors() { SetErrorMode(m_saved); }
-
-private:
-    UINT m_saved;
-};
-
 void GetLocalInfo(const char* path, FioFileInfo* info) {
     QuietErrors quiet;
     WIN32_FIND_DATAA found;
     HANDLE search = FindFirstFileA(path, &found);
     if (search == INVALID_HANDLE_VALUE) RaiseFileError(path, QXOP_GET_INFORMATION);
     FindClose(search);
-    SYSTEMTIME time;
-    FileTimeToSystemTime(&found.ftLastWriteTime, &time);
-    *info = {.size = found.nFileSizeLow,
-             .second = time.wSecond,
-             .minute = time.wMinute,
-             .hour = time.wHour,
-             .day = time.wDay,
-             .dayOfWeek = time.wDayOfWeek,
-             .month = time.wMonth,
-             .year = time.wYear};
+    *info = InfoOf(found);
 }
 
 // The step that makes the temporary file has codes of its own.

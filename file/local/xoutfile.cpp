@@ -23,14 +23,14 @@ void CXOutFile::OpenOverTarget(int flags) {
         OpenInner(flags);
         m_inner->Seek(0, keep ? QXSEEK_END : QXSEEK_START);
     } catch (...) {
-        ReleaseInner();
+        m_inner = nullptr;
         Fio_UnlockFile(m_path);
         throw;
     }
 }
 
 void CXOutFile::OpenInner(int flags) {
-    m_inner = Fio_Open(m_temp, flags);
+    m_inner = Reference<IXFile>(Fio_Open(m_temp, flags));
     if (!m_inner) throw CXMemException();
 }
 
@@ -44,7 +44,7 @@ bool CXOutFile::UnlockTarget() {
 
 void CXOutFile::Commit() {
     if (!m_inner) return;
-    ReleaseInner();  // a file that cannot be closed whole is abandoned
+    m_inner.Release();  // a file that cannot be closed whole is abandoned
     m_committed = true;
     LiftedLock lifted(
         m_path);  // at its end the lock of those who still lock the target holds the new file
@@ -55,10 +55,7 @@ void CXOutFile::Commit() {
 // Without Commit: nothing of this may raise, and nothing of what was written is wanted.
 CXOutFile::~CXOutFile() {
     if (m_committed) return;
-    try {
-        ReleaseInner();
-    } catch (CXException&) {
-    }
+    m_inner = nullptr;
     UnlockTarget();
     DeleteFileA(m_temp);
 }

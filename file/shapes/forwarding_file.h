@@ -4,9 +4,8 @@
 
 #include <qxcore/exception.h>
 #include <qxcore/file.h>
+#include <qxcore/reference.h>
 #include <qxcore/string.h>
-
-#include <utility>
 
 namespace qx {
 
@@ -41,15 +40,11 @@ protected:
 
     InnerFile& Inner() {
         if (!m_inner) throw CXException(QXERR_BAD_USE);
-        return *m_inner;
-    }
-    // May raise; the reference is gone even so.
-    void ReleaseInner() {
-        if (InnerFile* inner = std::exchange(m_inner, nullptr)) inner->Release();
+        return *m_inner.Get();
     }
 
     CXString m_path;
-    InnerFile* m_inner = nullptr;
+    Reference<InnerFile> m_inner;
 };
 
 }  // namespace qx

@@ -288,9 +288,3 @@ TEST_F(OutFileTest, TheLastReferenceAbandonsAndTheOthersDoNot) {
     EXPECT_EQ(file->Release(), 0u);
     EXPECT_EQ(Names().size(), 0u);
 }
-
-TEST_F(OutFileTest, UrlsNeedANetworkService) {
-    const char* url = "ftp://127.0.0.1/f";
-    EXPECT_EQ(FailureOf([&] { Open(url); }), (Failure{QXERR_NETWORK, QXOP_OPEN, url}));
-    EXPECT_EQ(FailureOf([&] { OpenOut(url); }), (Failure{QXERR_NETWORK, QXOP_OPEN, url}));
-}

@@ -1,0 +1,127 @@
+#include "file/url/wininet_calls.h"
+
+#include <wininet.h>
+
+#include <cstdio>
+#include <set>
+
+namespace {
+
+struct Watch {
+    std::vector<std::string> texts;
+    std::set<HINTERNET> handles;
+    int wrongClosings = 0;
+    UINT errorMode = 0;
+};
+Watch g_watch;
+
+std::string Text(const char* text) {
+    return text ? text : "null";
+}
+std::string Text(DWORD_PTR number) {
+    char text[20];
+    snprintf(text, sizeof text, number < 1000 ? "%u" : "0x%X", unsigned(number));
+    return text;
+}
+
+template <class... A>
+void Note(const std::string& name, A... arguments) {
+    std::string list;
+    ((list += (list.empty() ? "" : ", ") + Text(arguments)), ...);
+    g_watch.texts.push_back(name + "(" + list + ")");
+}
+
+HINTERNET Opened(HINTERNET handle) {
+    if (handle) g_watch.handles.insert(handle);
+    return handle;
+}
+
+HINTERNET WINAPI Open(LPCSTR agent, DWORD access, LPCSTR proxy, LPCSTR bypass, DWORD flags) {
+    Note("InternetOpenA", agent, access, proxy, bypass, flags);
+    return Opened(InternetOpenA(agent, access, proxy, bypass, flags));
+}
+
+HINTERNET WINAPI Connect(HINTERNET internet, LPCSTR host, INTERNET_PORT port, LPCSTR user,
+                         LPCSTR password, DWORD service, DWORD flags, DWORD_PTR context) {
+    Note("InternetConnectA", host, DWORD_PTR(port), user, password, service, flags, context);
+    return Opened(InternetConnectA(internet, host, port, user, password, service, flags, context));
+}
+
+BOOL WINAPI Close(HINTERNET handle) {
+    if (!g_watch.handles.erase(handle)) ++g_watch.wrongClosings;
+    return InternetCloseHandle(handle);
+}
+
+BOOL WINAPI Get(HINTERNET connection, LPCSTR remote, LPCSTR local, WINBOOL failIfExists,
+                DWORD attributes, DWORD flags, DWORD_PTR context) {
+    Note("FtpGetFileA", remote, local, DWORD_PTR(failIfExists), attributes, flags, context);
+    return FtpGetFileA(connection, remote, local, failIfExists, attributes, flags, context);
+}
+
+BOOL WINAPI Put(HINTERNET connection, LPCSTR local, LPCSTR remote, DWORD flags, DWORD_PTR context) {
+    Note("FtpPutFileA", local, remote, flags, context);
+    return FtpPutFileA(connection, local, remote, flags, context);
+}
+
+BOOL WINAPI Delete(HINTERNET connection, LPCSTR path) {
+    Note("FtpDeleteFileA", path);
+    return FtpDeleteFileA(connection, path);
+}
+
+BOOL WINAPI MakeDirectory(HINTERNET connection, LPCSTR path) {
+    Note("FtpCreateDirectoryA", path);
+    return FtpCreateDirectoryA(connection, path);
+}
+
+HINTERNET WINAPI OpenRemote(HINTERNET connection, LPCSTR path, DWORD access, DWORD flags,
+                          DWORD_PTR context) {
+    Note("FtpOpenFileA", path, access, flags, context);
+    return Opened(FtpOpenFileA(connection, path, access, flags, context));
+}
+
+HINTERNET WINAPI FindFirst(HINTERNET connection, LPCSTR pattern, LPWIN32_FIND_DATAA found,
+                           DWORD flags, DWORD_PTR context) {
+    Note("FtpFindFirstFileA", pattern, flags, context);
+    g_watch.errorMode = GetErrorMode();
+    return Opened(FtpFindFirstFileA(connection, pattern, found, flags, context));
+}
+
+}  // namespace
+
+WinInetCalls::WinInetCalls() {
+    g_watch = {};
+    struct Replacement {
+        const char* name;
+        void* function;
+    };
+    const Replacement kReplacements[] = {
+        {"InternetOpenA", reinterpret_cast<void*>(&Open)},
+        {"InternetConnectA", reinterpret_cast<void*>(&Connect)},
+        {"InternetCloseHandle", reinterpret_cast<void*>(&Close)},
+        {"FtpGetFileA", reinterpret_cast<void*>(&Get)},
+        {"FtpPutFileA", reinterpret_cast<void*>(&Put)},
+        {"FtpDeleteFileA", reinterpret_cast<void*>(&Delete)},
+        {"FtpCreateDirectoryA", reinterpret_cast<void*>(&MakeDirectory)},
+        {"FtpOpenFileA", reinterpret_cast<void*>(&OpenRemote)},
+        {"FtpFindFirstFileA", reinterpret_cast<void*>(&FindFirst)}};
+    for (auto& [name, function] : kReplacements)
+        m_replaced.push_back(std::make_unique<ReplacedImport>(name, function));
+}
+
+WinInetCalls::~WinInetCalls() = default;
+
+const std::vector<std::string>& WinInetCalls::Texts() const {
+    return g_watch.texts;
+}
+
+int WinInetCalls::OpenHandles() const {
+    return int(g_watch.handles.size());
+}
+
+int WinInetCalls::WrongClosings() const {
+    return g_watch.wrongClosings;
+}
+
+UINT WinInetCalls::ErrorModeInSearch() const {
+    return g_watch.errorMode;
+}

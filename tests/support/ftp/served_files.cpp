@@ -1,0 +1,109 @@
+#include "support/ftp/served_files.h"
+
+#include <gtest/gtest.h>
+#include <qxcore/platform.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string BytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes) {
+    std::ofstream file(path, std::ios::binary);
+    file << bytes;
+    file.close();
+    EXPECT_TRUE(file) << path;
+}
+
+}  // namespace
+
+ServedFiles::ServedFiles() {
+    const char* directory = getenv("QXCORE_FTP_DIRECTORY");
+    if (!directory) {
+        ADD_FAILURE() << "no FTP server: start the program through tests/support/with_ftp_server";
+        return;
+    }
+    m_directory = directory;
+    m_files = m_directory + "\\files";
+    m_logStart = BytesOf(m_directory + "\\log").size();
+}
+
+ServedFiles::~ServedFiles() {
+    if (m_directory.empty()) return;
+    fs::remove(m_directory + "\\fault");
+    for (auto& entry : fs::directory_iterator(m_files)) fs::remove_all(entry.path());
+}
+
+std::string ServedFiles::Url(const std::string& name, const std::string& user) {
+    return "ftp://" + (user.empty() ? "" : user + ":secret@") + "127.0.0.1/" + name;
+}
+
+std::string ServedFiles::Put(const std::string& name, const std::string& bytes) const {
+    WriteBytes(PathOf(name), bytes);
+    return PathOf(name);
+}
+
+void ServedFiles::MakeDirectory(const std::string& name) const {
+    fs::create_directory(PathOf(name));
+}
+
+bool ServedFiles::Has(const std::string& name) const {
+    return fs::exists(PathOf(name));
+}
+
+std::string ServedFiles::ContentOf(const std::string& name) const {
+    return BytesOf(PathOf(name));
+}
+
+std::vector<std::string> ServedFiles::Names(const std::string& directory) const {
+    std::vector<std::string> names;
+    for (auto& entry : fs::directory_iterator(PathOf(directory)))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+void ServedFiles::SetFault(const std::string& lines) const {
+    WriteBytes(m_directory + "\\fault", lines);
+}
+
+std::string ServedFiles::PutAside(const std::string& name, const std::string& bytes) const {
+    std::string path = m_directory + "\\" + name;
+    WriteBytes(path, bytes);
+    path.erase(0, 2);  // the drive
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+std::vector<std::string> ServedFiles::Log() const {
+    std::string text = BytesOf(m_directory + "\\log").substr(m_logStart);
+    std::vector<std::string> lines;
+    for (size_t at = 0, end; (end = text.find('\n', at)) != std::string::npos; at = end + 1)
+        lines.push_back(text.substr(at, end - at));
+    return lines;
+}
+
+int ServedFiles::Count(const std::string& start) const {
+    auto log = Log();
+    return int(std::count_if(log.begin(), log.end(), [&](const std::string& line) {
+        return line.compare(0, start.size(), start) == 0;
+    }));
+}
+
+bool ServedFiles::AllGone() const {
+    for (int wait = 0; wait < 500; ++wait) {
+        if (Count("connected") == Count("gone")) return true;
+        Sleep(10);
+    }
+    return false;
+}

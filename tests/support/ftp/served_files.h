@@ -1,0 +1,46 @@
+// The FTP server that a test program runs beside, and the files that it serves.
+#ifndef QXCORE_TESTS_SUPPORT_FTP_SERVED_FILES_H
+#define QXCORE_TESTS_SUPPORT_FTP_SERVED_FILES_H
+
+#include <string>
+#include <vector>
+
+// Starts each test with nothing served and no fault. The program must have been started by
+// tests/support/with_ftp_server; without it every test fails with a word about that.
+class ServedFiles {
+public:
+    ServedFiles();
+    ServedFiles(const ServedFiles&) = delete;
+    ServedFiles& operator=(const ServedFiles&) = delete;
+    ~ServedFiles();
+
+    // A url of the server; the user is "user" (all rights), "reader" or empty (anonymous, reading
+    // only).
+    static std::string Url(const std::string& name, const std::string& user = "user");
+    // What stands behind it: directories in the name are divided by '\'.
+    std::string PathOf(const std::string& name) const { return m_files + "\\" + name; }
+    std::string Put(const std::string& name, const std::string& bytes) const;
+    void MakeDirectory(const std::string& name) const;
+    bool Has(const std::string& name) const;
+    std::string ContentOf(const std::string& name) const;
+    std::vector<std::string> Names(const std::string& directory = "") const;
+
+    // Lines that the proxy reads at each new connection; only in programs with a faulty server.
+    void SetFault(const std::string& lines) const;
+    // A file beside the served ones, as the proxy names it.
+    std::string PutAside(const std::string& name, const std::string& bytes) const;
+
+    // What has reached the server since the test began: the commands, and "connected" and "gone".
+    std::vector<std::string> Log() const;
+    // How many of the log's lines start so.
+    int Count(const std::string& start) const;
+    // Waits, for five seconds at most, until every connection has ended.
+    bool AllGone() const;
+
+private:
+    std::string m_directory;
+    std::string m_files;
+    size_t m_logStart = 0;
+};
+
+#endif
