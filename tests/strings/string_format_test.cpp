@@ -1,5 +1,6 @@
 // Format and the sizes it sets aside.
 #include "strings/string_probe.h"
+#include "support/exponent.h"
 
 #include <clocale>
 #include <cstdio>
@@ -134,7 +135,14 @@ TYPED_TEST(StringFormatTest, DoublesCountAHundredTwentyEightOrWidthPlusPrecision
         EXPECT_EQ(this->Sized((std::string("%100.50") + type).c_str(), 1.5), 150);
         EXPECT_EQ(this->Sized((std::string("%200") + type).c_str(), 1.5), 200);
     }
-    EXPECT_EQ(this->Formatted("%.3f %g %G", 1.5, 0.25, 1e-10), "1.500 0.25 1E-010");
+    EXPECT_EQ(this->Formatted("%.3f %g %G", 1.5, 0.25, 1e-10), "1.500 0.25 1E-" EXPONENT_LEAD "10");
+}
+
+TYPED_TEST(StringFormatTest, ExponentsHaveTheRuntimesForm) {
+    // Two digits at least in the universal runtime, three in the older one.
+    EXPECT_EQ(this->Formatted("%e", 1.0), "1.000000e+" EXPONENT_LEAD "00");
+    EXPECT_EQ(this->Formatted("%g", 2.5e-7), "2.5e-" EXPONENT_LEAD "07");
+    EXPECT_EQ(this->Formatted("%g %G", 1e100, 1e-300), "1e+100 1E-300");
 }
 
 TYPED_TEST(StringFormatTest, PointersCountLikeIntegers) {
@@ -204,7 +212,7 @@ TYPED_TEST(StringFormatTest, TheSixtyFourBitPrefixIsAHoleToo) {
 }
 
 TYPED_TEST(StringFormatTest, FormatDeliversTheWholeTextOfTheHoles) {
-    EXPECT_EQ(this->Formatted("%E|%hs", 1.5, "abcdef"), "1.500000E+000|abcdef");
+    EXPECT_EQ(this->Formatted("%E|%hs", 1.5, "abcdef"), "1.500000E+" EXPONENT_LEAD "00|abcdef");
     EXPECT_EQ(this->Formatted("%I64d|%hs", 1234567890123ll, "abcdef"), "1234567890123|abcdef");
 }
 

@@ -1,3 +1,4 @@
+#include "support/exponent.h"
 #include "variant/probe_object.h"
 #include "variant/variant_description.h"
 
@@ -156,8 +157,7 @@ TEST(ConversionTest, NumbersAsTextUseTheRuntimesForms) {
     EXPECT_EQ(To(QXVT_STRING, std::numeric_limits<long>::max()), "TEXT 2147483647");
     EXPECT_EQ(To(QXVT_STRING, 4294967295ul), "TEXT 4294967295");
     EXPECT_EQ(To(QXVT_STRING, 0), "TEXT 0");
-    EXPECT_EQ(To(QXVT_STRING, 1234567.0),
-              "TEXT 1.23457e+006");  // six digits; the runtime's exponent has three
+    EXPECT_EQ(To(QXVT_STRING, 1234567.0), "TEXT 1.23457e+" EXPONENT_LEAD "06");  // six digits
     EXPECT_EQ(To(QXVT_STRING, 0.1f), "TEXT 0.1");
     EXPECT_EQ(To(QXVT_STRING, 100000.0), "TEXT 100000");
 }
