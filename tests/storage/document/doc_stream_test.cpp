@@ -384,6 +384,40 @@ TEST_F(DocStreamTest, TheStreamLetsGoOfItsTableThenTheDocumentThenTheInnerStream
     EXPECT_EQ(log, "~attached ~sink ~stream ");
 }
 
+// Nobody but the test holds the inner stream when the operation goes on.
+TEST_F(DocStreamTest, EachOperationEndsAsItShouldWhenTheSinkLetsGoOfTheDocument) {
+    for (int stop : {0, 1}) {
+        for (const Operation& row : Operations()) {
+            if (!Asks(row)) continue;
+            Reference<IXStorage> held = Watch(storage.Get(), sink.Get());
+            Reference<IXStream> last = WatchStream(held.Get(), inner.Get());
+            sink->answer = [&] {
+                held.Release();
+                last.Release();
+                return stop;
+            };
+            log.clear();
+            std::string result;
+            EXPECT_EQ(Thrown([&] { result = row.call(last.Get()); }), stop ? "1" : "nothing");
+            EXPECT_EQ(result, stop ? "" : row.result) << row.name;
+            EXPECT_EQ(log, stop ? row.stoppedLog : row.log) << row.name;
+            EXPECT_EQ(CountOf(inner.Get()), 2u) << row.name;  // the fixture's stream has one
+        }
+    }
+}
+
+TEST_F(DocStreamTest, WhatTheSinkThrowsReachesTheCallerOfEachOperation) {
+    struct Interruption {};
+    sink->answer = []() -> int { throw Interruption(); };
+    for (const Operation& row : Operations()) {
+        if (!Asks(row)) continue;
+        log.clear();
+        EXPECT_THROW(row.call(stream.Get()), Interruption) << row.name;
+        EXPECT_EQ(log, row.stoppedLog) << row.name;
+        EXPECT_EQ(CountOf(stream.Get()), 1u) << row.name;
+    }
+}
+
 // An object with nothing but its table: behind that there is no memory to read.
 TEST_F(DocStreamTest, AForeignStorageNeedsNoTypeRecord) {
     auto page =

@@ -390,3 +390,24 @@ TEST_F(MemStreamTest, AStringWrittenFromItsOwnBlockMayGrowIt) {
     stream->WriteString(static_cast<char*>(block->GetData()));
     EXPECT_TRUE(BytesOf(stream) == text + '\0' + text + '\0');
 }
+
+// Nothing of the stream is touched behind the answer.
+TEST(MemStreamSinkTest, ASinkMayLetGoOfTheStreamInItsAnswer) {
+    struct Forgetful final : CQXUnknownImpl<IProgress> {
+        int IsCancelled() override {
+            stream.Reset();
+            return stop;
+        }
+        void SetRange(int, int) override {}
+        Owned<IXStream> stream;
+        int stop = 0;
+    };
+    for (int stop : {0, 1}) {
+        auto sink = new Forgetful;
+        sink->stop = stop;
+        sink->stream.Reset(new_StreamOnMemory(sink));
+        IXStream* stream = sink->stream;
+        EXPECT_EQ(Thrown([&] { EXPECT_EQ(stream->Write("four", 4), 4); }), stop ? "1" : "nothing");
+        EXPECT_EQ(sink->Release(), 0u);
+    }
+}
