@@ -1,12 +1,18 @@
 #include "variant/plain_width.h"
 #include "variant/value_block.h"
 
+#include <cstdint>
+
 namespace {
 
 // The bytes that a variable shares with the value area; text and objects are owned, not shared. A
 // blob variable borrows the size and the pointer.
 constexpr size_t SharedWidth(unsigned short type) {
     return type == QXVT_BLOB ? sizeof(tagQXBLOB) : static_cast<size_t>(qx::PlainWidth(type));
+}
+
+bool IsPointer(unsigned short type) {
+    return type == QXVT_STRING || type == QXVT_UNKNOWN;
 }
 
 bool CanBind(unsigned short type) {
@@ -43,6 +49,18 @@ tagQXVALUE LoadValue(unsigned short type, const void* variable) {
     return loaded;
 }
 
+// Whether a variable of this type touches the record.
+bool LiesIn(const tagQXVARIANT* v, const void* variable, unsigned short type) {
+    size_t width = IsPointer(type) ? sizeof(void*) : SharedWidth(type);
+    auto begin = reinterpret_cast<uintptr_t>(variable), record = reinterpret_cast<uintptr_t>(v);
+    return begin < record + sizeof *v && begin + width > record;
+}
+
+// A block that is handed over to the variant that has it already is not freed before.
+void KeepBlock(tagQXVARIANT* v, const void* handedOver) {
+    if (v->type == QXVT_BLOB && v->value.blob.data == handedOver) v->value.blob.data = nullptr;
+}
+
 }  // namespace
 
 int QXVariantBindToValue(unsigned short type, void* value, const tagQXVARIANT* v) {
@@ -61,14 +79,17 @@ int QXVariantBindToValue(unsigned short type, void* value, const tagQXVARIANT* v
 }
 
 int QXVariantBindFromValue(unsigned short type, void* value, tagQXVARIANT* v) {
-    if (!CanBind(type)) {
+    if (!CanBind(type) || LiesIn(v, value, type)) {
+        // There is nothing to load, or nothing but the zeros that clearing leaves.
         ClearVariant(v);
         v->type = type;
-        return 0;
+        return CanBind(type);
     }
     tagQXVALUE loaded = LoadValue(type, value);
-    ClearVariant(v);
+    if (type == QXVT_BLOB) KeepBlock(v, loaded.blob.data);
+    OldValue old(v);
     v->type = type;
     v->value = loaded;
+    old.LetGo();
     return 1;
 }

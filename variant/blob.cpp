@@ -1,5 +1,7 @@
 #include "variant/value_block.h"
 
+#include <utility>
+
 QXBlob::QXBlob(unsigned long size) : tagQXBLOB{size, AllocValue(size)} {}
 
 QXBlob::QXBlob(const tagQXBLOB* source)
@@ -13,7 +15,8 @@ void QXBlob::Clear() {
 }
 
 QXBlob& QXBlob::operator=(const tagQXBLOB* source) {
-    if (size || data) Clear();
+    QXBlob old;  // goes last, since the source may lie in it
+    std::swap<tagQXBLOB>(old, *this);
     data = CopyBytes(source->data, source->size);
     size = source->size;
     return *this;

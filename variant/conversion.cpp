@@ -273,8 +273,9 @@ inline bool Convert(tagQXVARIANT* dest, const tagQXVARIANT& src, unsigned short 
 int ConvertInPlace(tagQXVARIANT* v, unsigned short type) {
     CQXVariant work;
     if (!Convert(&work, *v, type)) return 0;
-    ClearVariant(v);
+    OldValue old(v);
     *v = work.Detach();
+    old.LetGo();
     return 1;
 }
 
@@ -282,6 +283,8 @@ int ConvertInPlace(tagQXVARIANT* v, unsigned short type) {
 
 int QXVariantChangeType(tagQXVARIANT* dest, const tagQXVARIANT* src, unsigned short type) {
     if (dest == src) return ConvertInPlace(dest, type);
-    ClearVariant(dest);
-    return Convert(dest, *src, type);
+    OldValue old(dest);
+    int converted = Convert(dest, *src, type);
+    old.LetGo();
+    return converted;
 }

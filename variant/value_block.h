@@ -47,6 +47,21 @@ inline void ClearVariant(tagQXVARIANT* v) {
     }
 }
 
+// What a record held, which goes when the new value is in place: the source of that may lie in it,
+// and whom its end calls finds the record whole. The record is empty at first.
+class OldValue {
+public:
+    explicit OldValue(tagQXVARIANT* v) {
+        if (OwnsValue(v->type)) m_old.Attach(*v);
+        memset(v, 0, sizeof *v);
+    }
+    // Passes on what the release of an object raises; without this call it is dropped.
+    void LetGo() { m_old.Clear(); }
+
+private:
+    CQXVariant m_old;
+};
+
 // Null data has no bytes, whatever the size says.
 inline bool SameBytes(const tagQXBLOB& a, const tagQXBLOB& b) {
     if (a.size != b.size) return false;

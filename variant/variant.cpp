@@ -4,11 +4,30 @@
 
 namespace {
 
-// The record is empty before its value goes, so whoever that calls finds no half-dead variant.
+// Empties the record and hands on what it owned: a record is empty before its value goes, so that
+// an object that looks into it at its end finds nothing half-dead there.
 template <class T>
 T* Emptied(tagQXVARIANT* v, T* owned) {
     memset(v, 0, sizeof *v);
     return owned;
+}
+
+// REQUIRES: dest is empty. The new value is made before the record is written, so a failure leaves
+// it empty.
+void CopyInto(tagQXVARIANT* dest, const tagQXVARIANT* src) {
+    tagQXVARIANT copy = *src;
+    switch (src->type) {
+        case QXVT_STRING:
+            copy.value.string = CopyText(src->value.string);
+            break;
+        case QXVT_BLOB:
+            copy.value.blob.data = CopyBytes(src->value.blob.data, src->value.blob.size);
+            break;
+        case QXVT_UNKNOWN:
+            WithReference(src->value.unknown);
+            break;
+    }
+    *dest = copy;
 }
 
 }  // namespace
@@ -35,28 +54,10 @@ void ClearOwner(tagQXVARIANT* v) {
     }
 }
 
-// The new value is made before the record is written, so a failure leaves the destination empty.
 void QXVariantCopy(tagQXVARIANT* dest, const tagQXVARIANT* src) {
-    ClearVariant(dest);
-    switch (src->type) {
-        case QXVT_STRING: {
-            char* text = CopyText(src->value.string);
-            *dest = *src;
-            dest->value.string = text;
-            break;
-        }
-        case QXVT_BLOB: {
-            void* data = CopyBytes(src->value.blob.data, src->value.blob.size);
-            *dest = *src;
-            dest->value.blob.data = data;
-            break;
-        }
-        case QXVT_UNKNOWN:
-            WithReference(src->value.unknown);
-            [[fallthrough]];
-        default:
-            *dest = *src;
-    }
+    OldValue old(dest);
+    CopyInto(dest, src);
+    old.LetGo();
 }
 
 CQXVariant::CQXVariant(const char* text) {

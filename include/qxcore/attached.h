@@ -6,6 +6,7 @@
 #define QXCORE_ATTACHED_H
 
 #include <qxcore/map.h>
+#include <qxcore/reference.h>
 #include <qxcore/unknown.h>
 
 #include <memory>
@@ -27,9 +28,7 @@ struct _tIQXUnknown {
     IQXUnknown* object = nullptr;
     int counted = 0;
 
-    ~_tIQXUnknown() {
-        if (counted && object) object->Release();
-    }
+    ~_tIQXUnknown() { qx::Reference<IQXUnknown> gone(counted ? object : nullptr); }
 };
 
 // The table that a carrying class embeds: it forwards RegisterInterface and QueryInterface here.
@@ -49,7 +48,8 @@ public:
 
     // Knows what is attached and nothing else. A null out asks without taking a reference.
     int Query(qx_type_info const& id, IQXUnknown** out) {
-        _tIQXUnknown** entry = m_entries.Find(id.name);
+        // An unused table stays unmade, so that a query needs no memory.
+        _tIQXUnknown** entry = m_entries.count ? m_entries.Find(id.name) : nullptr;
         return QXAnswerQuery(entry ? (*entry)->object : nullptr, out);
     }
 

@@ -1,9 +1,20 @@
 // The one typed value: a record of fixed size that may own heap memory, and its class.
 //
+//     CQXVariant v("12 apples");
+//     if (v.ChangeType(QXVT_INT)) Use(static_cast<int>(v));  // 12; 0 says that there is no number
+//     v = 3.5;                                               // the text goes, the type is a double
+//
 // Ownership: a type 10 owns its text, a type 17 its bytes, both on the default heap; a type 18 owns
 // one reference. Nothing else owns anything. A raw record starts with QXVariantInit and ends with
-// QXVariantClear. Errors: conversions and bindings answer 1 or 0; only memory running out throws,
-// CXMemException. Threading: a variant belongs to one thread at a time.
+// QXVariantClear; a CQXVariant does both by itself.
+//
+// Whatever replaces a value has the new one in its place before the old one goes. So an object that
+// goes may look into the variant, and a source may lie in what the old value owns.
+//
+// Errors: conversions and bindings answer 1 or 0; memory running out throws CXMemException. What
+// the release of an object raises reaches the caller with the variant whole; a destructor drops it.
+//
+// Threading: a variant belongs to one thread at a time.
 #ifndef QXCORE_VARIANT_H
 #define QXCORE_VARIANT_H
 
@@ -81,7 +92,8 @@ struct tagQXVARIANT {
 QXCORE_API void QXVariantInit(tagQXVARIANT* v);
 // Releases what the record owns, then zeroes it.
 QXCORE_API void QXVariantClear(tagQXVARIANT* v);
-// Clears `dest`, then copies deeply. Copying a record onto itself empties it.
+// Clears `dest`, then copies deeply; without memory for that `dest` stays empty. Copying a record
+// onto itself empties it.
 QXCORE_API void QXVariantCopy(tagQXVARIANT* dest, const tagQXVARIANT* src);
 // 1 if the closed table of conversions has an answer, else 0. `dest` and `src` may be the same
 // record: a failure then leaves it as it was. A failure into another record leaves that one empty.
@@ -94,117 +106,84 @@ QXCORE_API int QXVariantChangeType(tagQXVARIANT* dest, const tagQXVARIANT* src,
 QXCORE_API int QXVariantBindToValue(unsigned short type, void* value, const tagQXVARIANT* v);
 // Clears v, gives it the stated type and loads the variable. 0 for a type outside 1 to 18: v keeps
 // that code and a zero value. A text is copied, an object gets a reference; the data of a tagQXBLOB
-// is handed over, and v frees it.
+// is handed over, and v frees it. A variable that lies in v itself is cleared with it, so v loads
+// zeros.
 QXCORE_API int QXVariantBindFromValue(unsigned short type, void* value, tagQXVARIANT* v);
 
 // The record with constructors, assignment and casts. It adds no field.
 class CQXVariant : public tagQXVARIANT {
 public:
-    CQXVariant() { Zero(); }
-    CQXVariant(const tagQXVARIANT& source) { InitCopy(source); }
-    CQXVariant(const tagQXVARIANT* source) { InitCopy(*source); }
-    CQXVariant(const CQXVariant& source) { InitCopy(source); }
-    // A null text gives type 10 with a null pointer.
+    // Type 0.
+    CQXVariant();
+    // A deep copy.
+    CQXVariant(const tagQXVARIANT& source);
+    CQXVariant(const tagQXVARIANT* source);
+    CQXVariant(const CQXVariant& source);
+    // A copy of the text. A null text gives type 10 with a null pointer.
     QXCORE_API CQXVariant(const char* text);
     QXCORE_API CQXVariant(const CXString& text);
     // A second argument of 1 makes a type 1 of the number's being non-zero; any other value leaves
     // the number's type.
-    CQXVariant(unsigned char v, unsigned short as = 0) {
-        InitNumber(as, QXVT_UI1, v, value.ui1Val);
-    }
-    CQXVariant(unsigned short v, unsigned short as = 0) {
-        InitNumber(as, QXVT_UI2, v, value.ui2Val);
-    }
-    CQXVariant(unsigned long v, unsigned short as = 0) {
-        InitNumber(as, QXVT_ULONG, v, value.ulongVal);
-    }
-    CQXVariant(int v, unsigned short as = 0) { InitNumber(as, QXVT_INT, v, value.intVal); }
-    CQXVariant(unsigned int v, unsigned short as = 0) {
-        InitNumber(as, QXVT_UINT, v, value.uintVal);
-    }
-    CQXVariant(long v, unsigned short as = 0) { InitNumber(as, QXVT_LONG, v, value.longVal); }
-    CQXVariant(double v) { InitPlain(QXVT_DOUBLE, v, value.doubleVal); }
-    CQXVariant(float v) { InitPlain(QXVT_FLOAT, v, value.floatVal); }
-    CQXVariant(const tagSIZE& v) { InitPlain(QXVT_SIZE, v, value.size); }
-    CQXVariant(const tagRSIZE& v) { InitPlain(QXVT_RSIZE, v, value.rsize); }
-    CQXVariant(const tagPOINT& v) { InitPlain(QXVT_POINT, v, value.point); }
-    CQXVariant(const tagRPOINT& v) { InitPlain(QXVT_RPOINT, v, value.rpoint); }
-    CQXVariant(const tagRECT& v) { InitPlain(QXVT_RECT, v, value.rect); }
-    CQXVariant(const tagRRECT& v) { InitPlain(QXVT_RRECT, v, value.rrect); }
+    CQXVariant(unsigned char v, unsigned short as = 0);
+    CQXVariant(unsigned short v, unsigned short as = 0);
+    CQXVariant(unsigned long v, unsigned short as = 0);
+    CQXVariant(int v, unsigned short as = 0);
+    CQXVariant(unsigned int v, unsigned short as = 0);
+    CQXVariant(long v, unsigned short as = 0);
+    CQXVariant(double v);
+    CQXVariant(float v);
+    CQXVariant(const tagSIZE& v);
+    CQXVariant(const tagRSIZE& v);
+    CQXVariant(const tagPOINT& v);
+    CQXVariant(const tagRPOINT& v);
+    CQXVariant(const tagRECT& v);
+    CQXVariant(const tagRRECT& v);
     // A copy of the bytes.
     QXCORE_API CQXVariant(const tagQXBLOB& blob);
     // Takes a reference. The pointer may be null.
-    CQXVariant(IQXUnknown* object) {
-        InitPlain(QXVT_UNKNOWN, object, value.unknown);
-        if (object) object->AddRef();
-    }
-    ~CQXVariant() { Clear(); }
+    CQXVariant(IQXUnknown* object);
+    // Clears, and drops what the release of an object raises.
+    ~CQXVariant();
 
-    CQXVariant& operator=(const tagQXVARIANT& source) { return *this = &source; }
-    CQXVariant& operator=(const CQXVariant& source) {
-        return *this = static_cast<const tagQXVARIANT*>(&source);
-    }
-    CQXVariant& operator=(const tagQXVARIANT* source) {
-        if (Owns(type) || Owns(source->type) || source == this) {
-            QXVariantCopy(this, source);
-        } else {
-            SetRecord(*source);
-        }
-        return *this;
-    }
+    // As QXVariantCopy: assigning a variant to itself empties it.
+    CQXVariant& operator=(const tagQXVARIANT& source);
+    CQXVariant& operator=(const CQXVariant& source);
+    CQXVariant& operator=(const tagQXVARIANT* source);
+    // As the constructors. A failure leaves the old value.
     QXCORE_API CQXVariant& operator=(const char* text);
     QXCORE_API CQXVariant& operator=(const CXString& text);
     QXCORE_API CQXVariant& operator=(IQXUnknown* object);
-    CQXVariant& operator=(unsigned char v) { return SetPlain(QXVT_UI1, v, value.ui1Val); }
-    CQXVariant& operator=(double v) { return SetPlain(QXVT_DOUBLE, v, value.doubleVal); }
-    CQXVariant& operator=(float v) { return SetPlain(QXVT_FLOAT, v, value.floatVal); }
-    CQXVariant& operator=(const tagSIZE& v) { return SetPlain(QXVT_SIZE, v, value.size); }
-    CQXVariant& operator=(const tagRSIZE& v) { return SetPlain(QXVT_RSIZE, v, value.rsize); }
-    CQXVariant& operator=(const tagPOINT& v) { return SetPlain(QXVT_POINT, v, value.point); }
-    CQXVariant& operator=(const tagRPOINT& v) { return SetPlain(QXVT_RPOINT, v, value.rpoint); }
-    CQXVariant& operator=(const tagRECT& v) { return SetPlain(QXVT_RECT, v, value.rect); }
-    CQXVariant& operator=(const tagRRECT& v) { return SetPlain(QXVT_RRECT, v, value.rrect); }
+    CQXVariant& operator=(unsigned char v);
+    CQXVariant& operator=(double v);
+    CQXVariant& operator=(float v);
+    CQXVariant& operator=(const tagSIZE& v);
+    CQXVariant& operator=(const tagRSIZE& v);
+    CQXVariant& operator=(const tagPOINT& v);
+    CQXVariant& operator=(const tagRPOINT& v);
+    CQXVariant& operator=(const tagRECT& v);
+    CQXVariant& operator=(const tagRRECT& v);
     // These five, unlike `unsigned char`, keep a type 1 variant a type 1 and store 1 or 0.
-    CQXVariant& operator=(unsigned short v) { return SetNumber(QXVT_UI2, v, value.ui2Val); }
-    CQXVariant& operator=(unsigned long v) { return SetNumber(QXVT_ULONG, v, value.ulongVal); }
-    CQXVariant& operator=(int v) { return SetNumber(QXVT_INT, v, value.intVal); }
-    CQXVariant& operator=(unsigned int v) { return SetNumber(QXVT_UINT, v, value.uintVal); }
-    CQXVariant& operator=(long v) { return SetNumber(QXVT_LONG, v, value.longVal); }
+    CQXVariant& operator=(unsigned short v);
+    CQXVariant& operator=(unsigned long v);
+    CQXVariant& operator=(int v);
+    CQXVariant& operator=(unsigned int v);
+    CQXVariant& operator=(long v);
     // Leaks the old block of a variant that is type 17 already: call Clear first.
     QXCORE_API CQXVariant& operator=(const tagQXBLOB& blob);
 
-    void Clear() {
-        if (Owns(type)) {
-            QXVariantClear(this);
-        } else {
-            Zero();
-        }
-    }
+    // Releases what is owned; type 0 and a zero value afterwards.
+    void Clear();
     // Takes the source's ownership and sets its type to 0; its other bytes stay.
-    void Attach(tagQXVARIANT& source) {
-        Clear();
-        SetRecord(source);
-        source.type = QXVT_EMPTY;
-    }
+    void Attach(tagQXVARIANT& source);
     // Gives ownership to the caller; this becomes type 0.
-    tagQXVARIANT Detach() {
-        tagQXVARIANT record = *this;
-        type = QXVT_EMPTY;
-        return record;
-    }
+    tagQXVARIANT Detach();
+    // Exchanges the values; nothing is copied or released.
+    friend void swap(CQXVariant& a, CQXVariant& b) noexcept;
 
-    // A null source means this variant.
-    int ChangeType(unsigned short newType, tagQXVARIANT* src = nullptr) {
-        if (!src) src = this;
-        if (src == this && type == newType) return 1;
-        return QXVariantChangeType(this, src, newType);
-    }
-    int BindToValue(unsigned short valueType, void* variable) {
-        return QXVariantBindToValue(valueType, variable, this);
-    }
-    int BindFromValue(unsigned short valueType, void* variable) {
-        return QXVariantBindFromValue(valueType, variable, this);
-    }
+    // A null source means this variant, which is left alone if it has the type already.
+    int ChangeType(unsigned short newType, tagQXVARIANT* src = nullptr);
+    int BindToValue(unsigned short valueType, void* variable);
+    int BindFromValue(unsigned short valueType, void* variable);
 
     // Like types only: type 5 holding 3 does not equal type 7 holding 3. Points, sizes and
     // rectangles of reals match within 0.001, empty rectangles match each other, and a NaN matches
@@ -236,48 +215,251 @@ public:
     operator tagQXBLOB() const { return value.blob; }
 
 private:
-    static bool Owns(unsigned short type) {
-        return type == QXVT_STRING || type == QXVT_BLOB || type == QXVT_UNKNOWN;
-    }
-    void Zero() { memset(static_cast<tagQXVARIANT*>(this), 0, sizeof(tagQXVARIANT)); }
-    void SetRecord(const tagQXVARIANT& record) { static_cast<tagQXVARIANT&>(*this) = record; }
-    void InitCopy(const tagQXVARIANT& source) {
-        if (Owns(source.type)) {
-            Zero();
-            QXVariantCopy(this, &source);
-        } else {
-            SetRecord(source);
-        }
-    }
+    static bool Owns(unsigned short type);
+    void Zero();
+    void SetRecord(const tagQXVARIANT& record);
+    void InitCopy(const tagQXVARIANT& source);
     template <class T>
-    void InitPlain(unsigned short newType, T v, T& form) {
-        Zero();
-        type = newType;
-        form = v;
-    }
+    void InitPlain(unsigned short newType, T v, T& form);
     template <class T>
-    void InitNumber(unsigned short as, unsigned short newType, T v, T& form) {
-        if (as == QXVT_BOOL) {
-            InitPlain(QXVT_BOOL, v ? 1 : 0, value.boolVal);
-        } else {
-            InitPlain(newType, v, form);
-        }
-    }
+    void InitNumber(unsigned short as, unsigned short newType, T v, T& form);
     template <class T>
-    CQXVariant& SetPlain(unsigned short newType, T v, T& form) {
-        if (type != newType) {
-            Clear();
-            type = newType;
-        }
-        form = v;
-        return *this;
-    }
+    CQXVariant& SetPlain(unsigned short newType, T v, T& form);
     template <class T>
-    CQXVariant& SetNumber(unsigned short newType, T v, T& form) {
-        if (type != QXVT_BOOL) return SetPlain(newType, v, form);
-        value.boolVal = v ? 1 : 0;
-        return *this;
-    }
+    CQXVariant& SetNumber(unsigned short newType, T v, T& form);
 };
+
+// ---- what a variant is made of -----------------------------------------------------------------
+
+inline bool CQXVariant::Owns(unsigned short type) {
+    return type == QXVT_STRING || type == QXVT_BLOB || type == QXVT_UNKNOWN;
+}
+
+inline void CQXVariant::Zero() {
+    memset(static_cast<tagQXVARIANT*>(this), 0, sizeof(tagQXVARIANT));
+}
+
+inline void CQXVariant::SetRecord(const tagQXVARIANT& record) {
+    static_cast<tagQXVARIANT&>(*this) = record;
+}
+
+inline void CQXVariant::InitCopy(const tagQXVARIANT& source) {
+    if (Owns(source.type)) {
+        Zero();
+        QXVariantCopy(this, &source);
+    } else {
+        SetRecord(source);
+    }
+}
+
+template <class T>
+void CQXVariant::InitPlain(unsigned short newType, T v, T& form) {
+    Zero();
+    type = newType;
+    form = v;
+}
+
+template <class T>
+void CQXVariant::InitNumber(unsigned short as, unsigned short newType, T v, T& form) {
+    if (as == QXVT_BOOL) {
+        InitPlain(QXVT_BOOL, v ? 1 : 0, value.boolVal);
+    } else {
+        InitPlain(newType, v, form);
+    }
+}
+
+template <class T>
+CQXVariant& CQXVariant::SetPlain(unsigned short newType, T v, T& form) {
+    if (Owns(type)) {
+        CQXVariant old;  // goes when the new value is in place
+        old.Attach(*this);
+        InitPlain(newType, v, form);
+        old.Clear();
+    } else if (type != newType) {
+        InitPlain(newType, v, form);
+    } else {
+        form = v;
+    }
+    return *this;
+}
+
+template <class T>
+CQXVariant& CQXVariant::SetNumber(unsigned short newType, T v, T& form) {
+    if (type != QXVT_BOOL) return SetPlain(newType, v, form);
+    value.boolVal = v ? 1 : 0;
+    return *this;
+}
+
+// ---- its life ----------------------------------------------------------------------------------
+
+inline CQXVariant::CQXVariant() {
+    Zero();
+}
+inline CQXVariant::CQXVariant(const tagQXVARIANT& source) {
+    InitCopy(source);
+}
+inline CQXVariant::CQXVariant(const tagQXVARIANT* source) {
+    InitCopy(*source);
+}
+inline CQXVariant::CQXVariant(const CQXVariant& source) {
+    InitCopy(source);
+}
+inline CQXVariant::CQXVariant(unsigned char v, unsigned short as) {
+    InitNumber(as, QXVT_UI1, v, value.ui1Val);
+}
+inline CQXVariant::CQXVariant(unsigned short v, unsigned short as) {
+    InitNumber(as, QXVT_UI2, v, value.ui2Val);
+}
+inline CQXVariant::CQXVariant(unsigned long v, unsigned short as) {
+    InitNumber(as, QXVT_ULONG, v, value.ulongVal);
+}
+inline CQXVariant::CQXVariant(int v, unsigned short as) {
+    InitNumber(as, QXVT_INT, v, value.intVal);
+}
+inline CQXVariant::CQXVariant(unsigned int v, unsigned short as) {
+    InitNumber(as, QXVT_UINT, v, value.uintVal);
+}
+inline CQXVariant::CQXVariant(long v, unsigned short as) {
+    InitNumber(as, QXVT_LONG, v, value.longVal);
+}
+inline CQXVariant::CQXVariant(double v) {
+    InitPlain(QXVT_DOUBLE, v, value.doubleVal);
+}
+inline CQXVariant::CQXVariant(float v) {
+    InitPlain(QXVT_FLOAT, v, value.floatVal);
+}
+inline CQXVariant::CQXVariant(const tagSIZE& v) {
+    InitPlain(QXVT_SIZE, v, value.size);
+}
+inline CQXVariant::CQXVariant(const tagRSIZE& v) {
+    InitPlain(QXVT_RSIZE, v, value.rsize);
+}
+inline CQXVariant::CQXVariant(const tagPOINT& v) {
+    InitPlain(QXVT_POINT, v, value.point);
+}
+inline CQXVariant::CQXVariant(const tagRPOINT& v) {
+    InitPlain(QXVT_RPOINT, v, value.rpoint);
+}
+inline CQXVariant::CQXVariant(const tagRECT& v) {
+    InitPlain(QXVT_RECT, v, value.rect);
+}
+inline CQXVariant::CQXVariant(const tagRRECT& v) {
+    InitPlain(QXVT_RRECT, v, value.rrect);
+}
+inline CQXVariant::CQXVariant(IQXUnknown* object) {
+    InitPlain(QXVT_UNKNOWN, object, value.unknown);
+    if (object) object->AddRef();
+}
+inline CQXVariant::~CQXVariant() {
+    if (!Owns(type)) return;
+    try {
+        QXVariantClear(this);
+    } catch (...) {
+    }
+}
+
+// ---- assignment --------------------------------------------------------------------------------
+
+inline CQXVariant& CQXVariant::operator=(const tagQXVARIANT* source) {
+    if (Owns(type) || Owns(source->type) || source == this) {
+        QXVariantCopy(this, source);
+    } else {
+        SetRecord(*source);
+    }
+    return *this;
+}
+inline CQXVariant& CQXVariant::operator=(const tagQXVARIANT& source) {
+    return *this = &source;
+}
+inline CQXVariant& CQXVariant::operator=(const CQXVariant& source) {
+    return *this = static_cast<const tagQXVARIANT*>(&source);
+}
+inline CQXVariant& CQXVariant::operator=(unsigned char v) {
+    return SetPlain(QXVT_UI1, v, value.ui1Val);
+}
+inline CQXVariant& CQXVariant::operator=(double v) {
+    return SetPlain(QXVT_DOUBLE, v, value.doubleVal);
+}
+inline CQXVariant& CQXVariant::operator=(float v) {
+    return SetPlain(QXVT_FLOAT, v, value.floatVal);
+}
+inline CQXVariant& CQXVariant::operator=(const tagSIZE& v) {
+    return SetPlain(QXVT_SIZE, v, value.size);
+}
+inline CQXVariant& CQXVariant::operator=(const tagRSIZE& v) {
+    return SetPlain(QXVT_RSIZE, v, value.rsize);
+}
+inline CQXVariant& CQXVariant::operator=(const tagPOINT& v) {
+    return SetPlain(QXVT_POINT, v, value.point);
+}
+inline CQXVariant& CQXVariant::operator=(const tagRPOINT& v) {
+    return SetPlain(QXVT_RPOINT, v, value.rpoint);
+}
+inline CQXVariant& CQXVariant::operator=(const tagRECT& v) {
+    return SetPlain(QXVT_RECT, v, value.rect);
+}
+inline CQXVariant& CQXVariant::operator=(const tagRRECT& v) {
+    return SetPlain(QXVT_RRECT, v, value.rrect);
+}
+inline CQXVariant& CQXVariant::operator=(unsigned short v) {
+    return SetNumber(QXVT_UI2, v, value.ui2Val);
+}
+inline CQXVariant& CQXVariant::operator=(unsigned long v) {
+    return SetNumber(QXVT_ULONG, v, value.ulongVal);
+}
+inline CQXVariant& CQXVariant::operator=(int v) {
+    return SetNumber(QXVT_INT, v, value.intVal);
+}
+inline CQXVariant& CQXVariant::operator=(unsigned int v) {
+    return SetNumber(QXVT_UINT, v, value.uintVal);
+}
+inline CQXVariant& CQXVariant::operator=(long v) {
+    return SetNumber(QXVT_LONG, v, value.longVal);
+}
+
+// ---- ownership ---------------------------------------------------------------------------------
+
+inline void CQXVariant::Clear() {
+    if (Owns(type)) {
+        QXVariantClear(this);
+    } else {
+        Zero();
+    }
+}
+
+inline void CQXVariant::Attach(tagQXVARIANT& source) {
+    tagQXVARIANT old = *this;
+    SetRecord(source);
+    source.type = QXVT_EMPTY;
+    if (Owns(old.type)) QXVariantClear(&old);
+}
+
+inline tagQXVARIANT CQXVariant::Detach() {
+    tagQXVARIANT record = *this;
+    type = QXVT_EMPTY;
+    return record;
+}
+
+inline void swap(CQXVariant& a, CQXVariant& b) noexcept {
+    tagQXVARIANT record = a;
+    a.SetRecord(b);
+    b.SetRecord(record);
+}
+
+// ---- conversion and binding --------------------------------------------------------------------
+
+inline int CQXVariant::ChangeType(unsigned short newType, tagQXVARIANT* src) {
+    if (!src) src = this;
+    if (src == this && type == newType) return 1;
+    return QXVariantChangeType(this, src, newType);
+}
+
+inline int CQXVariant::BindToValue(unsigned short valueType, void* variable) {
+    return QXVariantBindToValue(valueType, variable, this);
+}
+
+inline int CQXVariant::BindFromValue(unsigned short valueType, void* variable) {
+    return QXVariantBindFromValue(valueType, variable, this);
+}
 
 #endif

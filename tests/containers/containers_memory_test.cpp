@@ -220,6 +220,25 @@ TEST(ContainersMemoryTest, AVariantThatCannotBeCopiedLeavesTheMapUsable) {
     }
 }
 
+TEST(ContainersMemoryTest, AVariantThatCannotBeCopiedKeepsTheOldEntry) {
+    using Map = CTMap<const char*, CQXVariant>;
+    CQXVariant text("a text that takes a block");
+    Counted object;
+    unsigned failures = FailEachAllocation(
+        [&] { return NewMap<Map>(kFirstOfTwins, CQXVariant(&object)); },
+        [&](auto& map) { map->SetAt(kSecondOfTwins, text); },
+        [&](auto& map) {
+            Map::position at;
+            EXPECT_STREQ(*map->GetNextKey(at), kFirstOfTwins);
+            CQXVariant* stored = map->Find(kFirstOfTwins);
+            EXPECT_EQ(stored->type, QXVT_UNKNOWN);
+            EXPECT_EQ(stored->value.unknown, &object);
+            EXPECT_EQ(object.refs, 2u);
+        });
+    EXPECT_EQ(failures, 2u);  // the key and the text
+    EXPECT_EQ(object.refs, 1u);
+}
+
 TEST(ContainersMemoryTest, ALargeMapDoesWithoutItsIndex) {
     // Around the sizes where an index begins or grows.
     for (int n : {120, 126, 127, 128, 129, 253, 254, 255, 256, 257}) {

@@ -152,3 +152,43 @@ TEST(ListTest, ARefusedRecordStaysWithTheCaller) {
     }
     EXPECT_EQ(destroyed, 0);
 }
+
+TEST(ListTest, ARemovalPassesOnWhatTheReleaseRaises) {
+    int destroyed = 0;
+    CTPList<IQXUnknown*> list;
+    for (int i = 0; i < 2; ++i) {
+        IQXUnknown* object = new Raising(&destroyed);
+        list.AddTail(object);
+        object->Release();
+    }
+    EXPECT_THROW(list.RemoveAt(list.GetHeadPosition()), CXException);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(list.count, 1u);
+}
+
+TEST(ListTest, TheFinalClearingReleasesAllAndPassesOnTheFirstFailure) {
+    int destroyed = 0;
+    CTPList<IQXUnknown*> list;
+    for (int i = 0; i < 3; ++i) {
+        IQXUnknown* object = new Raising(&destroyed);
+        list.AddTail(object);
+        object->Release();
+    }
+    EXPECT_THROW(list.RemoveAll(), CXException);
+    EXPECT_EQ(destroyed, 3);
+    EXPECT_EQ(list.count, 0u);
+    list.RemoveAll();
+}
+
+TEST(ListTest, TheEndOfAListDropsWhatReleasesRaise) {
+    int destroyed = 0;
+    {
+        CTPList<IQXUnknown*> list;
+        for (int i = 0; i < 3; ++i) {
+            IQXUnknown* object = new Raising(&destroyed);
+            list.AddTail(object);
+            object->Release();
+        }
+    }
+    EXPECT_EQ(destroyed, 3);
+}

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <memory>
+
 namespace {
 
 struct Edges {
@@ -230,4 +233,149 @@ TEST(MapValueTest, ADestructorMayUseTheMapWhoseEntryGoes) {
     map.RemoveAll();
     EXPECT_EQ(found, 0);
     EXPECT_EQ(second, 0);
+}
+
+namespace {
+
+using VariantMap = CTMap<int, CQXVariant>;
+
+// Uses the map while it is destroyed, held by one of the map's variants.
+class Intruder : public CQXUnknownImpl<IQXUnknown> {
+public:
+    template <class Act>
+    static CQXVariant In(Act act) {
+        auto object = new Intruder(act);
+        CQXVariant variant(static_cast<IQXUnknown*>(object));
+        object->Release();
+        return variant;
+    }
+    ~Intruder() override { m_act(); }
+
+private:
+    explicit Intruder(std::function<void()> act) : m_act(std::move(act)) {}
+    std::function<void()> m_act;
+};
+
+}  // namespace
+
+TEST(MapValueTest, TheEndOfAReplacedVariantFindsTheNewOneInItsPlace) {
+    VariantMap map;
+    int found = 0;
+    map.SetAt(1, Intruder::In([&] { found = map.Find(1)->value.intVal; }));
+    map.SetAt(1, CQXVariant(7));
+    EXPECT_EQ(found, 7);
+}
+
+TEST(MapValueTest, TheEndOfAReplacedVariantMayRemoveItsEntry) {
+    VariantMap map;
+    map.SetAt(1, Intruder::In([&] { EXPECT_EQ(map.RemoveKey(1), 1); }));
+    EXPECT_EQ(map.SetAt(1, CQXVariant("a text that takes a block")), 1);
+    EXPECT_EQ(map.count, 0u);
+    EXPECT_EQ(map.SetAt(1, CQXVariant(8)), 1);
+}
+
+TEST(MapValueTest, TheEndOfAReplacedVariantMayReplaceItsSuccessor) {
+    VariantMap map;
+    map.SetAt(1, Intruder::In([&] { map.SetAt(1, CQXVariant("from the end")); }));
+    map.SetAt(1, CQXVariant("from outside"));
+    EXPECT_STREQ(map.Find(1)->value.string, "from the end");
+}
+
+TEST(MapValueTest, TheEndOfAReplacedVariantMayClearTheMap) {
+    VariantMap map;
+    map.SetAt(1, Intruder::In([&] { map.RemoveAll(); }));
+    EXPECT_EQ(map.SetAt(1, CQXVariant(7)), 1);
+    EXPECT_EQ(map.count, 0u);
+    EXPECT_EQ(map.SetAt(1, CQXVariant(7)), 0);
+}
+
+TEST(MapValueTest, AVariantOfTheMapCanBeStoredOverTheOneThatHoldsIt) {
+    VariantMap map;
+    auto inner = std::make_unique<CQXVariant>("inner");
+    CQXVariant& kept = *inner;
+    map.SetAt(1, Intruder::In([&] { inner.reset(); }));
+    map.SetAt(1, kept);  // goes with the object that the old value holds
+    EXPECT_STREQ(map.Find(1)->value.string, "inner");
+}
+
+// ---- a map that is used while it is cleared
+
+TEST(MapValueTest, WhatAnOwnerAddsWhileItsMapIsClearedIsKept) {
+    Counted late;
+    CTMap<int, CQXVariant> map;
+    for (int key = 0; key < 5; ++key) {
+        map.SetAt(key, Intruder::In([&] {
+                      map.destroyed = 0;  // an owner that uses its map again
+                      map.SetAt(100, CQXVariant(&late));
+                  }));
+    }
+    map.RemoveAll();
+    EXPECT_EQ(map.count, 1u);
+    ASSERT_NE(map.Find(100), nullptr);
+    EXPECT_EQ(late.refs, 2u);
+    map.RemoveAll();
+    EXPECT_EQ(late.refs, 1u);
+}
+
+// ---- values whose release raises
+
+TEST(MapValueTest, ARemovalPassesOnWhatTheReleaseRaises) {
+    int destroyed = 0;
+    CTMap<int, IQXUnknown*> map;
+    IQXUnknown* object = new Raising(&destroyed);
+    map.SetAt(1, object);
+    map.SetAt(2, nullptr);
+    object->Release();
+    EXPECT_THROW(map.RemoveKey(1), CXException);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(map.count, 1u);
+    EXPECT_EQ(map.Find(1), nullptr);
+}
+
+TEST(MapValueTest, AReplacementPassesOnWhatTheOldValuesReleaseRaises) {
+    int destroyed = 0;
+    Counted fresh;
+    CTMap<const char*, IQXUnknown*> map;
+    IQXUnknown* object = new Raising(&destroyed);
+    map.SetAt(kFirstOfTwins, object);
+    object->Release();
+    EXPECT_THROW(map.SetAt(kSecondOfTwins, &fresh), CXException);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(*map.Find(kFirstOfTwins), &fresh);
+    CTMap<const char*, IQXUnknown*>::position at;
+    EXPECT_STREQ(*map.GetNextKey(at), kSecondOfTwins);
+}
+
+TEST(MapValueTest, TheFinalClearingReleasesAllAndPassesOnTheFirstFailure) {
+    int destroyed = 0;
+    CTMap<int, IQXUnknown*> map;
+    for (int key = 0; key < 300; ++key) {
+        IQXUnknown* object = new Raising(&destroyed);
+        map.SetAt(key, object);
+        object->Release();
+    }
+    EXPECT_THROW(map.RemoveAll(), CXException);
+    EXPECT_EQ(destroyed, 300);
+    EXPECT_EQ(map.count, 0u);
+    EXPECT_EQ(map.destroyed, 1u);
+    map.RemoveAll();
+}
+
+TEST(MapValueTest, TheEndOfAMapDropsWhatReleasesRaise) {
+    int destroyed = 0;
+    {
+        CTMap<int, IQXUnknown*> map;
+        CTMap<int, CQXVariant> variants;
+        CTMap<int, _tIQXUnknown*> attached;
+        for (int key = 0; key < 3; ++key) {
+            IQXUnknown* object = new Raising(&destroyed);
+            map.SetAt(key, object);
+            object->Release();
+            object = new Raising(&destroyed);
+            variants.SetAt(key, CQXVariant(object));
+            object->Release();
+            attached.SetAt(key, new _tIQXUnknown{"", new Raising(&destroyed), 1});
+        }
+    }
+    EXPECT_EQ(destroyed, 9);
 }

@@ -39,6 +39,16 @@ public:
     int* destroyed;
 };
 
+// Its last release fails, after the object is gone, as that of a file does that cannot be closed.
+class Raising : public Watched {
+public:
+    using Watched::Watched;
+    unsigned Release() override {
+        if (unsigned refs = InternalRelease()) return refs;
+        throw CXException(2);
+    }
+};
+
 // Two texts with the same hash: adding 1, -4, 6, -4, 1 to five bytes in a row changes it by (257 -
 // 1)^4 = 2^32.
 inline constexpr char kFirstOfTwins[] = "mmmmm";
