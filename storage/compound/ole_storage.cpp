@@ -139,11 +139,18 @@ HRESULT COleStorage::DeleteStream(const char* name) {
 
 // A storage that is read-only and transacted commits all the same.
 void COleStorage::Commit() {
-    if (m_flags != QXSTG_READ_ONLY) m_ole->Commit(STGC_DEFAULT);
+    if (m_flags != QXSTG_READ_ONLY && IsInItsParent()) m_ole->Commit(STGC_DEFAULT);
 }
 
 void COleStorage::Revert() {
-    if (m_flags & QXSTG_TRANSACTED) m_ole->Revert();
+    if ((m_flags & QXSTG_TRANSACTED) && IsInItsParent()) m_ole->Revert();
+}
+
+// Not every platform refuses without harm to commit a storage whose element was deleted or replaced
+// while it was open.
+bool COleStorage::IsInItsParent() {
+    STATSTG facts = {};
+    return m_ole->Stat(&facts, STATFLAG_NONAME) != STG_E_REVERTED;
 }
 
 CTEnum<const char*>* COleStorage::EnumNames(DWORD type) {

@@ -43,6 +43,7 @@ public:
 private:
     IXStorage* NewChild(HRESULT status, IStorage* ole, const char* name);
     CTEnum<const char*>* EnumNames(DWORD type);
+    bool IsInItsParent();
 
     // The last release lets go of the storage first, then of the parent, so that the root closes
     // last.

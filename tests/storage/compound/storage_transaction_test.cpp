@@ -259,3 +259,35 @@ TEST_F(StorageTest, AForeignStorageIsReferencedAndHasNoPath) {
     EXPECT_EQ(ole->Release(), 0u);
     EXPECT_EQ(ValueInFile(Path("raw.stg")), "1");
 }
+
+TEST_F(StorageTest, AStorageThatIsDeletedWhileItIsOpenClosesWithoutHarm) {
+    for (int flags : {0, QXSTG_TRANSACTED | 0}) {
+        Owned<IXStorage> root(new_Storage(nullptr, flags));
+        Owned<IXStorage> child(root->CreateStorage("child", 0)),
+            below(child->CreateStorage("a", 0));
+        PutStream(below, "leaf", "old leaf");
+        root->DeleteStorage("child");
+        for (IXStorage* gone : {child.Get(), below.Get()}) {
+            gone->Commit();
+            Revert(gone);
+            EXPECT_EQ(gone->OpenStream("leaf"), nullptr);
+        }
+        child.Reset();
+        below.Reset();
+        PutStream(root, "one", "new");
+        EXPECT_EQ(StreamOf(root, "one"), "new");
+    }
+}
+
+TEST_F(StorageTest, AStorageThatIsReplacedWhileItIsOpenLeavesTheNewOneAlone) {
+    for (int flags : {0, QXSTG_TRANSACTED | 0}) {
+        Owned<IXStorage> root(new_Storage(nullptr, flags));
+        Owned<IXStorage> old(root->CreateStorage("child", 0));
+        PutStream(old, "leaf", "old leaf");
+        Owned<IXStorage> child(root->CreateStorage("child", 0));
+        PutStream(child, "leaf", "new leaf");
+        old->Commit();
+        old.Reset();
+        EXPECT_EQ(StreamOf(child, "leaf"), "new leaf");
+    }
+}
