@@ -8,6 +8,8 @@
 
 #include <objbase.h>
 
+#include <vector>
+
 namespace {
 
 struct ReleaseOle {
@@ -56,15 +58,17 @@ std::string RawHexOf(const std::string& file, std::wstring path) {
     std::wstring wide(file.begin(), file.end());
     IStorage* found = nullptr;
     if (FAILED(StgOpenStorage(wide.c_str(), nullptr, kRead, nullptr, 0, &found))) return "no file";
-    std::unique_ptr<IStorage, ReleaseOle> at(found);
+    std::vector<std::unique_ptr<IStorage, ReleaseOle>> way;  // a closed storage closes those in it
+    way.emplace_back(found);
     for (size_t cut; (cut = path.find(L'/')) != path.npos; path.erase(0, cut + 1)) {
         IStorage* next = nullptr;
-        if (FAILED(at->OpenStorage(path.substr(0, cut).c_str(), nullptr, kRead, nullptr, 0, &next)))
+        if (FAILED(way.back()->OpenStorage(path.substr(0, cut).c_str(), nullptr, kRead, nullptr, 0,
+                                           &next)))
             return "no storage";
-        at.reset(next);
+        way.emplace_back(next);
     }
     IStream* opened = nullptr;
-    if (FAILED(at->OpenStream(path.c_str(), nullptr, kRead, 0, &opened))) return "none";
+    if (FAILED(way.back()->OpenStream(path.c_str(), nullptr, kRead, 0, &opened))) return "none";
     std::unique_ptr<IStream, ReleaseOle> stream(opened);
     std::string bytes(200, '?');
     ULONG read = 0;
