@@ -6,6 +6,7 @@
 #include <qxcore/exception.h>
 #include <qxcore/list.h>
 #include <qxcore/reference.h>
+#include <qxcore/string.h>
 
 #include <mbstring.h>
 #include <memory>

@@ -6,11 +6,13 @@
 #include <array>
 #include <cctype>
 #include <cstdlib>
-#include <cstring>
+#include <iterator>
 
 namespace qx {
 
 namespace {
+
+using Value = tagQXVALUE;
 
 // A short decimal number that ends its text, which most numbers are: the runtime would say the
 // same, later. Null where the runtime has to be asked.
@@ -93,22 +95,20 @@ bool ReadDecimals(const char* text, Numbers&... numbers) {
     return ReadNumbers(text, numbers...);
 }
 
-CXString Decimal(double number) {
+void WriteDecimal(double number, CutText& out) {
     constexpr int kDigits = 14;
     char text[64];
     CLocale locale;
-    return CXString(_gcvt(number, kDigits, text));
+    out.Add(_gcvt(number, kDigits, text));
 }
 
-CXString Decimals(double a, double b) {
-    return Decimal(a) + "," + Decimal(b);
-}
-
-template <class... Args>
-CXString Formatted(const char* format, Args... args) {
-    CXString text;
-    text.Format(format, args...);
-    return text;
+template <class... More>
+void WriteDecimals(CutText& out, double number, More... more) {
+    WriteDecimal(number, out);
+    if constexpr (sizeof...(more) > 0) {
+        out.Add(',');
+        WriteDecimals(out, more...);
+    }
 }
 
 // A nibble above 10 gives a letter that is no hexadecimal digit, and 10 gives ":": such a byte is
@@ -117,7 +117,12 @@ char NibbleText(unsigned nibble) {
     return static_cast<char>(nibble <= 10 ? '0' + nibble : 'A' + nibble);
 }
 
-bool ReadFlag(char* text, tagQXVALUE& value) {
+void WriteByteDigits(const Value& value, CutText& out) {
+    out.Add(NibbleText(value.ui1Val >> 4));
+    out.Add(NibbleText(value.ui1Val & 15));
+}
+
+bool ReadFlag(char* text, Value& value) {
     if (isdigit(static_cast<unsigned char>(*text))) {
         value.boolVal = atoi(text);
         return value.boolVal == 0 || value.boolVal == 1;
@@ -126,7 +131,7 @@ bool ReadFlag(char* text, tagQXVALUE& value) {
     return value.boolVal || *text == 'N' || *text == 'n';
 }
 
-bool ReadWord(char* text, tagQXVALUE& value) {
+bool ReadWord(char* text, Value& value) {
     constexpr unsigned long kMax = 65535;
     unsigned long number = 0;
     if (!ReadNumbers(text, number) || number > kMax) return false;
@@ -134,7 +139,7 @@ bool ReadWord(char* text, tagQXVALUE& value) {
     return true;
 }
 
-bool ReadFloat(char* text, tagQXVALUE& value) {
+bool ReadFloat(char* text, Value& value) {
     double number = 0;
     if (!ReadDecimals(text, number)) return false;
     value.floatVal = static_cast<float>(number);
@@ -142,74 +147,80 @@ bool ReadFloat(char* text, tagQXVALUE& value) {
 }
 
 // The digits are tested and not stored: the value stays 0.
-bool ReadByteDigits(char* text, tagQXVALUE&) {
+bool ReadByteDigits(char* text, Value&) {
     auto isDigit = [](char c) { return isxdigit(static_cast<unsigned char>(c)) != 0; };
     return isDigit(text[0]) && isDigit(text[1]);
 }
 
 // Taken as it is, leading blanks included.
-bool ReadText(char* text, tagQXVALUE& value) {
+bool ReadText(char* text, Value& value) {
     value.string = text;
     return true;
 }
 
+void WriteText(const Value& value, CutText& out) {
+    if (value.string) out.Add(value.string);
+}
+
+// Found by letter when reading and by type when writing.
 struct IniType {
     char letter;
     unsigned short type;
-    bool (*read)(char* text, tagQXVALUE& value);
-    CXString (*write)(const tagQXVALUE& value);
+    bool (*read)(char* text, Value& value);
+    void (*write)(const Value& value, CutText& out);
 };
 
-// Found by letter when reading and by type when writing.
 constexpr IniType kIniTypes[] = {
-    {'e', QXVT_EMPTY, [](char*, tagQXVALUE&) { return true; },
-     [](const tagQXVALUE&) { return CXString(); }},
+    {'e', QXVT_EMPTY, [](char*, Value&) { return true; }, [](const Value&, CutText&) {}},
     {'f', QXVT_BOOL, ReadFlag,
-     [](const tagQXVALUE& v) { return CXString(v.boolVal == 1 ? "1" : "0"); }},
-    {'b', QXVT_UI1, ReadByteDigits,
-     [](const tagQXVALUE& v) {
-         return Formatted("%c%c", NibbleText(v.ui1Val >> 4), NibbleText(v.ui1Val & 15));
-     }},
-    {'w', QXVT_UI2, ReadWord, [](const tagQXVALUE& v) { return Formatted("%u", v.ui2Val); }},
-    {'W', QXVT_ULONG, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
-     [](const tagQXVALUE& v) { return Formatted("%u", v.ulongVal); }},
-    {'i', QXVT_INT, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.longVal); },
-     [](const tagQXVALUE& v) { return Formatted("%d", v.intVal); }},
-    {'u', QXVT_UINT, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.ulongVal); },
-     [](const tagQXVALUE& v) { return Formatted("%u", v.uintVal); }},
-    {'l', QXVT_LONG, [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.longVal); },
-     [](const tagQXVALUE& v) { return Formatted("%d", v.longVal); }},
-    {'R', QXVT_DOUBLE, [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.doubleVal); },
-     [](const tagQXVALUE& v) { return Decimal(v.doubleVal); }},
-    {'r', QXVT_FLOAT, ReadFloat, [](const tagQXVALUE& v) { return Decimal(v.floatVal); }},
-    {'s', QXVT_STRING, ReadText, [](const tagQXVALUE& v) { return CXString(v.string); }},
-    {'z', QXVT_SIZE,
-     [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.size.cx, v.size.cy); },
-     [](const tagQXVALUE& v) { return Formatted("%d,%d", v.size.cx, v.size.cy); }},
+     [](const Value& v, CutText& out) { out.Add(v.boolVal == 1 ? '1' : '0'); }},
+    {'b', QXVT_UI1, ReadByteDigits, WriteByteDigits},
+    {'w', QXVT_UI2, ReadWord, [](const Value& v, CutText& out) { out.AddNumbers(v.ui2Val); }},
+    {'W', QXVT_ULONG, [](char* text, Value& v) { return ReadNumbers(text, v.ulongVal); },
+     [](const Value& v, CutText& out) { out.AddNumbers(v.ulongVal); }},
+    {'i', QXVT_INT, [](char* text, Value& v) { return ReadNumbers(text, v.longVal); },
+     [](const Value& v, CutText& out) { out.AddNumbers(v.intVal); }},
+    {'u', QXVT_UINT, [](char* text, Value& v) { return ReadNumbers(text, v.ulongVal); },
+     [](const Value& v, CutText& out) { out.AddNumbers(v.uintVal); }},
+    {'l', QXVT_LONG, [](char* text, Value& v) { return ReadNumbers(text, v.longVal); },
+     [](const Value& v, CutText& out) { out.AddNumbers(v.longVal); }},
+    {'R', QXVT_DOUBLE, [](char* text, Value& v) { return ReadDecimals(text, v.doubleVal); },
+     [](const Value& v, CutText& out) { WriteDecimals(out, v.doubleVal); }},
+    {'r', QXVT_FLOAT, ReadFloat,
+     [](const Value& v, CutText& out) { WriteDecimals(out, v.floatVal); }},
+    {'s', QXVT_STRING, ReadText, WriteText},
+    {'z', QXVT_SIZE, [](char* text, Value& v) { return ReadNumbers(text, v.size.cx, v.size.cy); },
+     [](const Value& v, CutText& out) { out.AddNumbers(v.size.cx, v.size.cy); }},
     {'Z', QXVT_RSIZE,
-     [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rsize.cx, v.rsize.cy); },
-     [](const tagQXVALUE& v) { return Decimals(v.rsize.cx, v.rsize.cy); }},
-    {'p', QXVT_POINT,
-     [](char* text, tagQXVALUE& v) { return ReadNumbers(text, v.point.x, v.point.y); },
-     [](const tagQXVALUE& v) { return Formatted("%d,%d", v.point.x, v.point.y); }},
+     [](char* text, Value& v) { return ReadDecimals(text, v.rsize.cx, v.rsize.cy); },
+     [](const Value& v, CutText& out) { WriteDecimals(out, v.rsize.cx, v.rsize.cy); }},
+    {'p', QXVT_POINT, [](char* text, Value& v) { return ReadNumbers(text, v.point.x, v.point.y); },
+     [](const Value& v, CutText& out) { out.AddNumbers(v.point.x, v.point.y); }},
     {'P', QXVT_RPOINT,
-     [](char* text, tagQXVALUE& v) { return ReadDecimals(text, v.rpoint.x, v.rpoint.y); },
-     [](const tagQXVALUE& v) { return Decimals(v.rpoint.x, v.rpoint.y); }},
+     [](char* text, Value& v) { return ReadDecimals(text, v.rpoint.x, v.rpoint.y); },
+     [](const Value& v, CutText& out) { WriteDecimals(out, v.rpoint.x, v.rpoint.y); }},
     {'t', QXVT_RECT,
-     [](char* text, tagQXVALUE& v) {
+     [](char* text, Value& v) {
          return ReadNumbers(text, v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
      },
-     [](const tagQXVALUE& v) {
-         return Formatted("%d,%d,%d,%d", v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
+     [](const Value& v, CutText& out) {
+         out.AddNumbers(v.rect.left, v.rect.top, v.rect.right, v.rect.bottom);
      }},
     {'T', QXVT_RRECT,
-     [](char* text, tagQXVALUE& v) {
+     [](char* text, Value& v) {
          return ReadDecimals(text, v.rrect.left, v.rrect.top, v.rrect.right, v.rrect.bottom);
      },
-     [](const tagQXVALUE& v) {
-         return Decimals(v.rrect.left, v.rrect.top) + "," + Decimals(v.rrect.right, v.rrect.bottom);
+     [](const Value& v, CutText& out) {
+         WriteDecimals(out, v.rrect.left, v.rrect.top, v.rrect.right, v.rrect.bottom);
      }},
 };
+// The types stand in the order of their codes, so the code is the place of the row.
+static_assert([] {
+    for (size_t i = 0; i < std::size(kIniTypes); ++i) {
+        if (kIniTypes[i].type != i) return false;
+    }
+    return true;
+}());
 
 // The row of each byte that is a letter of the table.
 constexpr auto kRowOfLetter = [] {
@@ -227,13 +238,12 @@ bool ReadIniValue(char* text, tagQXVARIANT& value) {
     return row->read(text + 1, value.value);
 }
 
-bool WriteIniValue(const tagQXVARIANT& value, CXString& text) {
-    for (const IniType& row : kIniTypes) {
-        if (row.type != value.type) continue;
-        text = CXString(wchar_t(row.letter) + row.write(value.value));
-        return true;
-    }
-    return false;
+bool WriteIniValue(const tagQXVARIANT& value, CutText& out) {
+    if (value.type >= std::size(kIniTypes)) return false;
+    const IniType& row = kIniTypes[value.type];
+    out.Add(row.letter);
+    row.write(value.value, out);
+    return true;
 }
 
 }  // namespace qx

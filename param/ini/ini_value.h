@@ -2,7 +2,8 @@
 #ifndef QXCORE_PARAM_INI_VALUE_H
 #define QXCORE_PARAM_INI_VALUE_H
 
-#include <qxcore/string.h>
+#include "param/ini/cut_text.h"
+
 #include <qxcore/variant.h>
 
 namespace qx {
@@ -12,8 +13,9 @@ namespace qx {
 // not fit its type; the variant then has no meaning.
 bool ReadIniValue(char* text, tagQXVARIANT& value);
 
-// Writes the letter and the text. False for the types that have no text form: blobs and objects.
-bool WriteIniValue(const tagQXVARIANT& value, CXString& text);
+// Adds the letter and the text. False, with nothing added, for the types that have no text form:
+// blobs and objects.
+bool WriteIniValue(const tagQXVARIANT& value, CutText& out);
 
 }  // namespace qx
 

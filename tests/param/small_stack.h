@@ -13,6 +13,8 @@ inline constexpr int kManyLevels = 4000;
 #else
 inline constexpr int kManyLevels = 100000;
 #endif
+// Enough of them where each is walked several times.
+inline constexpr int kTooManyCalls = kManyLevels / 4;
 
 inline void OnSmallStack(const std::function<void()>& work, size_t stack = 128 * 1024) {
     auto run = [](void* work) -> DWORD {

@@ -3,14 +3,13 @@
 #ifndef QXCORE_TESTS_PARAM_TREE_TEXT_H
 #define QXCORE_TESTS_PARAM_TREE_TEXT_H
 
+#include "support/held.h"
+
 #include <qxcore.h>
 
 #include <memory>
 #include <string>
 
-struct ReleaseObject {
-    void operator()(IQXUnknown* object) const { object->Release(); }
-};
 using ParamPtr = std::unique_ptr<IParam, ReleaseObject>;
 using NamesPtr = std::unique_ptr<CTEnum<const char*>, ReleaseObject>;
 

@@ -1,0 +1,284 @@
+// Trees in streams, byte by byte.
+#include "param/recording_param.h"
+#include "param/small_stack.h"
+#include "param/tree_text.h"
+#include "support/held.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace {
+
+std::string BytesOf(IXStream* stream) {
+    IQXUnknown* block = nullptr;
+    stream->QueryInterface(qx_typeid<IMemBlock>(), &block);
+    Ref<IMemBlock> memory(static_cast<IMemBlock*>(block));
+    return std::string(static_cast<const char*>(memory->GetData()), memory->GetSize());
+}
+
+template <size_t n>
+std::string Bytes(const char (&text)[n]) {
+    return std::string(text, n - 1);
+}
+
+class StreamFormTest : public testing::Test {
+protected:
+    ParamPtr tree{new_MemParam()};
+
+    std::string Saved(int expected = 1) {
+        Ref<IXStream> stream(new_StreamOnMemory());
+        EXPECT_EQ(SaveParamToXStream(stream.get(), tree.get()), expected);
+        return BytesOf(stream.get());
+    }
+    static Ref<IXStream> StreamOf(const std::string& bytes) {
+        Ref<IXStream> stream(new_StreamOnMemory());
+        stream->Write(bytes.data(), int(bytes.size()));
+        stream->Seek(0, 0);
+        return stream;
+    }
+    std::string Loaded(const std::string& bytes, int expected = 1) {
+        Ref<IXStream> stream = StreamOf(bytes);
+        EXPECT_EQ(LoadParamFromXStream(stream.get(), tree.get()), expected);
+        return TreeText(tree.get());
+    }
+};
+
+}  // namespace
+
+TEST_F(StreamFormTest, AnEmptyTreeIsTwoEmptyNames) {
+    EXPECT_EQ(Saved(), Bytes("\0\0"));
+}
+
+TEST_F(StreamFormTest, ANodeIsItsChildrenAndThenItsValues) {
+    SetInt(tree.get(), "v", 5);
+    CQXVariant text("abc");
+    ParamPtr(tree->CreateSubParam("a"))->SetValue("x", &text);
+    ParamPtr(tree->CreateSubParam("b"));
+    EXPECT_EQ(Saved(), Bytes("a\0"
+                             "\0"
+                             "x\0"
+                             "\x0A\0\x04\0\0\0abc\0"
+                             "\0"
+                             "b\0"
+                             "\0\0"
+                             "\0"
+                             "v\0"
+                             "\x05\0\x05\0\0\0"
+                             "\0"));
+}
+
+TEST_F(StreamFormTest, AValueWithoutANameIsSavedAsTheDefaultName) {
+    SetInt(tree.get(), "", 1);
+    EXPECT_EQ(Saved(), Bytes("\0@\0\x05\0\x01\0\0\0\0"));
+}
+
+TEST_F(StreamFormTest, AValueThatCannotBeReadIsSavedAsEmpty) {
+    SetInt(tree.get(), "a\\b", 5);
+    tree->DeleteAllSubParams();
+    EXPECT_EQ(Saved(), Bytes("\0a\\b\0\0\0\0\0\0\0\0"));
+}
+
+TEST_F(StreamFormTest, ATreeOfAllTypesComesBack) {
+    char bytes[] = {1, 0, 3};
+    const CQXVariant values[] = {CQXVariant(),
+                                 CQXVariant(1, 1),
+                                 CQXVariant(static_cast<unsigned char>(0xAB)),
+                                 CQXVariant(static_cast<unsigned short>(7)),
+                                 CQXVariant(8ul),
+                                 CQXVariant(-9),
+                                 CQXVariant(10u),
+                                 CQXVariant(-11l),
+                                 CQXVariant(0.1),
+                                 CQXVariant(0.5f),
+                                 CQXVariant(" a;b|c\r\n"),
+                                 CQXVariant(tagSIZE{1, 2}),
+                                 CQXVariant(tagRSIZE{0.1, 1e-9}),
+                                 CQXVariant(tagPOINT{3, 4}),
+                                 CQXVariant(tagRPOINT{1e300, -2}),
+                                 CQXVariant(tagRECT{1, 2, 3, 4}),
+                                 CQXVariant(tagRRECT{0.1, 0.2, 0.3, 0.4}),
+                                 CQXVariant(tagQXBLOB{3, bytes})};
+    ParamPtr child(tree->CreateSubParam("child\\deep"));
+    for (const CQXVariant& value : values) {
+        tree->SetValue(std::to_string(value.type).c_str(), &value);
+        child->SetValue(std::to_string(value.type).c_str(), &value);
+    }
+    ParamPtr back(new_MemParam());
+    Ref<IXStream> stream = StreamOf(Saved());
+    EXPECT_EQ(LoadParamFromXStream(stream.get(), back.get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
+    EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
+    EXPECT_EQ(stream->Tell(), stream->GetLength());
+}
+
+TEST_F(StreamFormTest, ABadObjectIsSavedAndComesBackAsNull) {
+    CQXVariant object(static_cast<IQXUnknown*>(nullptr));
+    SetInt(tree.get(), "x", 1);
+    tree->SetValue("object", &object);
+    SetInt(tree.get(), "y", 2);
+    EXPECT_EQ(Loaded(Saved()), "x=5:1 object=18:? y=5:2");
+}
+
+TEST_F(StreamFormTest, LoadingReplacesWhatTheTargetHeld) {
+    SetInt(tree.get(), "old", 1);
+    ParamPtr held(tree->CreateSubParam("a\\old"));
+    EXPECT_EQ(Loaded(Bytes("a\0\0\0\0v\0\x05\0\x05\0\0\0\0")), "v=5:5 a{}");
+}
+
+TEST_F(StreamFormTest, WhatStandsBehindTheTreeIsLeftInTheStream) {
+    Ref<IXStream> stream = StreamOf(Bytes("\0\0rest"));
+    EXPECT_EQ(LoadParamFromXStream(stream.get(), tree.get()), 1);
+    EXPECT_EQ(stream->Tell(), 2);
+}
+
+// The line feed ends the name and stays in it; the rest is read as the next item.
+TEST_F(StreamFormTest, ANameWithALineFeedDoesNotSurvive) {
+    CQXVariant value(5);
+    tree->SetValue("a\nb", &value);
+    std::string saved = Saved();
+    EXPECT_EQ(saved, Bytes("\0a\nb\0\x05\0\x05\0\0\0\0"));
+    ParamPtr back(new_MemParam());
+    Ref<IXStream> stream = StreamOf(saved);
+    // "a\n" is a name, 'b' and the NUL are the tag 0x0062, which there is not: the node stays
+    // empty.
+    EXPECT_EQ(LoadParamFromXStream(stream.get(), back.get()), 0);
+    EXPECT_EQ(TreeText(back.get()), "");
+    EXPECT_EQ(Loaded(Bytes("a\n\0\0\0\0")), "a\n{}");
+}
+
+TEST_F(StreamFormTest, ANameOf1023BytesSurvivesAndALongerOneDoesNot) {
+    std::string name(1023, 'n');
+    SetInt(tree.get(), name.c_str(), 5);
+    EXPECT_EQ(Loaded(Saved()), name + "=5:5");
+    // The first 1024 bytes are the name, and the next item begins in the middle.
+    std::string longer = name + "mo";
+    std::string saved = Bytes("\0") + longer + Bytes("\0\x05\0\x05\0\0\0\0");
+    Ref<IXStream> stream = StreamOf(saved);
+    EXPECT_EQ(LoadParamFromXStream(stream.get(), tree.get()), 0);  // "o" and the NUL are no tag
+    EXPECT_EQ(TreeText(tree.get()), "");
+}
+
+TEST_F(StreamFormTest, ATruncatedStreamPassesItsExceptionOnAndLeavesWhatWasLoaded) {
+    SetInt(tree.get(), "v", 1);
+    SetInt(ParamPtr(tree->CreateSubParam("a")).get(), "x", 2);
+    SetInt(ParamPtr(tree->CreateSubParam("b")).get(), "y", 3);
+    const std::string saved = Saved();
+    for (size_t size = 0; size < saved.size(); ++size) {
+        ParamPtr back(new_MemParam());
+        SetInt(back.get(), "old", 1);
+        Ref<IXStream> stream = StreamOf(saved.substr(0, size));
+        EXPECT_THROW(LoadParamFromXStream(stream.get(), back.get()), CXEofException) << size;
+        EXPECT_EQ(GetInt(back.get(), "old"), -1);
+        bool aIsWhole = size >= Bytes("a\0\0x\0\x05\0\x02\0\0\0\0").size();
+        if (aIsWhole) {
+            EXPECT_EQ(GetInt(back.get(), "a\\x"), 2) << size;
+        }
+    }
+}
+
+// The tag 0x0013 is above the last one.
+TEST_F(StreamFormTest, AFailedNodeStandsEmptyWhileItsSiblingsLoad) {
+    const std::string broken = Bytes("a\0c\0\0\0\0x\0\x05\0\x01\0\0\0y\0\x13\0");
+    const std::string sibling = Bytes("b\0\0z\0\x05\0\x03\0\0\0\0");
+    EXPECT_EQ(Loaded(broken + sibling + Bytes("\0v\0\x05\0\x05\0\0\0\0")), "v=5:5 a{} b{z=5:3}");
+}
+
+TEST_F(StreamFormTest, AFailureOfTheOutermostNodeAnswersZeroAndLeavesItEmpty) {
+    SetInt(tree.get(), "old", 1);
+    EXPECT_EQ(Loaded(Bytes("a\0\0\0\0v\0\x13\0"), 0), "");
+}
+
+TEST_F(StreamFormTest, ANullTreeAnswersZeroAndTheStreamStays) {
+    Ref<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(SaveParamToXStream(stream.get(), nullptr), 0);
+    EXPECT_EQ(stream->GetLength(), 0);
+    EXPECT_EQ(LoadParamFromXStream(stream.get(), nullptr), 0);
+}
+
+TEST_F(StreamFormTest, SavingGoesOnBehindANodeThatFails) {
+    std::string calls;
+    SetInt(ParamPtr(tree->CreateSubParam("a")).get(), "x", 1);
+    SetInt(ParamPtr(tree->CreateSubParam("b")).get(), "y", 2);
+    Held<RecordingParam> failing(tree.release(), "s", &calls);
+    failing->failAt = "GetValue(x)";
+    Ref<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(SaveParamToXStream(stream.get(), failing), 1);
+    EXPECT_EQ(BytesOf(stream.get()), Bytes("a\0\0x\0"
+                                           "b\0\0y\0\x05\0\x02\0\0\0\0"
+                                           "\0\0"));
+    failing->failAt = "EnumValues";
+    EXPECT_EQ(SaveParamToXStream(stream.get(), failing), 0);
+    EXPECT_EQ(RecordingParam::alive, 1);
+}
+
+TEST_F(StreamFormTest, SavingGoesThroughChildrenFirst) {
+    std::string calls;
+    SetInt(tree.get(), "v", 1);
+    SetInt(ParamPtr(tree->CreateSubParam("a")).get(), "x", 1);
+    Held<RecordingParam> recording(tree.release(), "s", &calls);
+    Ref<IXStream> stream(new_StreamOnMemory());
+    SaveParamToXStream(stream.get(), recording);
+    EXPECT_EQ(calls,
+              "s:EnumSubParams s:OpenSubParam(a) s\\a:EnumSubParams s\\a:EnumValues "
+              "s\\a:GetValue(x) s:EnumValues s:GetValue(v) ");
+}
+
+TEST_F(StreamFormTest, LoadingEmptiesEachNodeAndMakesItsChildren) {
+    std::string calls;
+    Held<RecordingParam> recording(tree.release(), "t", &calls);
+    Ref<IXStream> stream = StreamOf(Bytes("a\0\0x\0\0\0\0\0\0\0\0\0\0"));
+    EXPECT_EQ(LoadParamFromXStream(stream.get(), recording), 1);
+    EXPECT_EQ(calls,
+              "t:DeleteAllSubParams t:DeleteAllValues t:CreateSubParam(a) "
+              "t\\a:DeleteAllSubParams t\\a:DeleteAllValues t\\a:SetValue(x) ");
+}
+
+// Such a child is written as an empty node, so that the rest is read as what it is.
+TEST_F(StreamFormTest, AChildThatCannotBeOpenedIsSavedEmpty) {
+    std::string calls;
+    ParamPtr(tree->CreateSubParam("a"));
+    SetInt(tree.get(), "v", 1);
+    Held<RecordingParam> closed(tree.release(), "s", &calls);
+    closed->noChild = true;
+    Ref<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(SaveParamToXStream(stream.get(), closed), 1);
+    EXPECT_EQ(BytesOf(stream.get()), Bytes("a\0\0\0\0v\0\x05\0\x01\0\0\0\0"));
+}
+
+TEST_F(StreamFormTest, AChildThatCannotBeCreatedIsReadOver) {
+    std::string calls;
+    IParam* target = tree.get();
+    target->AddRef();
+    Held<RecordingParam> closed(target, "t", &calls);
+    closed->noChild = true;
+    Ref<IXStream> stream =
+        StreamOf(Bytes("a\0b\0\0\0\0x\0\x05\0\x01\0\0\0\0\0v\0\x05\0\x05\0\0\0\0"));
+    EXPECT_EQ(LoadParamFromXStream(stream.get(), closed), 1);
+    EXPECT_EQ(GetInt(tree.get(), "v"), 5);
+}
+
+TEST_F(StreamFormTest, ATreeOfAnyDepthIsWalked) {
+    std::string path;
+    for (int i = 1; i < kTooManyCalls; ++i) path += "a\\";
+    SetInt(ParamPtr(tree->CreateSubParam((path + "a").c_str())).get(), "x", 1);
+    ParamPtr back(new_MemParam());
+    OnSmallStack([&] {
+        Ref<IXStream> stream(new_StreamOnMemory());
+        EXPECT_EQ(SaveParamToXStream(stream.get(), tree.get()), 1);
+        stream->Seek(0, 0);
+        EXPECT_EQ(LoadParamFromXStream(stream.get(), back.get()), 1);
+    });
+    EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
+}
+
+// What ends in the middle of a chain of nested names ends without a deep stack too.
+TEST_F(StreamFormTest, NamesNestedWithoutAnEndAreWalked) {
+    std::string bytes;
+    for (int i = 0; i < kTooManyCalls; ++i) bytes += Bytes("a\0");
+    OnSmallStack([&] {
+        Ref<IXStream> stream = StreamOf(bytes);
+        EXPECT_THROW(LoadParamFromXStream(stream.get(), tree.get()), CXEofException);
+        tree.reset();
+    });
+}

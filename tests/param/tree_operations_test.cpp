@@ -1,0 +1,293 @@
+// Comparing, copying and listing trees, whatever their back ends are.
+#include "param/recording_param.h"
+#include "param/small_stack.h"
+#include "param/tree_text.h"
+#include "support/debugged_process.h"
+#include "support/scratch_directory.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+ParamPtr NewTree() {
+    return ParamPtr(new_MemParam());
+}
+
+// "x=1 a\y=2" as a tree.
+ParamPtr Tree(std::initializer_list<std::pair<const char*, int>> values) {
+    ParamPtr root = NewTree();
+    for (auto [path, number] : values) {
+        std::string text = path;
+        size_t cut = text.rfind('\\');
+        if (cut == std::string::npos) {
+            SetInt(root.get(), path, number);
+        } else {
+            std::string parent = text.substr(0, cut);
+            ParamPtr node(root->OpenSubParam(parent.c_str(), 0));
+            if (!node) node.reset(root->CreateSubParam(parent.c_str()));
+            SetInt(node.get(), text.c_str() + cut + 1, number);
+        }
+    }
+    return root;
+}
+
+int Cmp(const ParamPtr& a, const ParamPtr& b) {
+    return Param_Cmp(a.get(), b.get());
+}
+
+ParamPtr Chain(int levels) {
+    ParamPtr root = NewTree();
+    ParamPtr node(root->OpenSubParam("a", 1));
+    for (int i = 1; i < levels; ++i) node.reset(node->CreateSubParam("a"));
+    SetInt(node.get(), "leaf", 7);
+    return root;
+}
+
+}  // namespace
+
+TEST(ParamCmpTest, ATreeContainsItself) {
+    ParamPtr tree = Tree({{"x", 1}, {"a\\y", 2}, {"a\\b\\z", 3}});
+    EXPECT_EQ(Cmp(tree, tree), 1);
+}
+
+TEST(ParamCmpTest, ANullTreeIsContainedNowhereAndContainsNothing) {
+    ParamPtr tree = NewTree();
+    EXPECT_EQ(Param_Cmp(nullptr, tree.get()), 0);
+    EXPECT_EQ(Param_Cmp(tree.get(), nullptr), 0);
+    EXPECT_EQ(Param_Cmp(nullptr, nullptr), 0);
+}
+
+TEST(ParamCmpTest, WhatOnlyTheSecondTreeHasIsIgnored) {
+    ParamPtr a = Tree({{"x", 1}}), b = Tree({{"x", 1}, {"y", 2}, {"c\\z", 3}});
+    EXPECT_EQ(Cmp(a, b), 1);
+    EXPECT_EQ(Cmp(b, a), 0);
+}
+
+TEST(ParamCmpTest, EmptyTreesAreEqualAndAnEmptyOneIsInAny) {
+    ParamPtr empty = NewTree(), other = NewTree(), tree = Tree({{"x", 1}});
+    EXPECT_EQ(Cmp(empty, other), 1);
+    EXPECT_EQ(Cmp(empty, tree), 1);
+    EXPECT_EQ(Cmp(tree, empty), 0);
+}
+
+TEST(ParamCmpTest, AnEmptyChildMustBeThereToo) {
+    ParamPtr a = NewTree(), b = NewTree();
+    ParamPtr(a->CreateSubParam("c"));
+    EXPECT_EQ(Cmp(a, b), 0);
+    ParamPtr(b->CreateSubParam("C"));
+    EXPECT_EQ(Cmp(a, b), 1);
+}
+
+TEST(ParamCmpTest, ValuesAreEqualByTypeAndValue) {
+    ParamPtr a = Tree({{"x", 3}}), b = NewTree();
+    CQXVariant asLong(3l);
+    b->SetValue("x", &asLong);
+    EXPECT_EQ(Cmp(a, b), 0);
+    SetInt(b.get(), "X", 3);
+    EXPECT_EQ(Cmp(a, b), 1);
+    SetInt(b.get(), "X", 4);
+    EXPECT_EQ(Cmp(a, b), 0);
+    CQXVariant one(tagRPOINT{1, 2}), close(tagRPOINT{1.001, 2});
+    a->SetValue("x", &one);
+    b->SetValue("x", &close);
+    EXPECT_EQ(Cmp(a, b), 1);
+}
+
+TEST(ParamCmpTest, ADifferenceFarBelowIsFound) {
+    ParamPtr a = Tree({{"a\\b\\c\\d\\x", 1}, {"a\\y", 2}}),
+             b = Tree({{"a\\y", 2}, {"a\\b\\c\\d\\x", 1}});
+    EXPECT_EQ(Cmp(a, b), 1);
+    SetInt(ParamPtr(b->OpenSubParam("a\\b\\c\\d", 0)).get(), "x", 9);
+    EXPECT_EQ(Cmp(a, b), 0);
+}
+
+// The name is read down the path in both trees.
+TEST(ParamCmpTest, AValueUnderAWholePathIsComparedByItsPath) {
+    ParamPtr a = NewTree(), b = Tree({{"a\\b", 5}});
+    SetInt(a.get(), "a\\b", 5);
+    EXPECT_EQ(Cmp(a, b), 1);
+    SetInt(ParamPtr(b->OpenSubParam("a", 0)).get(), "b", 6);
+    EXPECT_EQ(Cmp(a, b), 0);
+}
+
+TEST(ParamCmpTest, AValueThatTheFirstCannotReadEqualsAnEmptyOne) {
+    ParamPtr a = NewTree(), b = NewTree();
+    SetInt(a.get(), "a\\b", 5);
+    a->DeleteAllSubParams();  // "a\b" stays as a name
+    CQXVariant empty;
+    ParamPtr child(b->CreateSubParam("a"));
+    child->SetValue("b", &empty);
+    EXPECT_EQ(Cmp(a, b), 1);
+    SetInt(child.get(), "b", 0);
+    EXPECT_EQ(Cmp(a, b), 0);
+}
+
+TEST(ParamCmpTest, ValuesComeFirstAndTheWalkStopsAtTheFirstDifference) {
+    std::string calls;
+    Held<RecordingParam> a(Tree({{"x", 1}, {"y", 2}, {"c\\z", 3}}).release(), "a", &calls);
+    ParamPtr b = Tree({{"x", 1}, {"y", 9}});
+    EXPECT_EQ(Param_Cmp(a, b.get()), 0);
+    EXPECT_EQ(calls, "a:EnumValues a:GetValue(x) a:GetValue(y) ");
+}
+
+TEST(ParamCmpTest, AllReferencesAreGivenBack) {
+    std::string calls;
+    auto a = new RecordingParam(Tree({{"x", 1}, {"c\\d\\z", 3}}).release(), "a", &calls);
+    ParamPtr b = Tree({{"x", 1}, {"c\\d\\z", 4}});
+    EXPECT_EQ(Param_Cmp(a, b.get()), 0);
+    EXPECT_EQ(RecordingParam::alive, 1);
+    EXPECT_EQ(a->Release(), 0u);
+}
+
+TEST(ParamCmpTest, ATreeOfAnyDepthIsWalked) {
+    ParamPtr a = Chain(kTooManyCalls), b = Chain(kTooManyCalls);
+    OnSmallStack([&] { EXPECT_EQ(Cmp(a, b), 1); });
+}
+
+TEST(ParamCopyToTest, ItIsAMergeThatReplacesWhatHasTheSameName) {
+    ParamPtr source = Tree({{"x", 1}, {"a\\y", 2}}),
+             target = Tree({{"w", 7}, {"X", 8}, {"a\\v", 9}, {"b\\u", 10}});
+    Param_CopyTo(source.get(), target.get());
+    EXPECT_EQ(TreeText(target.get()), "w=5:7 X=5:1 a{v=5:9 y=5:2} b{u=5:10}");
+    EXPECT_EQ(TreeText(source.get()), "x=5:1 a{y=5:2}");
+}
+
+TEST(ParamCopyToTest, AllTypesAreCopied) {
+    char bytes[] = {1, 2, 3};
+    ParamPtr source = NewTree(), target = NewTree();
+    CQXVariant blob(tagQXBLOB{3, bytes}), object(static_cast<IQXUnknown*>(target.get())), text("t");
+    source->SetValue("blob", &blob);
+    source->SetValue("object", &object);
+    source->SetValue("text", &text);
+    ParamPtr copy = NewTree();
+    Param_CopyTo(source.get(), copy.get());
+    EXPECT_EQ(Cmp(source, copy), 1);
+    EXPECT_EQ(Cmp(copy, source), 1);
+}
+
+TEST(ParamCopyToTest, ChildrenGoBeforeValues) {
+    std::string calls;
+    Held<RecordingParam> target(NewTree().release(), "t", &calls);
+    ParamPtr source = Tree({{"x", 1}, {"a\\y", 2}, {"a\\b\\z", 3}});
+    Param_CopyTo(source.get(), target);
+    EXPECT_EQ(calls,
+              "t:OpenSubParam(a) t:CreateSubParam(a) t\\a:OpenSubParam(b) t\\a:CreateSubParam(b) "
+              "t\\a\\b:SetValue(z) t\\a:SetValue(y) t:SetValue(x) ");
+}
+
+TEST(ParamCopyToTest, BothTreesAreHeldDuringTheWalk) {
+    std::string calls;
+    auto source = new RecordingParam(Tree({{"a\\y", 2}}).release(), "s", &calls);
+    source->atEnumSubParams = [&] { EXPECT_EQ(source->Release(), 1u); };
+    ParamPtr target = NewTree();
+    Param_CopyTo(source, target.get());
+    EXPECT_EQ(TreeText(target.get()), "a{y=5:2}");
+    EXPECT_EQ(RecordingParam::alive, 0);
+}
+
+TEST(ParamCopyToTest, AChildThatCannotBeOpenedIsSkipped) {
+    ScratchDirectory directory;
+    std::string path = directory.Write("t.ini", "[\\]\r\n@=e\r\nx=i1\r\n[\\aa\\bb]\r\ny=i2\r\n");
+    ParamPtr source(new_IParamIniFile(path.c_str())), target = NewTree();
+    Param_CopyTo(source.get(), target.get());
+    EXPECT_EQ(TreeText(target.get()), "@=0: x=5:1");
+}
+
+TEST(ParamCopyToTest, AValueThatCannotBeReadPassesOnAsEmpty) {
+    ScratchDirectory directory;
+    std::string path = directory.Write("t.ini", "[\\]\r\n@=e\r\nx=hello\r\n");
+    ParamPtr source(new_IParamIniFile(path.c_str())), target = Tree({{"x", 5}});
+    Param_CopyTo(source.get(), target.get());
+    EXPECT_EQ(TreeText(target.get()), "x=0: @=0:");
+}
+
+TEST(ParamCopyToTest, WhatTheTargetCannotHoldIsLost) {
+    ScratchDirectory directory;
+    std::string path = directory.PathOf("t.ini");
+    char bytes[] = {1, 2, 3};
+    CQXVariant blob(tagQXBLOB{3, bytes});
+    ParamPtr source = Tree({{"x", 1}}), target(new_IParamIniFile(path.c_str()));
+    source->SetValue("blob", &blob);
+    Param_CopyTo(source.get(), target.get());
+    EXPECT_EQ(TreeText(target.get()), "@=0: x=5:1");
+}
+
+TEST(ParamCopyToTest, ANameThatIsAPathGoesDownThePathAgain) {
+    ParamPtr source = NewTree(), target = NewTree();
+    SetInt(source.get(), "a\\b", 7);
+    Param_CopyTo(source.get(), target.get());
+    EXPECT_EQ(TreeText(target.get()), "a\\b a{b=5:7}");
+    EXPECT_EQ(GetInt(target.get(), "a\\b"), 7);
+}
+
+TEST(ParamCopyToTest, AMissingEnumeratorIsAMissingInterface) {
+    for (bool ofChildren : {true, false}) {
+        std::string calls;
+        Held<RecordingParam> source(Tree({{"a\\y", 2}}).release(), "s", &calls);
+        (ofChildren ? source->noSubParams : source->noValues) = true;
+        ParamPtr target = NewTree();
+        try {
+            Param_CopyTo(source, target.get());
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (CXIFaceException& e) {
+            EXPECT_EQ(e.GetCode(), QXERR_BAD_USE);
+            EXPECT_TRUE(*e.type == qx_typeid<CTEnum<const char*>>());
+        }
+        EXPECT_EQ(TreeText(target.get()), ofChildren ? "" : "a{y=5:2}");
+        EXPECT_EQ(RecordingParam::alive, 1);
+    }
+}
+
+TEST(ParamCopyToTest, AnExceptionOfABackEndPassesThroughAndLeavesNoReference) {
+    std::string calls;
+    {
+        Held<RecordingParam> target(NewTree().release(), "t", &calls);
+        target->failAt = "SetValue(z)";
+        ParamPtr source = Tree({{"a\\b\\z", 3}, {"x", 1}});
+        EXPECT_THROW(Param_CopyTo(source.get(), target), CXFileException);
+        EXPECT_EQ(RecordingParam::alive, 1);
+    }
+    EXPECT_EQ(RecordingParam::alive, 0);
+}
+
+TEST(ParamCopyToTest, ATreeOfAnyDepthIsWalked) {
+    ParamPtr source = Chain(kTooManyCalls), target = NewTree();
+    OnSmallStack([&] { Param_CopyTo(source.get(), target.get()); });
+    EXPECT_EQ(Cmp(source, target), 1);
+}
+
+TEST(DumpParamTest, TheNamesGoToTheDebuggerValuesFirstAndChildrenUnderTheirHeaders) {
+    DebuggedRun run = RunDebugged("param_peer.exe dump");
+    ASSERT_TRUE(run.started);
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_NE(run.output.find(" v \n w%s \n--- c ---\n x \n--- deep ---\n--- d ---\n"),
+              std::string::npos)
+        << run.output;
+}
+
+TEST(DumpParamTest, AChildThatCannotBeOpenedHasItsHeader) {
+    DebuggedRun run = RunDebugged("param_peer.exe dump_ini");
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_NE(run.output.find(" @ \n--- aa ---\n--- cc ---\n @ \n"), std::string::npos)
+        << run.output;
+}
+
+TEST(DumpParamTest, AMissingEnumeratorIsAMissingInterface) {
+    for (bool ofChildren : {true, false}) {
+        std::string calls;
+        Held<RecordingParam> node(NewTree().release(), "s", &calls);
+        (ofChildren ? node->noSubParams : node->noValues) = true;
+        try {
+            Dump_Param(node);
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (CXIFaceException& e) {
+            EXPECT_TRUE(*e.type == qx_typeid<CTEnum<const char*>>());
+        }
+    }
+    EXPECT_EQ(RecordingParam::alive, 0);
+}
+
+TEST(DumpParamTest, ATreeOfAnyDepthIsWalked) {
+    ParamPtr tree = Chain(3000);
+    OnSmallStack([&] { Dump_Param(tree.get()); });
+}
