@@ -28,16 +28,16 @@ void StartUp(HINSTANCE module) {
     StartClassRegistry();
     RegisterServiceContainer(module);
     CoInitialize(nullptr);
-    StartDictionary();
-    StartInterception();
+    qx::StartDictionary();
+    qx::StartInterception();
     DisableThreadLibraryCalls(module);
     CallEntryHook(module, DLL_PROCESS_ATTACH);
 }
 
 void ShutDown(HINSTANCE module) {
     CallEntryHook(module, DLL_PROCESS_DETACH);
-    StopInterception();
-    StopDictionary();
+    qx::StopInterception();
+    qx::StopDictionary();
     CoUninitialize();
     UnregisterServiceContainer();
     StopClassRegistry();

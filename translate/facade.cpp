@@ -1,6 +1,9 @@
+// Every exported function of the translation layer, in the order of <qxcore/translation.h>.
+#include "translate/dictionary/dictionary.h"
+#include "translate/interception/import_table.h"
+#include "translate/interception/interception.h"
 #include "translate/interception/module_lists.h"
 
-#include <qxcore/dictionary.h>
 #include <qxcore/translation.h>
 
 namespace {
@@ -11,9 +14,10 @@ constexpr const char* kDefaultDictionary = "app.wld";
 
 int Supp_Init(const char* name) {
     if (!g_Wld.Init(name ? name : kDefaultDictionary)) return 0;
-    for (const char* library : g_aPatchModules) _InitResTranslation(GetModuleHandleA(library));
-    for (ListedModule& excluded : g_aExcludeModules) excluded.Find();
-    for (ListedModule& extra : g_aExtraModules) _InitResTranslation(extra.module);
+    qx::LoadedModules loaded;
+    for (const char* library : qx::g_aPatchModules) _InitResTranslation(loaded.Find(library));
+    for (qx::ListedModule& excluded : qx::g_aExcludeModules) excluded.Find(loaded);
+    for (qx::ListedModule& extra : qx::g_aExtraModules) _InitResTranslation(extra.module);
     return 1;
 }
 
@@ -26,11 +30,11 @@ int Supp_InitResTranslation(HINSTANCE module) {
 }
 
 void Supp_SetTranslationEnable(int enable) {
-    g_bTranslationEnable = enable;
+    qx::g_bTranslationEnable = enable;
 }
 
 int Supp_IsTranslationEnable() {
-    return g_bTranslationEnable;
+    return qx::g_bTranslationEnable;
 }
 
 HFONT Supp_GetFont() {
@@ -39,6 +43,61 @@ HFONT Supp_GetFont() {
 
 int Supp_GetFontHeigth() {
     return 0;
+}
+
+// Templates carry the font; a window that stands keeps its own.
+void Supp_SetDialogFont(HWND) {}
+
+void Supp_SetDialogPos(HWND, HWND, unsigned int) {}
+
+int _InitResTranslation(HMODULE module) {
+    if (!module) return 0;
+    qx::PatchModule(module);
+    return 1;
+}
+
+int _DeInitResTranslation(HMODULE module) {
+    if (!module) return 0;
+    qx::UnpatchModule(module);
+    return 1;
+}
+
+int _LoadStringNotTrans(HINSTANCE module, unsigned int id, char* buffer, int size) {
+    using namespace qx;
+    return QX_REAL(LoadStringA)(module, id, buffer, size);
+}
+
+void* HookProc_Install(void* module, const char* dll, const char* function, void* replacement) {
+    return qx::PatchImportTable(module, dll, function, replacement);
+}
+
+// Looks the function up in what is no module and so finds nothing: the host's imports stay patched.
+void* HookProc_UnInstall(void*, const char*, const char*) {
+    return nullptr;
+}
+
+void* __GetHandlesList() {
+    return nullptr;
+}
+
+void __SetHandlesList(void*) {}
+
+unsigned char* TranslateDlgInternal(unsigned char* dialogTemplate, int* size) {
+    return g_Wld.TranslateDlg(dialogTemplate, size, nullptr);
+}
+
+unsigned char* TranslateDlgInternalPosition(unsigned char* dialogTemplate, int hash, int* size) {
+    return g_Wld.TranslateDlgPosition(dialogTemplate, hash, size, nullptr);
+}
+
+unsigned char* PatchDlgTemplateInternal(unsigned char*) {
+    return nullptr;
+}
+
+// The library's own imports are never patched.
+int MessageBoxInternalA(const void* parameters, int wide) {
+    if (wide) return MessageBoxIndirectW(static_cast<const MSGBOXPARAMSW*>(parameters));
+    return MessageBoxIndirectA(static_cast<const MSGBOXPARAMSA*>(parameters));
 }
 
 const char* Supp_Translate(const char* text) {

@@ -68,25 +68,11 @@ DWORD OleModeOf(unsigned flags, OleRole role) {
     return mode;
 }
 
-COleStorage::COleStorage(IStorage* ole, unsigned flags, COleStorage* parent, const char* path)
+COleStorage::COleStorage(IStorage* ole, unsigned flags, IXStorage* parent, const char* path)
     : m_path(path), m_flags(flags), m_parent(Hold(parent)), m_ole(Hold(ole)) {}
 
-// The storage goes first, then the parent: the root closes last. A way up of many levels is walked,
-// not nested.
 COleStorage::~COleStorage() {
     Commit();
-    m_ole = nullptr;
-    Reference<COleStorage> parent = std::move(m_parent);
-    while (parent && parent->IsHeldOnce()) {
-        Reference<COleStorage> next = std::move(parent->m_parent);
-        parent = std::move(next);
-    }
-}
-
-bool COleStorage::IsHeldOnce() {
-    bool once = AddRef() == 2;
-    Release();
-    return once;
 }
 
 int COleStorage::QueryInterface(qx_type_info const& id, IQXUnknown** out) {

@@ -20,7 +20,7 @@ DWORD OleModeOf(unsigned flags, OleRole role);
 class COleStorage final : public CStorage {
 public:
     // The parent is null for a root.
-    COleStorage(IStorage* ole, unsigned flags, COleStorage* parent, const char* path);
+    COleStorage(IStorage* ole, unsigned flags, IXStorage* parent, const char* path);
     // Commits: closing without Revert keeps what was written.
     ~COleStorage() override;
 
@@ -44,11 +44,12 @@ private:
     IXStorage* NewChild(HRESULT status, IStorage* ole, const char* name);
     CTEnum<const char*>* EnumNames(DWORD type);
     bool IsInItsParent();
-    bool IsHeldOnce();
 
+    // The last release lets go of the storage first, then of the parent, so that the root closes
+    // last.
     CXString m_path;
     unsigned m_flags;
-    Reference<COleStorage> m_parent;
+    Reference<IXStorage> m_parent;
     Reference<IStorage> m_ole;
 };
 

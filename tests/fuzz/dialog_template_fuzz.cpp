@@ -2,8 +2,8 @@
 // what comes out is a sound template. A sound one comes out as the tests' own parser says it must.
 #include "fuzz/fuzz_driver.h"
 #include "fuzz/guarded_bytes.h"
-#include "translate/resources/dialog_template.h"
-#include "translate/template_model.h"
+#include "translate/resources/dialog_translation.h"
+#include "translate/resources/template_model.h"
 
 #include <qxcore.h>
 
@@ -11,13 +11,13 @@ namespace {
 
 constexpr size_t kLongest = 1 << 16;
 constexpr int kHash = 5;
+constexpr char kLonger[] = "Ein viel l\xE4ngerer Name:";
 
 void Prepare() {
     static bool prepared = false;
     if (prepared) return;
     prepared = true;
-    for (auto [source, target] :
-         {std::pair("Open", "Auf"), {"Name:", "Ein viel l\xE4ngerer Name:"}, {"x", ""}}) {
+    for (auto [source, target] : {std::pair("Open", "Auf"), {"Name:", kLonger}, {"x", ""}}) {
         g_Wld.m_Contexts.SetAt(source, new CContext(source, target));
     }
     g_Wld.SetDialogFont(RUSSIAN_CHARSET, 9, "No Such Font");
@@ -51,10 +51,17 @@ DialogModel AnyDialog(Random& random) {
     return d;
 }
 
+// As the system reads a narrow text, whatever the code page makes of its bytes.
+std::wstring Wide(const char* text) {
+    DWORD flags = GetACP() == CP_UTF8 ? 0 : MB_PRECOMPOSED;
+    wchar_t wide[64];
+    return MultiByteToWideChar(CP_ACP, flags, text, -1, wide, 64) ? wide : L"";
+}
+
 DialogModel Expected(DialogModel d) {
     auto translate = [](std::wstring& text) {
         if (text == L"Open") text = L"Auf";
-        if (text == L"Name:") text = L"Ein viel l\u00E4ngerer Name:";
+        if (text == L"Name:") text = Wide(kLonger);
     };
     if (d.font) d.style |= 0x40;
     if (d.font && g_Wld.m_bDialogFont) {
@@ -99,7 +106,7 @@ bool Try(const std::string& bytes, const std::optional<DialogModel>& expected,
     static GuardedBytes guarded(kLongest);
     uint8_t* input = guarded.Place(bytes);
     int size = -1;
-    unsigned char* output = translate(TemplateBytes{input, bytes.size()}, &size);
+    unsigned char* output = translate(qx::TemplateBytes{input, bytes.size()}, &size);
     if (output == input) return size == 0 && !expected;
     bool holds = output && size > 0;
     // The parser counts from the start of the template, so it knows only those that stand at a
@@ -127,10 +134,10 @@ bool Round(Random& random) {
     if (bytes.size() > kLongest) return true;
     return Try(bytes, expected,
                [](auto b, int* size) {
-                   return TranslateTemplate(g_Wld, b, size, "a#1#2\xFD\xFD");
+                   return qx::TranslateTemplate(g_Wld, b, size, "a#1#2\xFD\xFD");
                }) &&
            Try(bytes, moved, [](auto b, int* size) {
-               return TranslateTemplatePosition(g_Wld, b, kHash, size, nullptr);
+               return qx::TranslateTemplatePosition(g_Wld, b, kHash, size, nullptr);
            });
 }
 

@@ -2,7 +2,7 @@
 // as it must.
 #include "fuzz/fuzz_driver.h"
 #include "fuzz/guarded_bytes.h"
-#include "translate/resources/string_table.h"
+#include "translate/resources/string_translation.h"
 
 #include <qxcore.h>
 
@@ -75,8 +75,8 @@ bool Round(Random& random) {
         std::any_of(expected.begin(), expected.end(), [](auto& entry) { return !entry.empty(); });
     std::transform(expected.begin(), expected.end(), expected.begin(), Expected);
     uint32_t size = 0;
-    void* block = TranslateStringTable(guarded.Place(bytes), static_cast<uint32_t>(bytes.size()),
-                                       "a#3#1\xFD\xFD", &size);
+    void* block = qx::TranslateStringTable(
+        guarded.Place(bytes), static_cast<uint32_t>(bytes.size()), "a#3#1\xFD\xFD", &size);
     if (!block) return !any && size == 0;
     bool holds = any && Read(block, size) == expected;
     LocalFree(block);

@@ -2,7 +2,7 @@
 #include "support/allocation_failure.h"
 #include "support/debugged_process.h"
 #include "support/scratch_directory.h"
-#include "translate/caller.h"
+#include "translate/interception/caller.h"
 #include "translate/own_process.h"
 
 namespace {

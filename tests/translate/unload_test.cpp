@@ -1,5 +1,5 @@
 // The library unloaded by hosts that do not link it, before and after the modules that it patched.
-#include "translate/caller.h"
+#include "translate/interception/caller.h"
 #include "translate/own_process.h"
 #include "support/scratch_directory.h"
 

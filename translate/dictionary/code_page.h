@@ -1,9 +1,11 @@
 // Between the process's narrow code page and wide text: the border that wide callers cross to the
 // dictionary.
-#ifndef QXCORE_TRANSLATE_CODE_PAGE_H
-#define QXCORE_TRANSLATE_CODE_PAGE_H
+#ifndef QXCORE_TRANSLATE_DICTIONARY_CODE_PAGE_H
+#define QXCORE_TRANSLATE_DICTIONARY_CODE_PAGE_H
 
 #include <qxcore/platform.h>
+
+namespace qx {
 
 // The widening of `length` bytes; room for as many characters is enough. Answers the characters.
 inline int Widen(const char* text, int length, wchar_t* out, int room, DWORD flags) {
@@ -36,5 +38,7 @@ inline int Narrow(const wchar_t* text, int length, char* out, int room, DWORD fl
     if (fits > 0 && fits < length && IS_SURROGATE_PAIR(text[fits - 1], text[fits])) --fits;
     return fits ? WideCharToMultiByte(CP_ACP, flags, text, fits, out, room, nullptr, nullptr) : 0;
 }
+
+}  // namespace qx
 
 #endif

@@ -1,4 +1,4 @@
-#include "translate/dictionary/geometry_file.h"
+#include "translate/dictionary/dictionary.h"
 
 #include "param/names/each_name.h"
 
@@ -9,11 +9,13 @@
 #include <cstdlib>
 #include <memory>
 
+namespace qx {
+
 namespace {
 
 // The child, or nothing.
-qx::Reference<IParam> Open(IParam* node, const char* name) {
-    return qx::Reference<IParam>(node->OpenSubParam(name, 0));
+Reference<IParam> Open(IParam* node, const char* name) {
+    return Reference<IParam>(node->OpenSubParam(name, 0));
 }
 
 // The context key of a dialog, as MakeResourceKey writes it; the name of one with a number is "#"
@@ -44,20 +46,21 @@ void ReadControl(IParam* dialog, const char* name, QXDlgPos& geometry) {
 void ReadDialog(CWld& dictionary, IParam* dialog, const char* key) {
     CTEnum<const char*>* values = dialog->EnumValues();
     if (!values) return;
-    qx::Reference<CTEnum<const char*>> walk(values);
+    Reference<CTEnum<const char*>> walk(values);
     auto geometry = std::make_unique<QXDlgPos>();
     ReadDialogSize(dialog, *geometry);
-    qx::EachName(walk.Detach(), [&](const CXString& name) { ReadControl(dialog, name, *geometry); });
+    qx::EachName(walk.Detach(),
+                 [&](const CXString& name) { ReadControl(dialog, name, *geometry); });
     if (dictionary.m_DlgPos.SetAt(HashResourceKey(key), geometry.get())) geometry.release();
 }
 
 void ReadModule(CWld& dictionary, IParam* tree, const char* module) {
-    qx::Reference<IParam> node = Open(tree, module);
+    Reference<IParam> node = Open(tree, module);
     if (!node) return;
-    qx::Reference<IParam> dialogs = Open(node.Get(), "Dialogs");
+    Reference<IParam> dialogs = Open(node.Get(), "Dialogs");
     if (!dialogs) return;
     qx::EachName(dialogs->EnumSubParams(), [&](const CXString& name) {
-        if (qx::Reference<IParam> dialog = Open(dialogs.Get(), name)) {
+        if (Reference<IParam> dialog = Open(dialogs.Get(), name)) {
             ReadDialog(dictionary, dialog.Get(), DialogKey(module, name));
         }
     });
@@ -65,13 +68,13 @@ void ReadModule(CWld& dictionary, IParam* tree, const char* module) {
 
 void ReadDialogs(CWld& dictionary, IParam* tree) {
     qx::EachName(tree->EnumSubParams(),
-             [&](const CXString& name) { ReadModule(dictionary, tree, name); });
+                 [&](const CXString& name) { ReadModule(dictionary, tree, name); });
 }
 
 }  // namespace
 
 int ReadDlgFile(CWld& dictionary, const char* path) {
-    qx::Reference<IParam> tree(new_MemParam());
+    Reference<IParam> tree(new_MemParam());
     try {
         if (!Param_IniFile2Param(path, tree.Get())) return 0;
     } catch (CXFileException&) {
@@ -80,3 +83,5 @@ int ReadDlgFile(CWld& dictionary, const char* path) {
     ReadDialogs(dictionary, tree.Get());
     return 1;
 }
+
+}  // namespace qx

@@ -1,8 +1,9 @@
+#include "strings/characters.h"
 #include "translate/dictionary/dictionary.h"
 
-#include <mbctype.h>
-
 #include <cstring>
+
+namespace qx {
 
 namespace {
 
@@ -20,14 +21,11 @@ char EscapedCharacter(char c) {
     }
 }
 
-int CharacterSize(const char* at) {
-    return _ismbblead(static_cast<unsigned char>(*at)) && at[1] ? 2 : 1;
-}
-
 }  // namespace
 
 void UnescapeText(CXString& text) {
     if (!strchr(text, '\\')) return;
+    auto characters = Characters::OfRuntime();
     __CXBuff<CXString, char*> buffer(text, text.GetSize());
     char* to = buffer.buffer;
     bool pending = false;
@@ -43,9 +41,11 @@ void UnescapeText(CXString& text) {
             ++from;
         } else {
             if (pending) *to++ = '\\';
-            for (int size = CharacterSize(from); size; --size) *to++ = *from++;
+            for (size_t size = characters.SizeAt(from); size; --size) *to++ = *from++;
         }
         pending = false;
     }
     *to = 0;
 }
+
+}  // namespace qx

@@ -1,12 +1,14 @@
 // The memory of a loaded image, read with checks, so that a broken image ends a walk and not the
 // process.
-#ifndef QXCORE_TRANSLATE_IMAGE_MEMORY_H
-#define QXCORE_TRANSLATE_IMAGE_MEMORY_H
+#ifndef QXCORE_TRANSLATE_INTERCEPTION_IMAGE_MEMORY_H
+#define QXCORE_TRANSLATE_INTERCEPTION_IMAGE_MEMORY_H
 
 #include <qxcore/platform.h>
 
 #include <cstdint>
 #include <cstring>
+
+namespace qx {
 
 class ImageMemory {
 public:
@@ -58,5 +60,7 @@ private:
     uintptr_t begin = 0;  // the region found last
     uintptr_t end = 0;
 };
+
+}  // namespace qx
 
 #endif

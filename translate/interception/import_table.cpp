@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace qx {
+
 namespace {
 
 constexpr WORD kOptionalHeader64 = 240;  // its size tells the 64-bit form
@@ -132,3 +134,5 @@ void* RestoreImportTable(void* module, const char* dll, const char* function, vo
     ExchangeImports(module, ImportWay::Restore, &exchange, 1);
     return exchange.result;
 }
+
+}  // namespace qx

@@ -1,16 +1,19 @@
 // Rewrites slots of the import address table of a loaded 64-bit module.
-#ifndef QXCORE_TRANSLATE_IMPORT_TABLE_H
-#define QXCORE_TRANSLATE_IMPORT_TABLE_H
+#ifndef QXCORE_TRANSLATE_INTERCEPTION_IMPORT_TABLE_H
+#define QXCORE_TRANSLATE_INTERCEPTION_IMPORT_TABLE_H
 
 #include <cstddef>
+
+namespace qx {
 
 // One function to exchange in a module's imports.
 struct ImportExchange {
     const char* dll;
     const char* function;
     void* replacement;
-    void* result;  // the function's real address; null when it is unknown, the image is none or a
-                   // slot stays read-only
+    // The function's real address. Null when the system has no such function, when what lies at
+    // the module's address is no 64-bit image, or when a slot cannot be made writable.
+    void* result;
 };
 
 enum class ImportWay {
@@ -27,5 +30,7 @@ void ExchangeImports(void* module, ImportWay way, ImportExchange* exchanges, siz
 // 0.
 void* PatchImportTable(void* module, const char* dll, const char* function, void* replacement);
 void* RestoreImportTable(void* module, const char* dll, const char* function, void* replacement);
+
+}  // namespace qx
 
 #endif

@@ -1,22 +1,27 @@
 // The modules whose calls are intercepted from the start, and those whose resources are never
 // translated.
-#ifndef QXCORE_TRANSLATE_MODULE_LISTS_H
-#define QXCORE_TRANSLATE_MODULE_LISTS_H
+#ifndef QXCORE_TRANSLATE_INTERCEPTION_MODULE_LISTS_H
+#define QXCORE_TRANSLATE_INTERCEPTION_MODULE_LISTS_H
 
-#include "translate/places/loaded_modules.h"
-
-#include <qxcore/platform.h>
+#include "translate/places/module_name.h"
 
 #include <atomic>
 #include <cstdint>
 
+namespace qx {
+
 struct ListedModule {
     const char* name;
-    bool loadsLate;  // may come after Supp_Init: looked for until it is there
+    bool loadsLate;  // may come after Supp_Init
     std::atomic<HMODULE> module = nullptr;
 
-    void Find() { module.store(GetModuleHandleA(name), std::memory_order_relaxed); }
+    void Find(const LoadedModules& loaded) {
+        module.store(loaded.Find(name), std::memory_order_relaxed);
+    }
     bool IsFound() const { return module.load(std::memory_order_relaxed) != nullptr; }
+    bool IsAt(const void* address) const {
+        return module.load(std::memory_order_relaxed) == address;
+    }
 };
 
 // The class libraries that load resources on a host's behalf.
@@ -29,37 +34,44 @@ extern ListedModule g_aExtraModules[1];
 
 // Looks for the extra modules that are not known.
 void RefreshExtraModules();
+// Looks for the program among the excluded modules that may come late: it is there from the start.
+void StartModuleLists();
 
-// Whether a module is one of the excluded ones that are known. Every intercepted call asks, so the
-// rows are written out.
+// Whether a row of the excluded modules has this address.
 inline bool IsListedExclusion(const void* module) {
-    auto is = [module](const ListedModule& row) {
-        return row.module.load(std::memory_order_relaxed) == module;
-    };
+    // Nearly every intercepted call asks, so the rows are written out.
     auto& [a, b, c, d, e] = g_aExcludeModules;
-    return is(a) || is(b) || is(c) || is(d) || is(e);
+    return a.IsAt(module) || b.IsAt(module) || c.IsAt(module) || d.IsAt(module) || e.IsAt(module);
 }
 
-// The same after looking for those that may have come late, which is due when modules have come or
-// gone.
-extern OncePerModuleChange g_lateSearch;
-bool IsExclusionAfterSearch(const void* module);
-
-inline bool IsExcluded(const void* module) {
-    return g_lateSearch.IsDue() ? IsExclusionAfterSearch(module) : IsListedExclusion(module);
-}
+// The same with a look at the module's name: one that comes late is not known before, and an
+// address may mean another module by now.
+bool IsExcluded(ModuleName& module);
 
 // The master switch of the interception.
 extern std::atomic<int> g_bTranslationEnable;
 
+inline bool IsSwitchedOn() {
+    return g_bTranslationEnable.load(std::memory_order_relaxed) != 0;
+}
+
 // Whether a call that concerns this module is translated. For a null module only the switch counts.
 // Resource functions ask with the addresses of loaded resources too; one within a page cannot be a
-// module's.
-inline bool IsTranslationActive(const void* module) {
+// module's. The thread's last error stays as it is.
+inline bool IsTranslationActive(ModuleName& module) {
     constexpr uintptr_t kWithinPage = 0xFFF;
-    if (!g_bTranslationEnable.load(std::memory_order_relaxed)) return false;
-    if (!module || (reinterpret_cast<uintptr_t>(module) & kWithinPage) != 0) return true;
+    if (!IsSwitchedOn()) return false;
+    auto address = reinterpret_cast<uintptr_t>(module.Module());
+    if (!address || (address & kWithinPage)) return true;
+    if (module.IsProgram() && !IsListedExclusion(module.Module())) return true;
     return !IsExcluded(module);
 }
+
+inline bool IsTranslationActive(const void* module) {
+    ModuleName name(module);
+    return IsTranslationActive(name);
+}
+
+}  // namespace qx
 
 #endif

@@ -1,12 +1,13 @@
 #include "translate/interception/interception.h"
 #include "translate/interception/module_lists.h"
-#include "translate/interception/replacements.h"
 #include "translate/interception/resource_records.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/exception.h>
 
 #include <cstdlib>
+
+namespace qx {
 
 namespace {
 
@@ -27,6 +28,7 @@ auto RunResource(Find* find, const Name* name, Indirect* indirect, const DialogA
     if (!block) return Result{};
     Result result =
         indirect(a.module, static_cast<const DLGTEMPLATE*>(block), a.parent, a.proc, a.param);
+    KeptLastError kept;
     NewFreeResource(block);
     return result;
 }
@@ -37,6 +39,7 @@ public:
     explicit TranslatedTemplate(const DLGTEMPLATE* dialog)
         : translated(const_cast<DLGTEMPLATE*>(dialog)) {
         if (!dialog) return;
+        KeptLastError kept;
         auto source = reinterpret_cast<unsigned char*>(translated);
         try {
             unsigned char* block = g_Wld.TranslateDlg(source, &size, nullptr);
@@ -46,6 +49,7 @@ public:
     }
     const DLGTEMPLATE* Get() const { return translated; }
     void Release() {
+        KeptLastError kept;
         if (size) free(translated);
     }
 
@@ -123,3 +127,5 @@ HWND WINAPI NewCreateDialogIndirectParamW(HINSTANCE module, const DLGTEMPLATE* d
     return MakeFromTemplate(QX_REAL(CreateDialogIndirectParamW), dialog,
                             {module, parent, proc, param});
 }
+
+}  // namespace qx

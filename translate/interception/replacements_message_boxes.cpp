@@ -1,13 +1,13 @@
+#include "strings/characters.h"
 #include "translate/interception/interception.h"
 #include "translate/interception/module_lists.h"
-#include "translate/interception/replacements.h"
-#include "strings/text_buffer.h"
 
 #include <qxcore/dictionary.h>
-#include <qxcore/translation.h>
 
 #include <atomic>
 #include <cstring>
+
+namespace qx {
 
 namespace {
 
@@ -19,7 +19,7 @@ const char* TranslateInto(char* buffer, const char* text) {
     if (!text) return nullptr;
     const char* target = g_Wld.Translate(text, 1);
     if (!target && strlen(text) >= kTextSize) return text;
-    CopyWhole(buffer, kTextSize, target ? target : text);
+    Characters::OfRuntime().CopyWhole(buffer, kTextSize, target ? target : text);
     return buffer;
 }
 
@@ -52,11 +52,22 @@ bool IsWritable(const void* at) {
     return VirtualQuery(at, &info, sizeof info) && (info.Protect & kWritable) != 0;
 }
 
+// Translates a block in its place, or in `copy` where it cannot be written. Answers the one to
+// show.
+const MSGBOXPARAMSA* TranslateBlock(const MSGBOXPARAMSA* block, MSGBOXPARAMSA& copy) {
+    KeptLastError kept;
+    copy.lpszText = TranslateParameter(block->hInstance, block->lpszText);
+    copy.lpszCaption = TranslateParameter(block->hInstance, block->lpszCaption);
+    if (!IsWritable(block)) return &copy;
+    *const_cast<MSGBOXPARAMSA*>(block) = copy;
+    return block;
+}
+
 }  // namespace
 
 int WINAPI NewMessageBoxA(HWND owner, const char* text, const char* caption, UINT type) {
     auto real = QX_REAL(MessageBoxA);
-    if (!IsTranslationActive(nullptr)) return real(owner, text, caption, type);
+    if (!IsSwitchedOn()) return real(owner, text, caption, type);
     char textBuffer[kTextSize];
     char captionBuffer[kTextSize];
     return real(owner, TranslateInto(textBuffer, text),
@@ -74,14 +85,7 @@ int WINAPI NewMessageBoxIndirectA(const MSGBOXPARAMSA* parameters) {
     auto real = QX_REAL(MessageBoxIndirectA);
     if (!parameters || !IsTranslationActive(parameters->hInstance)) return real(parameters);
     MSGBOXPARAMSA translated = *parameters;
-    translated.lpszText = TranslateParameter(parameters->hInstance, parameters->lpszText);
-    translated.lpszCaption = TranslateParameter(parameters->hInstance, parameters->lpszCaption);
-    if (!IsWritable(parameters)) return real(&translated);
-    *const_cast<MSGBOXPARAMSA*>(parameters) = translated;
-    return real(parameters);
+    return real(TranslateBlock(parameters, translated));
 }
 
-int MessageBoxInternalA(const void* parameters, int wide) {
-    if (wide) return MessageBoxIndirectW(static_cast<const MSGBOXPARAMSW*>(parameters));
-    return MessageBoxIndirectA(static_cast<const MSGBOXPARAMSA*>(parameters));
-}
+}  // namespace qx

@@ -1,13 +1,13 @@
 #include "translate/dictionary/code_page.h"
-#include "translate/places/context_key.h"
 #include "translate/interception/interception.h"
 #include "translate/interception/module_lists.h"
-#include "translate/interception/replacements.h"
+#include "translate/places/context_key.h"
 
 #include <qxcore/dictionary.h>
-#include <qxcore/translation.h>
 
 #include <cstring>
+
+namespace qx {
 
 namespace {
 
@@ -35,12 +35,13 @@ int WidenInto(const char* text, int length, wchar_t* buffer, int size) {
 
 int WINAPI NewLoadStringA(HINSTANCE module, UINT id, char* buffer, int size) {
     auto real = QX_REAL(LoadStringA);
-    if (!IsTranslationActive(module)) return real(module, id, buffer, size);
+    ModuleName name(module);
+    if (!IsTranslationActive(name)) return real(module, id, buffer, size);
     int length = real(module, id, buffer, size);
     if (length <= 0 || size <= 0) return length;
     PlaceHash place;
     // The sixteen strings of a block share its key.
-    if (id < kFirstIdWithoutKey) place = PlaceOfStrings(module, (id >> 4) + 1);
+    if (id < kFirstIdWithoutKey) place = PlaceOfStrings(name, (id >> 4) + 1);
     return static_cast<int>(TranslateBufferAt(buffer, static_cast<unsigned>(size), place, 0));
 }
 
@@ -49,8 +50,10 @@ int WINAPI NewLoadStringA(HINSTANCE module, UINT id, char* buffer, int size) {
 // translation that is cut.
 int WINAPI NewLoadStringW(HINSTANCE module, UINT id, wchar_t* buffer, int size) {
     auto real = QX_REAL(LoadStringW);
+    if (!IsTranslationActive(module)) return real(module, id, buffer, size);
     int characters = real(module, id, buffer, size);
-    if (!IsTranslationActive(module) || characters <= 0 || size <= 0) return characters;
+    if (characters <= 0 || size <= 0) return characters;
+    KeptLastError kept;
     char text[kTextSize];
     int length = Narrow(buffer, characters, text, kTextSize - 1, WC_COMPOSITECHECK);
     text[length] = 0;
@@ -58,6 +61,4 @@ int WINAPI NewLoadStringW(HINSTANCE module, UINT id, wchar_t* buffer, int size) 
     return WidenInto(text, length, buffer, size);
 }
 
-int _LoadStringNotTrans(HINSTANCE module, unsigned int id, char* buffer, int size) {
-    return QX_REAL(LoadStringA)(module, id, buffer, size);
-}
+}  // namespace qx

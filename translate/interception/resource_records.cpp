@@ -1,13 +1,16 @@
 #include "translate/interception/resource_records.h"
 
-#include "translate/resources/dialog_template.h"
 #include "translate/interception/interception.h"
-#include "translate/places/resource_key.h"
-#include "translate/resources/string_table.h"
+#include "translate/places/context_key.h"
+#include "translate/resources/dialog_translation.h"
+#include "translate/resources/string_translation.h"
 
 #include <qxcore/exception.h>
 
 #include <algorithm>
+#include <new>
+
+namespace qx {
 
 constinit RecordBounds g_recordBounds;
 constinit std::atomic<QX_RESITEM*> g_latestRecord = nullptr;
@@ -46,10 +49,31 @@ int KeyKind(uint64_t type) {
     }
 }
 
+// A resource as it was when its record was loaded.
+struct LoadedSource {
+    void* bytes;
+    size_t size;
+};
+
+// Of any length, unlike the field.
+const char* KeyOf(const QX_RESITEM* record) {
+    return reinterpret_cast<const char*>(record) + kKeyOffset;
+}
+
+size_t SourceOffset(size_t keySize) {
+    size_t behindKey = std::max(sizeof(QX_RESITEM), kKeyOffset + keySize);
+    return (behindKey + alignof(LoadedSource) - 1) / alignof(LoadedSource) * alignof(LoadedSource);
+}
+
+LoadedSource& SourceOf(QX_RESITEM* record) {
+    char* memory = reinterpret_cast<char*>(record);
+    return *reinterpret_cast<LoadedSource*>(memory + SourceOffset(strlen(KeyOf(record)) + 1));
+}
+
 QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t type) {
     size_t keySize = strlen(key) + 1;
-    auto memory = static_cast<char*>(
-        LocalAlloc(LMEM_FIXED, std::max(sizeof(QX_RESITEM), kKeyOffset + keySize)));
+    size_t sourceOffset = SourceOffset(keySize);
+    auto memory = static_cast<char*>(LocalAlloc(LMEM_FIXED, sourceOffset + sizeof(LoadedSource)));
     if (!memory) return nullptr;
     auto record = reinterpret_cast<QX_RESITEM*>(memory);
     record->marker = kMarker;
@@ -61,12 +85,60 @@ QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t ty
     record->size = 0;
     record->hash = *key ? HashResourceKey(key) : 0;
     memcpy(memory + kKeyOffset, key, keySize);
+    new (memory + sourceOffset) LoadedSource{};
     g_ResItems.Append(record);
     g_latestRecord.store(record, std::memory_order_relaxed);
     auto address = reinterpret_cast<uintptr_t>(record);
     g_recordBounds.lowest = std::min(g_recordBounds.lowest, address);
     g_recordBounds.highest = std::max(g_recordBounds.highest, address);
     return record;
+}
+
+// The bytes behind a real handle.
+LoadedSource ResourceBytes(HMODULE module, HRSRC handle) {
+    HGLOBAL loaded = QX_REAL(LoadResource)(module, handle);
+    void* bytes = loaded ? QX_REAL(LockResource)(loaded) : nullptr;
+    return {bytes, bytes ? QX_REAL(SizeofResource)(module, handle) : 0};
+}
+
+// Keeps what a block was made from. Without memory nothing is kept, and the next find makes a new
+// record.
+void KeepSource(QX_RESITEM* record) {
+    LoadedSource now = ResourceBytes(record->module, record->handle);
+    void* copy = LocalAlloc(LMEM_FIXED, now.size + 1);
+    if (copy) memcpy(copy, now.bytes, now.size);
+    SourceOf(record) = {copy, now.size};
+}
+
+bool HasSameBytes(QX_RESITEM* record) {
+    if (!record->loaded) return true;
+    const LoadedSource& then = SourceOf(record);
+    LoadedSource now = ResourceBytes(record->module, record->handle);
+    return then.bytes && then.size == now.size && !memcmp(then.bytes, now.bytes, now.size);
+}
+
+// Whether two names in keys may be spellings of one resource's name: the system tells no case,
+// takes
+// "#12" for 12, and of a wide name the key has the first letter only.
+bool MayNameTheSame(const char* a, const char* b) {
+    constexpr size_t kLetterAndEnd = 1 + 2;
+    if (strlen(a) == kLetterAndEnd || strlen(b) == kLetterAndEnd)
+        return *a == '#' || *b == '#' || !_strnicmp(a, b, 1);
+    if (*a == '#') ++a;
+    if (*b == '#') ++b;
+    return !_stricmp(a, b);
+}
+
+// Whether a record with the handle and the module of a found resource is this resource's. Of
+// another module at the same place it is not, unless that gives the same name to the same bytes,
+// for which the same block is right.
+bool IsStillOf(QX_RESITEM* record, ModuleName& module, const char* key) {
+    const char* kept = KeyOf(record);
+    if (!strcmp(kept, key)) return HasSameBytes(record);
+    const char* name = module.Text();
+    size_t place = name ? strlen(name) + strlen("#1#") : 0;
+    return place && !strncmp(kept, key, place) && MayNameTheSame(kept + place, key + place) &&
+           HasSameBytes(record);
 }
 
 // Null when memory has run out: hosts that call the system's functions expect no exception.
@@ -76,7 +148,7 @@ void* LoadDialog(QX_RESITEM* record) {
     TemplateBytes dialog = {static_cast<const uint8_t*>(resource), record->size};
     try {
         int size = 0;
-        void* block = TranslateTemplatePosition(g_Wld, dialog, record->hash, &size, record->key);
+        void* block = TranslateTemplatePosition(g_Wld, dialog, record->hash, &size, KeyOf(record));
         if (size) record->size = size;
         return block;
     } catch (CXMemException&) {
@@ -86,23 +158,27 @@ void* LoadDialog(QX_RESITEM* record) {
 
 void* LoadStringTable(QX_RESITEM* record) {
     const void* resource = QX_REAL(LockResource)(record->loaded);
-    return resource ? TranslateStringTable(resource, record->size, record->key, &record->size)
+    return resource ? TranslateStringTable(resource, record->size, KeyOf(record), &record->size)
                     : nullptr;
 }
 
 }  // namespace
 
-HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* type) {
+HRSRC WrapResource(HRSRC handle, ModuleName& module, const void* name, const void* type) {
     auto typeId = reinterpret_cast<uintptr_t>(type);
     if (!handle || (typeId != kDialogType && typeId != kMenuType && typeId != kStringTableType))
         return handle;
+    KeptLastError kept;
+    HMODULE base = module.Module();
     QX_RESITEM* record =
-        FindRecord([&](QX_RESITEM* r) { return r->handle == handle && r->module == module; });
-    if (!record && name) {
-        record = AddRecord(handle, module, ResourceKey(module, name, KeyKind(typeId)), typeId);
-    } else if (!record) {
-        record = AddRecord(handle, module, "", typeId);
-    }
+        FindRecord([&](QX_RESITEM* r) { return r->handle == handle && r->module == base; });
+    if (record && module.IsProgram()) return reinterpret_cast<HRSRC>(record);
+    ResourceKey named(module, name, KeyKind(typeId));
+    const char* key = name ? named : static_cast<const char*>("");
+    if (record && IsStillOf(record, module, key)) return reinterpret_cast<HRSRC>(record);
+    // The record is of a module that is gone, so no find is to meet it again.
+    if (record) record->handle = nullptr;
+    record = AddRecord(handle, base, key, typeId);
     return record ? reinterpret_cast<HRSRC>(record) : handle;
 }
 
@@ -115,7 +191,9 @@ HGLOBAL LoadRecord(QX_RESITEM* record) {
     if (record->block) return record->block;
     record->loaded = QX_REAL(LoadResource)(record->module, record->handle);
     record->size = QX_REAL(SizeofResource)(record->module, record->handle);
+    KeptLastError kept;
     if (!record->loaded) return nullptr;
+    if (!ModuleName(record->module).IsProgram() && !SourceOf(record).bytes) KeepSource(record);
     if (record->type == kMenuType) return nullptr;
     record->block = record->type == kDialogType ? LoadDialog(record) : LoadStringTable(record);
     return record->block ? record->block : record->loaded;
@@ -124,8 +202,11 @@ HGLOBAL LoadRecord(QX_RESITEM* record) {
 void FreeResourceRecords() {
     while (QX_LISTITEM* last = g_ResItems.tail) {
         g_ResItems.Unlink(last);
+        LocalFree(SourceOf(static_cast<QX_RESITEM*>(last)).bytes);
         LocalFree(last);
     }
     g_latestRecord = nullptr;
     g_recordBounds = {};
 }
+
+}  // namespace qx

@@ -1,13 +1,17 @@
 // The records that stand for resources of patched modules: what a find call answers in place of the
 // real handle.
-#ifndef QXCORE_TRANSLATE_RESOURCE_RECORDS_H
-#define QXCORE_TRANSLATE_RESOURCE_RECORDS_H
+#ifndef QXCORE_TRANSLATE_INTERCEPTION_RESOURCE_RECORDS_H
+#define QXCORE_TRANSLATE_INTERCEPTION_RESOURCE_RECORDS_H
+
+#include "translate/places/module_name.h"
 
 #include <qxcore/listitem.h>
 #include <qxcore/platform.h>
 
 #include <atomic>
 #include <cstdint>
+
+namespace qx {
 
 // The resource types that get a record.
 enum : uint64_t { kMenuType = 4, kDialogType = 5, kStringTableType = 6 };
@@ -21,12 +25,17 @@ struct QX_RESITEM : QX_LISTITEM {
     void* block;     // the translated resource; null until built
     uint32_t size;   // of the block, in bytes
     int32_t hash;    // HashResourceKey of the key; 0 without a name
-    char key[128];   // empty without a name; a longer key makes a longer record
+    // Empty without a name; a longer key makes a longer record. Behind it stands the resource that
+    // the block was made from.
+    char key[128];
 };
 
 // The record of a found resource, one for each real handle and module. A null handle, and the
 // handle of any other type, comes back as it is. A wide name is taken as the bytes it consists of.
-HRSRC WrapResource(HRSRC handle, HMODULE module, const void* name, const void* type);
+//
+// A record stays when its module goes, but it speaks for that module only: a module that comes to
+// the same address gets records of its own where its name or its resources are others.
+HRSRC WrapResource(HRSRC handle, ModuleName& module, const void* name, const void* type);
 
 // The one found last: hosts find, measure and load one resource after the other. Threads that only
 // look records up may do so side by side, each with what it has read here once.
@@ -58,5 +67,7 @@ HGLOBAL LoadRecord(QX_RESITEM* record);
 
 // Frees all records. Their blocks stay, since a host may hold them.
 void FreeResourceRecords();
+
+}  // namespace qx
 
 #endif

@@ -1,13 +1,13 @@
 #include "translate/places/context_key.h"
 
 #include "translate/dictionary/dictionary.h"
-#include "translate/places/module_name.h"
 
 #include <algorithm>
 #include <charconv>
-#include <climits>
+#include <cstdint>
 #include <cstring>
-#include <intrin.h>
+
+namespace qx {
 
 namespace {
 
@@ -29,12 +29,12 @@ private:
 // Puts texts one behind the other into a buffer, as far as they fit, and counts them whole.
 class KeyWriter {
 public:
-    KeyWriter(char* buffer, unsigned size) : m_buffer(buffer), m_room(size ? size - 1 : 0) {
+    KeyWriter(char* buffer, size_t size) : m_buffer(buffer), m_room(size ? size - 1 : 0) {
         if (size) *buffer = 0;
     }
     KeyWriter& operator<<(const char* text) {
-        auto size = static_cast<unsigned>(strlen(text));
-        unsigned fits = std::min(size, m_room);
+        size_t size = strlen(text);
+        size_t fits = std::min(size, m_room);
         if (fits) {
             memcpy(m_buffer, text, fits);
             m_buffer += fits;
@@ -44,12 +44,12 @@ public:
         m_written += size;
         return *this;
     }
-    unsigned Written() const { return m_written; }
+    size_t Written() const { return m_written; }
 
 private:
     char* m_buffer;
-    unsigned m_room;
-    unsigned m_written = 0;
+    size_t m_room;
+    size_t m_written = 0;
 };
 
 // The text hash continued over a few characters, which a call would cost more than.
@@ -59,19 +59,13 @@ constexpr unsigned ContinueHash(unsigned hash, const char* text) {
     return hash;
 }
 
-// Clears what is left of a buffer. Short ends are what there is, and the runtime's function is slow
-// with them.
-void ClearEnd(char* end, size_t size) {
-    __stosb(reinterpret_cast<unsigned char*>(end), 0, size);
-}
-
 }  // namespace
 
-unsigned WriteResourceKey(HMODULE module, const void* id, char* buffer, unsigned size, int kind) {
-    ModuleName name(module);
-    if (!name.Text()) return 0;
+size_t WriteResourceKey(ModuleName& module, const void* id, char* buffer, size_t size, int kind) {
+    const char* name = module.Text();
+    if (!name) return 0;
     KeyWriter key(buffer, size);
-    key << name.Text() << "#" << Digits(kind).Text() << "#";
+    key << name << "#" << Digits(kind).Text() << "#";
     if (IS_INTRESOURCE(id)) {
         key << Digits(static_cast<int>(reinterpret_cast<UINT_PTR>(id))).Text();
     } else {
@@ -81,21 +75,13 @@ unsigned WriteResourceKey(HMODULE module, const void* id, char* buffer, unsigned
     return key.Written();
 }
 
-void MakeResourceKey(HMODULE module, const void* id, char* buffer, int kind) {
-    WriteResourceKey(module, id, buffer, UINT_MAX, kind);
-}
-
-int HashResourceKey(const char* key) {
-    return static_cast<int>(QXHashFolded(key ? key : "").hash);
-}
-
 PlaceHash PlaceOfKey(const char* key) {
     if (!key || !*key) return std::nullopt;
     return QXHashText(key).hash;
 }
 
-PlaceHash PlaceOfStrings(HMODULE module, unsigned block) {
-    PlaceHash name = ModuleNameHash(module);
+PlaceHash PlaceOfStrings(ModuleName& module, unsigned block) {
+    PlaceHash name = module.Hash();
     if (!name) return std::nullopt;
     static_assert(QXKEY_STRINGS == 3);
     unsigned hash = ContinueHash(*name, "#3#");
@@ -122,15 +108,26 @@ unsigned int TranslateBufferAt(char* buffer, unsigned int size, PlaceHash place,
     if (measureOnly || translation == buffer) return length;
     unsigned copied = std::min(length, size);
     memcpy(buffer, translation, copied);
-    ClearEnd(buffer + copied, size - copied);
+    memset(buffer + copied, 0, size - copied);
     return length;
 }
 
+}  // namespace qx
+
+void MakeResourceKey(HMODULE module, const void* id, char* buffer, int kind) {
+    qx::ModuleName name(module);
+    qx::WriteResourceKey(name, id, buffer, SIZE_MAX, kind);
+}
+
+int HashResourceKey(const char* key) {
+    return static_cast<int>(QXHashFolded(key ? key : "").hash);
+}
+
 const char* TranslateInContext(const char* text, const char* key) {
-    return TranslateAt(text, PlaceOfKey(key));
+    return qx::TranslateAt(text, qx::PlaceOfKey(key));
 }
 
 unsigned int TranslateBufferInContext(char* buffer, unsigned int size, const char* key,
                                       int bMeasureOnly) {
-    return TranslateBufferAt(buffer, size, PlaceOfKey(key), bMeasureOnly);
+    return qx::TranslateBufferAt(buffer, size, qx::PlaceOfKey(key), bMeasureOnly);
 }

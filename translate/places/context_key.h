@@ -1,10 +1,14 @@
 // Context keys: where in a module a text stands, and the lookups for such a place.
-#ifndef QXCORE_TRANSLATE_CONTEXT_KEY_H
-#define QXCORE_TRANSLATE_CONTEXT_KEY_H
+#ifndef QXCORE_TRANSLATE_PLACES_CONTEXT_KEY_H
+#define QXCORE_TRANSLATE_PLACES_CONTEXT_KEY_H
+
+#include "translate/places/module_name.h"
 
 #include <qxcore/dictionary.h>
 
 #include <optional>
+
+namespace qx {
 
 // What a place adds to the hash of a text there: the text hash of its context key. Entries are
 // found by their hash alone, so key and text need never be put together. Nothing: no place.
@@ -13,14 +17,29 @@ using PlaceHash = std::optional<unsigned>;
 // Of a key that is written out; null and empty are no place.
 PlaceHash PlaceOfKey(const char* key);
 // Of a string table block, without writing its key.
-PlaceHash PlaceOfStrings(HMODULE module, unsigned block);
+PlaceHash PlaceOfStrings(ModuleName& module, unsigned block);
 
 // MakeResourceKey into a buffer of `size` bytes; a key that does not fit is cut. Answers the bytes
 // of the whole key; 0 when nothing was written.
-unsigned WriteResourceKey(HMODULE module, const void* id, char* buffer, unsigned size, int kind);
+size_t WriteResourceKey(ModuleName& module, const void* id, char* buffer, size_t size, int kind);
+
+// The context key of a resource, for as long as one call needs it.
+class ResourceKey {
+public:
+    // Empty when the module has no path.
+    ResourceKey(ModuleName& module, const void* name, int kind) {
+        WriteResourceKey(module, name, m_text, sizeof m_text, kind);
+    }
+    operator const char*() const { return m_text; }
+
+private:
+    char m_text[1024] = "";  // the name of a module and a resource name; a longer one is cut
+};
 
 // TranslateInContext and TranslateBufferInContext.
 const char* TranslateAt(const char* text, PlaceHash place);
 unsigned int TranslateBufferAt(char* buffer, unsigned int size, PlaceHash place, int measureOnly);
+
+}  // namespace qx
 
 #endif

@@ -1,72 +1,125 @@
 #include "translate/places/module_name.h"
 
-#include "translate/places/loaded_modules.h"
+#include "strings/characters.h"
 
 #include <qxcore/hash.h>
 
-#include <mbctype.h>
+#include <psapi.h>
 
-#include <atomic>
 #include <cstdint>
+#include <cstring>
+
+namespace qx {
+
+constinit HMODULE g_program = nullptr;
 
 namespace {
 
-// Behind the last ":", "\" or "/"; null without one. A trail byte may look like a backslash.
-const char* BehindLastSeparator(const char* path) {
-    const char* behind = nullptr;
-    for (; *path; ++path) {
-        if (_ismbblead(static_cast<unsigned char>(*path)) && path[1]) {
-            ++path;
-        } else if (*path == ':' || *path == '\\' || *path == '/') {
-            behind = path + 1;
-        }
+constinit char g_programName[260 + 1] = "";
+constinit std::optional<unsigned> g_programHash;
+
+bool IsSeparator(wchar_t c) {
+    return c == L':' || c == L'\\' || c == L'/';
+}
+
+// Four characters at a time: paths are long beside the names at their ends.
+bool IsAscii(const wchar_t* text, size_t length) {
+    static_assert(sizeof(wchar_t) == 2);
+    uint64_t bits = 0;
+    size_t at = 0;
+    for (; at + 4 <= length; at += 4) {
+        uint64_t four;
+        memcpy(&four, text + at, sizeof four);
+        bits |= four;
     }
-    return behind;
-}
-
-// One word a module, so that it is read and written whole: the upper half says which module, the
-// lower its hash.
-constexpr unsigned kSlots = 64;
-constinit std::atomic<uint64_t> g_hashes[kSlots] = {};
-
-constexpr unsigned kModuleAlignment =
-    16;  // bits; handles of modules mapped as data have low bits set
-
-// Never 0. Null, the program, is a module like others.
-uint64_t ModuleMark(HMODULE module) {
-    return ((reinterpret_cast<uintptr_t>(module) >> kModuleAlignment) + 1) << 32;
-}
-
-bool CanBeKept(HMODULE module) {
-    auto address = reinterpret_cast<uintptr_t>(module);
-    return ModuleGeneration() && !(address & ((1u << kModuleAlignment) - 1)) &&
-           address >> kModuleAlignment < UINT32_MAX;
-}
-
-std::optional<unsigned> AskForHash(HMODULE module) {
-    ModuleName name(module);
-    if (!name.Text()) return std::nullopt;
-    return QXHashText(name.Text()).hash;
+    for (; at < length; ++at) bits |= text[at];
+    return (bits & 0xFF80'FF80'FF80'FF80) == 0;
 }
 
 }  // namespace
 
-ModuleName::ModuleName(HMODULE module) {
-    m_path[GetModuleFileNameA(module, m_path, sizeof m_path - 1)] = 0;
-    m_name = BehindLastSeparator(m_path);
+void StartModuleNames() {
+    HMODULE program = GetModuleHandleA(nullptr);
+    ModuleName name(program);
+    if (!name.Text()) return;
+    strcpy(g_programName, name.Text());
+    g_programHash = name.Hash();
+    g_program = program;
 }
 
-std::optional<unsigned> ModuleNameHash(HMODULE module) {
-    if (!CanBeKept(module)) return AskForHash(module);
-    uint64_t mark = ModuleMark(module);
-    auto& slot = g_hashes[(mark >> 32) % kSlots];
-    uint64_t kept = slot.load(std::memory_order_relaxed);
-    if (kept >> 32 == mark >> 32) return static_cast<unsigned>(kept);
-    auto hash = AskForHash(module);
-    if (hash) slot.store(mark | *hash, std::memory_order_relaxed);
-    return hash;
+const char* ModuleName::Text() {
+    if (IsProgram()) return g_programName;
+    if (!m_isAsked) Ask();
+    return m_text;
 }
 
-void ForgetModuleNames() {
-    for (auto& hash : g_hashes) hash.store(0, std::memory_order_relaxed);
+std::optional<unsigned> ModuleName::Hash() {
+    if (IsProgram()) return g_programHash;
+    if (!m_isAsked) Ask();
+    if (!m_text) return std::nullopt;
+    return QXHashText(m_text).hash;
 }
+
+bool ModuleName::Is(const char* name) {
+    const char* text = Text();
+    return text && !_stricmp(text, name);
+}
+
+// The wide path comes at less than half the cost of the narrow one, and says the same where all of
+// it is ASCII.
+void ModuleName::Ask() {
+    DWORD lastError = GetLastError();
+    m_isAsked = true;
+    wchar_t path[kPathSize];
+    DWORD length = GetModuleFileNameW(m_module, path, kPathSize);
+    if (length < kPathSize && IsAscii(path, length)) {
+        TakeAsciiPath(path, length);
+    } else {
+        AskForNarrowPath();
+    }
+    SetLastError(lastError);
+}
+
+void ModuleName::TakeAsciiPath(const wchar_t* path, size_t length) {
+    size_t first = length;
+    while (first && !IsSeparator(path[first - 1])) --first;
+    if (!first) return;
+    size_t size = length - first;
+    for (size_t i = 0; i < size; ++i) m_path[i] = static_cast<char>(path[first + i]);
+    m_path[size] = 0;
+    m_text = m_path;
+}
+
+void ModuleName::AskForNarrowPath() {
+    m_path[GetModuleFileNameA(m_module, m_path, kPathSize)] = 0;
+    const char* separator = Characters::OfRuntime().FindLastAny(m_path, ":\\/");
+    m_text = separator ? separator + 1 : nullptr;
+}
+
+LoadedModules::LoadedModules() {
+    DWORD bytes = 0;
+    m_isWhole = K32EnumProcessModules(GetCurrentProcess(), m_modules, sizeof m_modules, &bytes) &&
+                bytes <= sizeof m_modules;
+    if (m_isWhole) m_count = bytes / sizeof(HMODULE);
+}
+
+HMODULE LoadedModules::Find(const char* name) const {
+    return !m_isWhole || MayHold(name) ? GetModuleHandleA(name) : nullptr;
+}
+
+// The system takes a name without an extension for a DLL's.
+bool LoadedModules::MayHold(const char* name) const {
+    size_t length = strlen(name);
+    bool isBare = !strchr(name, '.');
+    for (DWORD i = 0; i < m_count; ++i) {
+        ModuleName module(m_modules[i]);
+        const char* text = module.Text();
+        // A module whose path is not to be had may be any.
+        if (!text) return true;
+        if (!_strnicmp(text, name, length) && !_stricmp(text + length, isBare ? ".dll" : ""))
+            return true;
+    }
+    return false;
+}
+
+}  // namespace qx

@@ -1,26 +1,25 @@
 #include "translate/resources/template_walk.h"
 
-#include "translate/resources/word_at.h"
-
-#include <qxcore/platform.h>
+namespace qx {
 
 namespace {
 
 constexpr uint16_t kOrdinal = 0xFFFF;  // begins a field that is a number
 constexpr uint16_t kButtonAtom = 0x0080;
 constexpr uint16_t kStaticAtom = 0x0082;
+constexpr uint16_t kHasFont = 0x40;  // of the style: DS_SETFONT
 constexpr size_t kWord = sizeof(uint16_t);
 
 // Takes part after part; past the end nothing more is taken.
 class TemplateReader {
 public:
-    explicit TemplateReader(TemplateBytes dialog) : at(dialog.data), left(dialog.size) {}
+    explicit TemplateReader(TemplateBytes dialog) : m_at(dialog.data), m_left(dialog.size) {}
 
     bool Take(size_t size, TemplatePart* part) {
-        if (size > left) return false;
-        *part = {at, size};
-        at += size;
-        left -= size;
+        if (size > m_left) return false;
+        *part = {m_at, size};
+        m_at += size;
+        m_left -= size;
         return true;
     }
     // A wide text with its terminator.
@@ -28,28 +27,28 @@ public:
         size_t size = 0;
         do {
             size += kWord;
-            if (size > left) return false;
-        } while (WordAt(at + size - kWord) != 0);
+            if (size > m_left) return false;
+        } while (WordAt(m_at + size - kWord) != 0);
         return Take(size, part);
     }
     // A text, or the mark of a number with the number.
     bool TakeField(TemplatePart* part) {
-        if (left >= kWord && WordAt(at) == kOrdinal) return Take(2 * kWord, part);
+        if (m_left >= kWord && WordAt(m_at) == kOrdinal) return Take(2 * kWord, part);
         return TakeText(part);
     }
     bool TakeCreationData(TemplatePart* part) {
-        return left >= kWord && Take(kWord + WordAt(at), part);
+        return m_left >= kWord && Take(kWord + WordAt(m_at), part);
     }
     // To the next address that is a multiple of 4.
     bool Align() {
         TemplatePart gap;
-        return Take((0 - reinterpret_cast<uintptr_t>(at)) % 4, &gap);
+        return Take((0 - reinterpret_cast<uintptr_t>(m_at)) % 4, &gap);
     }
-    const uint8_t* At() const { return at; }
+    const uint8_t* At() const { return m_at; }
 
 private:
-    const uint8_t* at;
-    size_t left;
+    const uint8_t* m_at;
+    size_t m_left;
 };
 
 bool IsNumber(TemplatePart field) {
@@ -72,18 +71,18 @@ bool TakeControl(TemplateReader& reader, const TemplateForm& form, TemplateContr
     return true;
 }
 
-bool WalkHead(TemplateReader& reader, TemplatePass& pass) {
+bool WalkHead(TemplateReader& reader, const TemplateForm& form, TemplateVisitor& visitor) {
     const uint8_t* start = reader.At();
     TemplatePart head, menu, windowClass, caption, words, face;
-    if (!reader.Take(pass.form.head, &head) || !reader.TakeField(&menu) ||
+    if (!reader.Take(form.head, &head) || !reader.TakeField(&menu) ||
         !reader.TakeField(&windowClass))
         return false;
-    pass.Head({start, static_cast<size_t>(reader.At() - start)});
+    visitor.Head({start, static_cast<size_t>(reader.At() - start)});
     if (!reader.TakeText(&caption)) return false;
-    pass.Caption(caption);
-    if ((WordAt(start + pass.form.style) & DS_SETFONT) == 0) return true;
-    if (!reader.Take(pass.form.fontWords * kWord, &words) || !reader.TakeText(&face)) return false;
-    pass.Font(words, face);
+    visitor.Caption(caption);
+    if ((WordAt(start + form.style) & kHasFont) == 0) return true;
+    if (!reader.Take(form.fontWords * kWord, &words) || !reader.TakeText(&face)) return false;
+    visitor.Font(words, face);
     return true;
 }
 
@@ -99,21 +98,17 @@ const TemplateForm& FormOf(TemplateBytes dialog) {
     return isExtended ? kExtendedForm : kClassicForm;
 }
 
-bool WalkTemplate(TemplateBytes dialog, TemplatePass& pass) {
+TemplateWalk WalkTemplate(TemplateBytes dialog, TemplateVisitor& visitor) {
+    const TemplateForm& form = FormOf(dialog);
     TemplateReader reader(dialog);
-    if (!WalkHead(reader, pass)) return false;
-    unsigned count = ControlCount(dialog, pass.form);
+    if (!WalkHead(reader, form, visitor)) return {};
+    unsigned count = ControlCount(dialog, form);
     for (unsigned i = 0; i < count; ++i) {
         TemplateControl control;
-        if (!TakeControl(reader, pass.form, &control)) {
-            SetWordAt(pass.out.Data() + pass.form.count, static_cast<uint16_t>(i));
-            break;
-        }
-        pass.out.Align();
-        pass.ControlHead(i, control.head);
-        pass.out.Append(control.windowClass.data, control.windowClass.size);
-        pass.Title(control);
-        pass.out.Append(control.creation.data, control.creation.size);
+        if (!TakeControl(reader, form, &control)) return {true, i, false};
+        visitor.Control(i, control);
     }
-    return true;
+    return {true, count, true};
 }
+
+}  // namespace qx

@@ -1,9 +1,32 @@
-// The one walk over a dialog template, of either form, that all passes share.
-#ifndef QXCORE_TRANSLATE_TEMPLATE_WALK_H
-#define QXCORE_TRANSLATE_TEMPLATE_WALK_H
+// The one walk over a dialog template, of either published form. It reads and translates nothing
+// and asks nothing of the system, so programs for other systems use it as it is.
+#ifndef QXCORE_TRANSLATE_RESOURCES_TEMPLATE_WALK_H
+#define QXCORE_TRANSLATE_RESOURCES_TEMPLATE_WALK_H
 
-#include "translate/resources/dialog_buffer.h"
-#include "translate/resources/dialog_template.h"
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace qx {
+
+// A 16-bit word at any address: parts of templates and resources need not be aligned.
+inline uint16_t WordAt(const void* at) {
+    uint16_t word;
+    memcpy(&word, at, sizeof word);
+    return word;
+}
+inline void SetWordAt(void* at, uint16_t word) {
+    memcpy(at, &word, sizeof word);
+}
+
+// A template with the bytes that may be read of it. One whose length nobody knows is taken as
+// sound.
+struct TemplateBytes {
+    const uint8_t* data;
+    size_t size;
+
+    static constexpr size_t kUnknownSize = SIZE_MAX / 2;
+};
 
 // Where the two published forms differ; offsets in bytes.
 struct TemplateForm {
@@ -19,6 +42,8 @@ struct TemplateForm {
 inline constexpr TemplateForm kClassicForm = {0, 8, 2, 14, 18, 1, 18, 8};
 inline constexpr TemplateForm kExtendedForm = {12, 16, 1, 22, 26, 3, 24, 12};
 
+const TemplateForm& FormOf(TemplateBytes dialog);
+
 // A part of the template, as it stands there.
 struct TemplatePart {
     const uint8_t* data;
@@ -33,30 +58,28 @@ struct TemplateControl {
     bool isTranslatable;    // a button or static by its atom, with a title that is a text
 };
 
-// What a pass does with the parts; a pass that leaves one out copies it.
-class TemplatePass {
+// What is told of the parts, in their order.
+class TemplateVisitor {
 public:
-    TemplatePass(CDlgBuffer& out, const TemplateForm& form) : out(out), form(form) {}
-
-    virtual void Head(TemplatePart part) { Copy(part); }  // with menu and class
-    virtual void Caption(TemplatePart part) { Copy(part); }
-    virtual void Font(TemplatePart words, TemplatePart face) { Copy(words), Copy(face); }
-    virtual void ControlHead(unsigned, TemplatePart part) { Copy(part); }
-    virtual void Title(const TemplateControl& control) { Copy(control.title); }
-
-    CDlgBuffer& out;
-    const TemplateForm& form;
+    virtual void Head(TemplatePart part) = 0;  // with the menu and class fields
+    virtual void Caption(TemplatePart text) = 0;
+    virtual void Font(TemplatePart words, TemplatePart face) = 0;  // of a dialog that asks for one
+    virtual void Control(unsigned index, const TemplateControl& control) = 0;
 
 protected:
-    ~TemplatePass() = default;
-    void Copy(TemplatePart part) { out.Append(part.data, part.size); }
+    ~TemplateVisitor() = default;
 };
 
-const TemplateForm& FormOf(TemplateBytes dialog);
+// How far a walk came.
+struct TemplateWalk {
+    bool hasHead;       // all before the controls is there
+    unsigned controls;  // those that are whole
+    bool isWhole;       // all controls that the template counts are
+};
 
-// Runs a pass over all controls that the template counts. False, with what was written to be
-// forgotten, when the bytes end before the controls; when they end among these, the output holds,
-// and counts, those that are whole.
-bool WalkTemplate(TemplateBytes dialog, TemplatePass& pass);
+// Nothing behind the bytes is read: a template that ends too early ends the walk.
+TemplateWalk WalkTemplate(TemplateBytes dialog, TemplateVisitor& visitor);
+
+}  // namespace qx
 
 #endif

@@ -1,14 +1,16 @@
+#include "strings/characters.h"
 #include "translate/dictionary/dictionary.h"
-#include "strings/text_buffer.h"
 
 #include <cstring>
+
+namespace qx {
 
 namespace {
 
 void TranslateWindowText(CWld& dictionary, HWND window) {
     char text[1024] = "";
     GetWindowTextA(window, text, sizeof text);
-    EndAtWholeCharacter(text, sizeof text);
+    Characters::OfRuntime().EndAtWholeCharacter(text, sizeof text);
     dictionary.Translate(text, static_cast<unsigned>(sizeof text));
     SetWindowTextA(window, text);
 }
@@ -27,10 +29,12 @@ BOOL CALLBACK TranslateChild(HWND child, LPARAM font) {
 
 }  // namespace
 
+}  // namespace qx
+
 // Children take their texts from g_Wld, also when this is another dictionary.
 int CWld::Translate(HWND window) {
     if (!m_Contexts.count) return 1;
-    TranslateWindowText(*this, window);
-    EnumChildWindows(window, TranslateChild, reinterpret_cast<LPARAM>(m_hFont));
+    qx::TranslateWindowText(*this, window);
+    EnumChildWindows(window, qx::TranslateChild, reinterpret_cast<LPARAM>(m_hFont));
     return 1;
 }
