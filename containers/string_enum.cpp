@@ -2,6 +2,7 @@
 
 #include "strings/characters.h"
 
+#include <cassert>
 #include <cstring>
 
 namespace qx {
@@ -66,6 +67,7 @@ void Fill(QXTextArray& array, unsigned count, const char* bytes, size_t size) {
 }  // namespace qx
 
 void QXTextArray::Split(const char* separators, const char* text) {
+    assert(separators && !texts);
     const auto codePage = qx::Characters::OfRuntime();
     unsigned pieces = text ? qx::CountPieces(codePage, text, separators) : 0;
     if (!pieces) return;
@@ -75,6 +77,7 @@ void QXTextArray::Split(const char* separators, const char* text) {
 }
 
 void QXTextArray::CopyBlock(const char* block) {
+    assert(!texts);
     if (!block || !*block) return;
     unsigned found = 0;
     const char* end = block;

@@ -6,6 +6,8 @@
 
 #include <qxcore/string.h>
 
+#include <cassert>
+
 template <class S, class Ch>
 int CTString<S, Ch>::GetLength() const {
     return static_cast<int>(qx::TextOf<Ch>::Count(data));
@@ -40,6 +42,7 @@ wchar_t CTString<S, Ch>::GetAt(int n) const {
 
 template <class S, class Ch>
 int CTString<S, Ch>::Copy(Ch* buf) const {
+    assert(buf);
     int size = GetSize();
     memcpy(buf, data, (size + 1) * sizeof(Ch));
     return size;
@@ -47,6 +50,7 @@ int CTString<S, Ch>::Copy(Ch* buf) const {
 
 template <class S, class Ch>
 int CTString<S, Ch>::Copy(Ch* buf, int n) const {
+    assert(buf);
     int size = GetSize(n);
     memcpy(buf, data, size * sizeof(Ch));
     buf[size] = 0;
@@ -56,6 +60,7 @@ int CTString<S, Ch>::Copy(Ch* buf, int n) const {
 template <class S, class Ch>
 int CTString<S, Ch>::CopyFit(Ch* buf, int size) const {
     if (size < 1) return 0;
+    assert(buf);
     int room = size - 1;
     int own = GetSize();
     int fit = static_cast<int>(qx::TextOf<Ch>::Fit(data, own < room ? own : room));

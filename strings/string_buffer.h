@@ -8,6 +8,7 @@
 #include <qxcore/string.h>
 
 #include <algorithm>
+#include <cassert>
 #include <climits>
 #include <new>
 
@@ -89,6 +90,7 @@ void CTString<S, Ch>::ConcatCopyTo(size_t at, const Ch* s, size_t n) {
 // Puts n units behind the first `at` ones, which the text has, and ends it there.
 template <class S, class Ch>
 void CTString<S, Ch>::EndWith(size_t at, const Ch* s, size_t n) {
+    assert(s || !n);
     size_t room = qx::RoomFor(at, n);
     S store;
     s = Aside(s, n, store);

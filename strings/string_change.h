@@ -7,6 +7,7 @@
 #include <qxcore/string.h>
 
 #include <algorithm>
+#include <cassert>
 #include <climits>
 #include <cstdint>
 
@@ -80,6 +81,7 @@ S& CTString<S, Ch>::Replace(int pos, int count, const Ch* s) {
 // REQUIRES: s does not lie in the own text.
 template <class S, class Ch>
 void CTString<S, Ch>::ReplaceUnits(size_t from, size_t to, const Ch* s, size_t n) {
+    assert(s < data || s > data + Header()->alloc);
     size_t size = GetSize();
     ReallocBuffer(std::max(size, size - (to - from) + n) + 1);
     memmove(data + from + n, data + to, (size - to + 1) * sizeof(Ch));

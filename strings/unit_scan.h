@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <emmintrin.h>
@@ -42,7 +43,9 @@ class BlockWalk {
 public:
     explicit BlockWalk(const Ch* s)
         : m_block(reinterpret_cast<const Ch*>(reinterpret_cast<uintptr_t>(s) & ~kMask)),
-          m_mask(~0u << (reinterpret_cast<uintptr_t>(s) & kMask)) {}
+          m_mask(~0u << (reinterpret_cast<uintptr_t>(s) & kMask)) {
+        assert(reinterpret_cast<uintptr_t>(s) % sizeof(Ch) == 0);
+    }
 
     UnitBlock<Ch> Block() const { return UnitBlock<Ch>(m_block); }
     // Leaves out what lies before the text.
@@ -138,8 +141,9 @@ const Ch* ScanForUnit(const Ch* s, Ch c) {
 // The first place where `what` stands, or null. REQUIRES: `what` is not empty.
 template <class Ch>
 const Ch* ScanForText(const Ch* s, const Ch* what) {
-    constexpr unsigned kLastUnit = 0xFFFFu
-                                   << (16 - sizeof(Ch));  // the unit after it is in the next block
+    assert(*what);
+    // The unit behind this one is in the next block.
+    constexpr unsigned kLastUnit = 0xFFFFu << (16 - sizeof(Ch));
     if (!what[1]) return ScanForUnit(s, what[0]);
     for (BlockWalk<Ch> walk(s);; walk.Next()) {
         UnitBlock<Ch> block = walk.Block();
