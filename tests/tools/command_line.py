@@ -1,0 +1,122 @@
+#!/usr/bin/env python3
+"""The command line: exit codes, sentences, files written whole or not at all. command_line.py BIN"""
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+BIN = pathlib.Path(sys.argv.pop(1)).resolve() / "qxtranslate"
+WINE = pathlib.Path("/usr/lib/x86_64-linux-gnu/wine/x86_64-windows")
+GOOD = 'msgid "Open"\nmsgstr "Auf"\n'
+
+
+class CommandLine(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.dir = pathlib.Path(self.folder.name)
+
+    def file(self, name, content):
+        path = self.dir / name
+        path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return path
+
+    def run_tool(self, *words):
+        return subprocess.run([BIN, *map(str, words)], capture_output=True, timeout=60, cwd=self.dir)
+
+    def fails(self, *words):
+        before = sorted(self.dir.iterdir())
+        result = self.run_tool(*words)
+        self.assertEqual(result.returncode, 2, result)
+        self.assertEqual(result.stderr.count(b"\n"), 1, result.stderr)
+        self.assertEqual(result.stdout, b"")
+        self.assertEqual(sorted(self.dir.iterdir()), before)
+        return result.stderr.decode()
+
+    def test_help_and_version_are_results(self):
+        for words in (["--help"], ["--version"], ["harvest", "--help"]):
+            result = self.run_tool(*words)
+            self.assertEqual((result.returncode, result.stderr), (0, b""))
+            self.assertTrue(result.stdout)
+
+    def test_wrong_usage_is_one_sentence(self):
+        self.fails()
+        self.fails("dance")
+        self.fails("harvest")
+        self.fails("build", self.file("a.po", GOOD))
+        self.fails("audit", WINE / "notepad.exe", "--format", "xml")
+        self.fails("harvest", WINE / "notepad.exe", "--language", "german")
+        self.fails("harvest", WINE / "notepad.exe", "--pair", "0x409")
+
+    def test_files_that_cannot_be_read_are_named(self):
+        for verb in ("harvest", "audit", "check", "export"):
+            self.assertIn("gone.po", self.fails(verb, "gone.po"))
+            self.assertIn("cannot be read", self.fails(verb, self.dir))
+
+    def test_other_files_are_no_programs(self):
+        text = self.file("a.txt", "hello " * 100)
+        for verb in ("harvest", "audit"):
+            self.assertIn("is no Windows program", self.fails(verb, text))
+
+    def test_wrong_syntax_is_told_with_its_line(self):
+        bad = self.file("bad.po", GOOD + "\nmsgid x\n")
+        for words in (["check", bad], ["build", bad, "--codepage", "1252"], ["export", bad]):
+            self.assertIn("bad.po: line 4:", self.fails(*words, "-o", "out"))
+
+    def test_two_translations_of_one_entry_are_refused(self):
+        self.assertIn("line 3", self.fails("export", self.file("a.po", GOOD + GOOD)))
+
+    def test_an_unknown_code_page_is_refused(self):
+        self.assertIn("4711", self.fails("build", self.file("a.po", GOOD), "--codepage", "4711", "-o", "a.wld"))
+
+    def test_a_full_disk_leaves_no_file(self):
+        po = self.file("a.po", GOOD)
+        with open("/dev/full", "w") as full:
+            result = subprocess.run([BIN, "export", po], stdout=full, stderr=subprocess.PIPE)
+        self.assertEqual(result.returncode, 2)
+        self.assertIn(b"cannot be written", result.stderr)
+        self.assertIn("cannot be written", self.fails("export", po, "-o", "no/such/folder/a.csv"))
+
+    def test_what_is_written_replaces_the_old_file_whole(self):
+        po = self.file("a.po", GOOD)
+        out = self.file("a.csv", "old")
+        self.assertEqual(self.run_tool("export", po, "-o", out).returncode, 0)
+        self.assertEqual(out.read_bytes().splitlines()[1], b",Open,Auf,translated,,,")
+        self.assertEqual(sorted(p.name for p in self.dir.iterdir()), ["a.csv", "a.po"])
+
+    def test_check_tells_findings_by_its_exit_code(self):
+        self.assertEqual(self.run_tool("check", self.file("a.po", GOOD)).returncode, 0)
+        bad = self.run_tool("check", self.file("b.po", 'msgid "%s"\nmsgstr "%d"\n'))
+        self.assertEqual(bad.returncode, 1)
+        self.assertIn(b"b.po:1: error:", bad.stdout)
+
+    def test_build_and_import_are_each_others_way_back(self):
+        po = self.file("a.po", 'msgid "Open\\tCtrl+O"\nmsgstr "Öffnen\\tStrg+O"\n')
+        self.assertEqual(self.run_tool("build", po, "--codepage", "1252", "-o", "a.wld").returncode, 0)
+        self.assertEqual((self.dir / "a.wld").read_bytes(), b'"Open\\tCtrl+O"\r\n"\xd6ffnen\\tStrg+O"\r\n')
+        back = self.run_tool("import", "a.wld", "--codepage", "1252").stdout.decode()
+        self.assertIn('msgid "Open\\tCtrl+O"\nmsgstr "Öffnen\\tStrg+O"\n', back)
+
+    def test_every_result_has_its_three_forms(self):
+        for words in (["audit", WINE / "notepad.exe"], ["export", self.file("a.po", GOOD)]):
+            for form in ("text", "json", "csv"):
+                result = self.run_tool(*words, "--format", form)
+                self.assertEqual(result.returncode, 0)
+                self.assertTrue(result.stdout)
+
+    def test_three_files_cut_at_every_byte_end_in_a_result_or_a_sentence(self):
+        # A step that is prime visits bytes of every kind; the model's own tests cut small files at each.
+        program = (WINE / "winver.exe").read_bytes()
+        for name, whole, words in (
+                ("a.exe", program[:3000], ["harvest"]),
+                ("a.po", GOOD.encode() * 1, ["check"]),
+                ("a.wld", b'"Open"\r\n"Auf"\r\n', ["import", "--codepage", "1252"])):
+            for size in range(0, len(whole), 1 if len(whole) < 200 else 97):
+                result = self.run_tool(words[0], self.file(name, whole[:size]), *words[1:])
+                self.assertIn(result.returncode, (0, 2), (name, size, result))
+                self.assertEqual(result.returncode == 2, bool(result.stderr))
+
+
+unittest.main(argv=sys.argv[:1] + ["-q"] + sys.argv[1:])
