@@ -1,5 +1,6 @@
 #include "objects/class_registry.h"
 
+#include <cstring>
 #include <memory>
 #include <new>
 
@@ -26,30 +27,47 @@ QXCreator FindCreator(HINSTANCE module, const char* name) {
     return reinterpret_cast<QXCreator>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-CXString LastErrorText() {
-    char text[260] = "";
-    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                   GetLastError(), 0, text, sizeof text, nullptr);
-    return CXString(text);
+// The full name of a module file by the system's search order. False if there is none, or a longer
+// one than a module is loaded from.
+bool FindModuleFile(const char* path, CXString& found) {
+    char buffer[512];
+    DWORD length = SearchPathA(nullptr, path, nullptr, sizeof buffer, buffer, nullptr);
+    if (length == 0 || length >= sizeof buffer) return false;
+    found = buffer;
+    return true;
+}
+
+CRegistryEntry* FindClass(const char* name) {
+    CRegistryEntry** entry = Classes().Find(name);
+    return entry ? *entry : nullptr;
+}
+
+// Loads the module of a class. False if it cannot be loaded; the next call tries again.
+bool LoadModuleOf(const char* name, const CRegistryEntry& entry) {
+    // A module that starts may forget and register classes, this one among them: what is needed is
+    // copied first, and the entry is looked for anew.
+    CXString path(entry.path), entryName(entry.entryName);
+    HINSTANCE module = LoadLibraryA(path);
+    if (!module) return false;
+    QXCreator creator = FindCreator(module, entryName);
+    CRegistryEntry* present = FindClass(name);
+    if (present && !present->module && strcmp(present->path, path) == 0) {
+        present->module = module;
+        present->creator = creator;
+    }
+    return true;
+}
+
+// The creator of a class, or null. An entry point that was missing is not looked for again.
+QXCreator CreatorOf(const char* name) {
+    while (CRegistryEntry* entry = FindClass(name)) {
+        if (entry->module) return entry->creator;
+        if (!LoadModuleOf(name, *entry)) return nullptr;
+    }
+    return nullptr;
 }
 
 }  // namespace
-
-CRegistryEntry::CRegistryEntry(const char* entryName, const char* path) : entryName(entryName) {
-    char found[512];
-    DWORD length = SearchPathA(nullptr, path, nullptr, sizeof found, found, nullptr);
-    if (length == 0 || length >= sizeof found) throw LastErrorText();
-    this->path = found;
-}
-
-bool CRegistryEntry::Resolve() {
-    if (!module) {
-        module = LoadLibraryA(path);
-        if (!module) return false;
-        creator = FindCreator(module, entryName);
-    }
-    return creator != nullptr;
-}
 
 void StartClassRegistry() {
     new (g_classes) ClassMap(kBuckets);
@@ -60,7 +78,7 @@ void StopClassRegistry() {
 }
 
 int IsRegisterObject(const char* name) {
-    return Classes().Find(name) != nullptr;
+    return FindClass(name) != nullptr;
 }
 
 int RegisterObject(const char* name, HINSTANCE module) {
@@ -74,11 +92,9 @@ int RegisterObject(const char* name, HINSTANCE module) {
 int RegisterObject(const char* name, const char* path) {
     if (IsRegisterObject(name)) return 1;
     if (Classes().destroyed) return 0;
-    try {
-        return AddClass(name, std::make_unique<CRegistryEntry>(name, path));
-    } catch (const CXString&) {
-        return 0;
-    }
+    CXString found;
+    if (!FindModuleFile(path, found)) return 0;
+    return AddClass(name, std::make_unique<CRegistryEntry>(name, found));
 }
 
 int UnregisterObject(const char* name) {
@@ -87,9 +103,8 @@ int UnregisterObject(const char* name) {
 
 int CreateObject(const char* name, IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {
     *out = nullptr;
-    CRegistryEntry** found = Classes().Find(name);
-    if (!found || !(*found)->Resolve()) return 0;
-    return (*found)->creator(outer, id, out);
+    QXCreator creator = CreatorOf(name);
+    return creator ? creator(outer, id, out) : 0;
 }
 
 int CreateObjectC(const char* name, IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {

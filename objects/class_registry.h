@@ -11,13 +11,8 @@ class CRegistryEntry {
 public:
     // A class of a loaded module.
     CRegistryEntry(HINSTANCE module, QXCreator creator) : module(module), creator(creator) {}
-    // A class of a module file, which is found now and loaded later. Throws the system's error
-    // text, a CXString, if there is no such file.
-    CRegistryEntry(const char* entryName, const char* path);
-
-    // Loads the module and finds the creator, each unless that is done. False if one of them
-    // failed: a module is tried again the next time, an entry point is not.
-    bool Resolve();
+    // A class of a module file that is loaded later.
+    CRegistryEntry(const char* entryName, const char* path) : path(path), entryName(entryName) {}
 
     HINSTANCE module = nullptr;   // null until loaded; never unloaded
     CXString path;                // the file's full name; empty for a class of a loaded module

@@ -1,5 +1,7 @@
+#include "core/stack_room.h"
 #include "objects/proxy.h"
 
+#include <qxcore/exception.h>
 #include <qxcore/reference.h>
 #include <qxcore/registry.h>
 #include <qxcore/stream.h>
@@ -14,12 +16,23 @@ constexpr int kSizeBytes = 4;
 // The class name at the start of a frame.
 class FrameName {
 public:
-    explicit FrameName(IXStream* stream)
-        : present(stream->ReadString(text, kNameBytes) && text[0]) {}
+    explicit FrameName(IXStream* stream) : present(Read(stream)) {}
 
-    char text[kNameBytes + 2] =
-        {};  // a stream may terminate a full text behind its end, or not at all
+    // A stream may terminate a full text behind its end, or not at all.
+    char text[kNameBytes + 2] = {};
     bool present;
+
+private:
+    // At their end some kinds of stream deliver an empty name and others raise: where no byte came
+    // there is no name either way, and a name that breaks off is a failure.
+    bool Read(IXStream* stream) {
+        try {
+            return stream->ReadString(text, kNameBytes) && text[0];
+        } catch (CXException& failure) {
+            if (failure.GetCode() != QXERR_EOF || text[0]) throw;
+            return false;
+        }
+    }
 };
 
 // The frame's own class, or a proxy for it, not loaded yet.
@@ -57,6 +70,8 @@ int WriteObjectToXStream(IXStream* stream, IPersistXStream* object) {
 
 int ReadObjectFromXStream(IXStream* stream, IQXUnknown** out) {
     *out = nullptr;
+    // A class whose payload holds frames comes back here, as deep as the stream says.
+    if (!qx::HasStackRoom()) throw CXException(QXERR_FORMAT);
     FrameName name(stream);
     if (!name.present) return 0;
     unsigned size = stream->ReadLong();

@@ -2,12 +2,10 @@
 #ifndef QXCORE_OBJECTS_SERVICE_CONTAINER_H
 #define QXCORE_OBJECTS_SERVICE_CONTAINER_H
 
-#include <qxcore/map.h>
+#include "objects/service_enum.h"
+
 #include <qxcore/platform.h>
 #include <qxcore/services.h>
-
-// Holds one reference on each object.
-using ServiceMap = CTMap<const char*, IQXUnknown*>;
 
 class CQXServiceContainer final : public CQXContainedObject<CQXServiceContainer>,
                                   public IQXServiceContainer {
@@ -30,11 +28,18 @@ public:
     void RemoveAllServices() override;
 
 private:
+    // Tells each service of its removal. Sinks may change the container meanwhile: a service that
+    // leaves is not told again, and a sweep inside a sweep goes on where the outer one stands.
+    class Sweep;
+
     void TellRemoved(IQXUnknown* object);
+    void LeaveSweep(const char* name);
 
     ServiceMap services;
-    CUnknownInternal handle;   // what sinks are given
-    unsigned enumerators = 0;  // live ones
+    ServiceMap::position nextToTell;  // {} when no sweep is on its way, or none is left to tell
+    unsigned sweeps = 0;              // one inside the other
+    CUnknownInternal handle;          // what sinks are given
+    unsigned enumerators = 0;         // live ones
 };
 
 void RegisterServiceContainer(HINSTANCE ownModule);

@@ -2,9 +2,11 @@
 #ifndef QXCORE_OBJECTS_SERVICE_ENUM_H
 #define QXCORE_OBJECTS_SERVICE_ENUM_H
 
-#include "objects/service_container.h"
-
 #include <qxcore/enum.h>
+#include <qxcore/map.h>
+
+// The table of a container. It holds one reference on each object.
+using ServiceMap = CTMap<const char*, IQXUnknown*>;
 
 // A place in the table. It holds no reference on the container, which must outlive it.
 template <class T>

@@ -23,8 +23,9 @@ struct IQXServiceContainer : IQXUnknown {
     virtual int AddService(const char* name, IQXUnknown* object) = 0;
     // 0 if the name is absent.
     virtual int RemoveService(const char* name) = 0;
-    // REQUIRES: no sink adds or removes services while it hears of its removal here, or at the
-    // container's end.
+    // Tells every sink while all services are still there, then releases them. The container takes
+    // services again afterwards. A sink may use the container meanwhile, and even empty it: a
+    // service that leaves is not told again by this call, and what is added goes with the others.
     virtual void RemoveAllServices() = 0;
 
 protected:

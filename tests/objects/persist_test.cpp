@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 #include <qxcore/exception.h>
 #include <qxcore/persist.h>
+#include <qxcore/reference.h>
 #include <qxcore/registry.h>
+#include <qxcore/storage.h>
 #include <qxcore/stream.h>
 #include <qxcore/variant.h>
 
 #include <cstring>
+#include <objidl.h>
 #include <string>
 
 namespace {
@@ -53,8 +56,10 @@ bool CBytes::throwAtLoad = false;
 // An object with another one inside its payload.
 class COuterObject : public CQXUnknownImpl<IPersistXStream> {
 public:
+    COuterObject() { ++live; }
     ~COuterObject() override {
         if (inner) inner->Release();
+        --live;
     }
     const char* GetClassName() override { return "PersistOuter"; }
     unsigned GetSizeMax() override { return static_cast<unsigned>(SizeOfObject(inner)); }
@@ -65,8 +70,11 @@ public:
     }
     void Save(IXStream* stream) override { WriteObjectToXStream(stream, inner); }
 
+    static int live;
     IPersistXStream* inner = nullptr;
 };
+
+int COuterObject::live = 0;
 
 }  // namespace
 
@@ -107,6 +115,76 @@ private:
     IXStream* stream;
 };
 
+// An element of a storage in memory.
+class ElementStream {
+public:
+    explicit ElementStream(const std::string& bytes)
+        : m_storage(new_Storage(nullptr, 0)), m_stream(m_storage->CreateStream("element")) {
+        m_stream->Write(bytes.data(), static_cast<int>(bytes.size()));
+        m_stream->Seek(0, 0);
+        m_ole = qx::Reference<IStream>(static_cast<IStream*>(Stream_GetOLEStream(m_stream.Get())));
+    }
+    IXStream* Get() const { return m_stream.Get(); }
+    IStream* Ole() const { return m_ole.Get(); }
+
+private:
+    qx::Reference<IXStorage> m_storage;
+    qx::Reference<IXStream> m_stream;
+    qx::Reference<IStream> m_ole;
+};
+
+// A host's own stream over bytes that fit a text, which raises the root of the exceptions.
+class EndingStream : public IXStream {
+public:
+    explicit EndingStream(std::string bytes, int code = QXERR_EOF)
+        : m_bytes(std::move(bytes)), m_code(code) {}
+
+    operator IXStream*() { return this; }
+    int ReadString(char* buffer, int) override {
+        memcpy(buffer, m_bytes.data(), m_bytes.size());
+        throw CXException(m_code);
+    }
+
+    unsigned AddRef() override { return 1; }
+    unsigned Release() override { return 1; }
+    int QueryInterface(qx_type_info const&, IQXUnknown**) override { return 0; }
+    int Read(void*, int) override { return 0; }
+    int Write(const void*, int) override { return 0; }
+    int Seek(int, int) override { return 0; }
+    int Tell() override { return 0; }
+    unsigned char ReadByte() override { return 0; }
+    unsigned short ReadShort() override { return 0; }
+    unsigned ReadLong() override { return 0; }
+    double ReadDouble() override { return 0; }
+    int ReadVariant(tagQXVARIANT*) override { return 0; }
+    void WriteVariant(const tagQXVARIANT*) override {}
+    int WriteByte(unsigned char) override { return 0; }
+    int WriteShort(unsigned short) override { return 0; }
+    int WriteLong(unsigned) override { return 0; }
+    int WriteDouble(double) override { return 0; }
+    int WriteString(const char*) override { return 0; }
+    int GetLength() override { return 0; }
+    const char* GetName() override { return "a host's own"; }
+
+private:
+    std::string m_bytes;
+    int m_code;
+};
+
+// Runs `act` on a thread whose stack has no more bytes than that.
+template <class Act>
+void RunOnStackOf(size_t bytes, Act act) {
+    auto run = [](void* argument) -> unsigned long {
+        (*static_cast<Act*>(argument))();
+        return 0;
+    };
+    HANDLE thread =
+        CreateThread(nullptr, bytes, run, &act, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+    ASSERT_NE(thread, nullptr);
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
+}
+
 template <size_t N>
 std::string Raw(const char (&bytes)[N]) {
     return std::string(bytes, N - 1);
@@ -143,6 +221,13 @@ IPersistXStream* ObjectOf(const std::string& bytes) {
 }
 
 IQXUnknown* const kUnset = reinterpret_cast<IQXUnknown*>(8);
+
+// Objects of the class whose payload is a frame, the innermost without one.
+std::string NestedFrames(int levels) {
+    std::string frames;
+    for (int i = 0; i < levels; ++i) frames += std::string("PersistOuter") + '\0' + LittleEndian(0);
+    return frames + '\0';
+}
 
 class PersistTest : public testing::Test {
 protected:
@@ -262,13 +347,87 @@ TEST_F(PersistTest, WhatLoadThrowsPassesAndTheObjectIsReleased) {
     EXPECT_EQ(object, nullptr);
 }
 
-TEST_F(PersistTest, TheEndOfTheStreamIsTheStreamsOwnException) {
-    for (const std::string& bytes : {Raw(""), Raw("Ab"), Raw("Abc\0")}) {
-        Stream stream(bytes);
+TEST_F(PersistTest, AFrameThatBreaksOffIsTheStreamsOwnException) {
+    for (const std::string& bytes : {Raw("A"), Raw("Ab"), Raw("Abc\0")}) {
+        Stream memory(bytes);
+        ElementStream element(bytes);
+        for (IXStream* stream : {static_cast<IXStream*>(memory), element.Get()}) {
+            IQXUnknown* object = kUnset;
+            EXPECT_THROW(ReadObjectFromXStream(stream, &object), CXEofException) << bytes.size();
+            EXPECT_EQ(object, nullptr);
+        }
+    }
+}
+
+TEST_F(PersistTest, AStreamThatHasEndedGivesZeroAndNullWhateverItsKind) {
+    Stream memory(""), behind("rest");
+    behind->Seek(0, 2);
+    ElementStream element("");
+    ElementStream behindElement("rest");
+    behindElement.Get()->Seek(0, 2);
+    qx::Reference<IXStream> empty(new_EmptyStream());
+    qx::Reference<IXStream> wrapper(new_StreamByOleStream(element.Ole()));
+    for (IXStream* stream : {static_cast<IXStream*>(memory), static_cast<IXStream*>(behind),
+                             element.Get(), behindElement.Get(), empty.Get(), wrapper.Get()}) {
         IQXUnknown* object = kUnset;
-        EXPECT_THROW(ReadObjectFromXStream(stream, &object), CXEofException) << bytes.size();
+        EXPECT_EQ(ReadObjectFromXStream(stream, &object), 0) << stream->GetName();
         EXPECT_EQ(object, nullptr);
     }
+}
+
+TEST_F(PersistTest, AnEndThatAStreamOfTheHostsTellsByItsCodeIsAnEndToo) {
+    EndingStream nothing(""), broken("Ab");
+    IQXUnknown* object = kUnset;
+    EXPECT_EQ(ReadObjectFromXStream(nothing, &object), 0);
+    EXPECT_EQ(object, nullptr);
+    object = kUnset;
+    EXPECT_THROW(ReadObjectFromXStream(broken, &object), CXException);
+    EXPECT_EQ(object, nullptr);
+    EndingStream failing("", QXERR_DEVICE);
+    EXPECT_THROW(ReadObjectFromXStream(failing, &object), CXException);
+}
+
+// ---- frames in frames
+
+TEST_F(PersistTest, FramesInFramesAreReadAsFarAsTheStackGoes) {
+    Register("PersistOuter");
+    Stream stream(NestedFrames(100));
+    IQXUnknown* object;
+    ASSERT_EQ(ReadObjectFromXStream(stream, &object), 1);
+    int levels = 0;
+    for (auto at = static_cast<COuterObject*>(object); at;
+         at = static_cast<COuterObject*>(at->inner))
+        ++levels;
+    EXPECT_EQ(levels, 100);
+    object->Release();
+}
+
+TEST_F(PersistTest, FramesThatNestTooDeepAreRefusedAsBadFormat) {
+    Register("PersistOuter");
+    auto read = [] {
+        Stream stream(NestedFrames(100000));
+        IQXUnknown* object = kUnset;
+        try {
+            ReadObjectFromXStream(stream, &object);
+            ADD_FAILURE() << "all were read";
+        } catch (CXException& failure) {
+            EXPECT_EQ(failure.GetCode(), QXERR_FORMAT);
+        }
+        EXPECT_EQ(object, nullptr);
+        EXPECT_EQ(COuterObject::live, 0);
+    };
+    read();
+    RunOnStackOf(256 * 1024, read);
+}
+
+TEST_F(PersistTest, AThreadWithASmallStackReadsFramesToo) {
+    Register("PersistOuter");
+    RunOnStackOf(64 * 1024, [] {
+        Stream stream(NestedFrames(3));
+        IQXUnknown* object = kUnset;
+        EXPECT_EQ(ReadObjectFromXStream(stream, &object), 1);
+        object->Release();
+    });
 }
 
 // ---- the stand-in for an unknown class

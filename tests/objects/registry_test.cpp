@@ -323,6 +323,38 @@ TEST(RegistryTest, AForgottenClassIsResolvedAfresh) {
     EXPECT_TRUE(second.IsLoaded());
 }
 
+// ---- modules that change the registry while they are loaded
+
+namespace {
+
+// Loads a copy of the meddling module by making an object, and answers the object's number.
+int NumberOfTicketFromAModuleThat(const char* meddles) {
+    ModuleCopy module("test_meddling_module.dll");
+    Registered guard("TestMeddling");
+    SetEnvironmentVariableA("QXCORE_TEST_MEDDLING", meddles);
+    EXPECT_EQ(RegisterObject("TestMeddling", module.Path()), 1);
+    int number = TicketNumber("TestMeddling");
+    EXPECT_TRUE(module.IsLoaded());
+    EXPECT_EQ(TicketNumber("TestMeddling"), number);
+    return number;
+}
+
+}  // namespace
+
+TEST(RegistryTest, AModuleThatForgetsItsClassWhileItIsLoadedMakesNothing) {
+    EXPECT_EQ(NumberOfTicketFromAModuleThat("does not meddle"), 51);
+    EXPECT_EQ(NumberOfTicketFromAModuleThat("forget"), 0);
+}
+
+TEST(RegistryTest, AModuleThatRegistersItsClassAnewWhileItIsLoadedMakesItsObject) {
+    EXPECT_EQ(NumberOfTicketFromAModuleThat("forget, handle"), 51);
+}
+
+TEST(RegistryTest, AModuleThatGivesItsClassToAnotherFileHasThatFileAsked) {
+    // The other file has no such entry.
+    EXPECT_EQ(NumberOfTicketFromAModuleThat("forget, path"), 0);
+}
+
 // ---- names
 
 TEST(RegistryTest, TwoNamesOfOneHashAreOneClass) {
