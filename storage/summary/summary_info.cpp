@@ -1,5 +1,7 @@
 #include "storage/summary/summary_info.h"
 
+#include "storage/summary/property_set_check.h"
+
 #include <qxcore/exception.h>
 #include <qxcore/map.h>
 #include <qxcore/platform.h>
@@ -79,6 +81,7 @@ public:
 private:
     int Read(const char* name, CQXVariant* value);
     int Write(const char* name, const CQXVariant& value);
+    PropertySetState StateOf(const FMTID& format);
     Reference<IPropertyStorage> OpenSet(bool writing, bool document);
     bool Find(const char* name, int& number) { return m_sets && m_names->Lookup(name, number); }
 
@@ -94,14 +97,22 @@ struct PropertyValue : PROPVARIANT {
     ~PropertyValue() { PropVariantClear(this); }
 };
 
-// Writing makes the set when it is missing.
+PropertySetState CIQXSummaryInfo::StateOf(const FMTID& format) {
+    Reference<IStorage> storage;
+    m_sets->QueryInterface(IID_IStorage, reinterpret_cast<void**>(storage.Receive()));
+    return storage ? StateOfPropertySet(storage.Get(), format) : PropertySetState::Sound;
+}
+
+// Writing makes the set when it is missing, and in place of a damaged one.
 Reference<IPropertyStorage> CIQXSummaryInfo::OpenSet(bool writing, bool document) {
     const FMTID& format = document ? FMTID_DocSummaryInformation : FMTID_SummaryInformation;
     DWORD mode = STGM_SHARE_EXCLUSIVE | (writing ? STGM_READWRITE : STGM_READ);
     return OrNothing([&] {
         Reference<IPropertyStorage> set;
-        HRESULT status = m_sets->Open(format, mode, set.Receive());
-        if (FAILED(status) && writing)
+        PropertySetState state = StateOf(format);
+        HRESULT status = STG_E_DOCFILECORRUPT;
+        if (state == PropertySetState::Sound) status = m_sets->Open(format, mode, set.Receive());
+        if (FAILED(status) && writing && state != PropertySetState::Alien)
             m_sets->Create(format, nullptr, PROPSETFLAG_ANSI, mode | STGM_CREATE, set.Receive());
         return set;
     });

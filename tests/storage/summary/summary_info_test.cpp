@@ -44,7 +44,8 @@ const List kNames = {"App name", "Author",      "Category", "Comments", "Company
 // Property sets that fail as badly as they can.
 class ThrowingSets : public FakeObject<IPropertySetStorage> {
 public:
-    STDMETHOD(Open)(REFFMTID, DWORD, IPropertyStorage**) override {
+    // Written out, since the platform's macro promises that nothing is thrown.
+    HRESULT STDMETHODCALLTYPE Open(REFFMTID, DWORD, IPropertyStorage**) override {
         throw CXException(QXERR_DEVICE);
     }
     STDMETHOD(Create)(REFFMTID, const CLSID*, DWORD, DWORD, IPropertyStorage**) override {
