@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+namespace qx {
+
 namespace {
 
 constexpr int kNames = 4;
@@ -29,7 +31,9 @@ char* RecordName(const char* text) {
 
 }  // namespace
 
-CXException::CXException(int code) : code(code), module(OwnModule()) {}
+}  // namespace qx
+
+CXException::CXException(int code) : code(code), module(qx::OwnModule()) {}
 
 CXFileException::CXFileException(int code, const char* name, int operation)
-    : CXException(code), name(RecordName(name)), operation(operation) {}
+    : CXException(code), name(qx::RecordName(name)), operation(operation) {}

@@ -6,6 +6,8 @@
 
 #include <cstring>
 
+namespace qx {
+
 namespace {
 
 constexpr size_t kPage = 4096;
@@ -139,5 +141,7 @@ LiveBlocks SystemHeapLive(HANDLE handle) {
     }
     return live;
 }
+
+}  // namespace qx
 
 #endif

@@ -7,8 +7,11 @@
 #include <cstdio>
 #include <cstring>
 
-constinit CMemManager g_memory = {};
 int __core_activity = 0;
+
+namespace qx {
+
+constinit CMemManager g_memory = {};
 
 namespace {
 
@@ -64,33 +67,33 @@ void CHeap::operator delete(void* block) {
     FreeRuntimeBlock(block);
 }
 
-CHeap::CHeap(size_t size, bool pinned) : pinned(pinned) {
+CHeap::CHeap(size_t size, bool pinned) : m_pinned(pinned) {
     MemoryLock lock;
-    handle = SystemHeapCreate();
-    if (!handle) handle = g_memory.TryAgain(SystemHeapCreate);
+    m_handle = SystemHeapCreate();
+    if (!m_handle) m_handle = g_memory.TryAgain(SystemHeapCreate);
     g_memory.bytesRequested += size;
     ++g_memory.operations;
-    if (!handle) throw CXMemException();
+    if (!m_handle) throw CXMemException();
     g_memory.heapList.Append(this);
 }
 
 CHeap::~CHeap() {
-    if (g_memory.isWin9x && !pinned) --g_memory.heapCount;
+    if (g_memory.isWin9x && !m_pinned) --g_memory.heapCount;
     MemoryLock lock;
     g_memory.heapList.Unlink(this);
-    SystemHeapDestroy(handle);
+    SystemHeapDestroy(m_handle);
 }
 
 void* CHeap::AllocAgain(size_t total) {
     bool wrapped = total < kHeaderSize;
     void* block =
-        wrapped ? nullptr : g_memory.TryAgain([&] { return SystemHeapAlloc(handle, total); });
+        wrapped ? nullptr : g_memory.TryAgain([&] { return SystemHeapAlloc(m_handle, total); });
     if (!block) throw CXMemException();
     return block;
 }
 
 void CHeap::ReportLiveBlocks(int index) const {
-    LiveBlocks live = SystemHeapLive(handle);
+    LiveBlocks live = SystemHeapLive(m_handle);
     if (live.count == 0) return;
     char line[128];
     snprintf(line, sizeof line,
@@ -107,14 +110,14 @@ void* CHeap::Alloc(size_t size) {
 int CHeap::Free(void* block) {
     CHeap** owner = OwnerOf(block);
     ++g_memory.operations;
-    return SystemHeapFree((*owner)->handle, owner);
+    return SystemHeapFree((*owner)->m_handle, owner);
 }
 
 void* CHeap::Realloc(void* block, size_t newSize) {
     MemoryLock lock;
     CHeap* heap = *OwnerOf(block);
     void* moved = heap->AllocLocked(newSize);
-    size_t oldBlock = SystemHeapSize(heap->handle, OwnerOf(block));
+    size_t oldBlock = SystemHeapSize(heap->m_handle, OwnerOf(block));
     memcpy(moved, block, std::min(newSize, oldBlock) - kHeaderSize);
     heap->Free(block);
     ++g_memory.operations;
@@ -123,20 +126,24 @@ void* CHeap::Realloc(void* block, size_t newSize) {
 
 size_t CHeap::GetSize(void* block) {
     CHeap** owner = OwnerOf(block);
-    return SystemHeapSize((*owner)->handle, owner) - kHeaderSize;
+    return SystemHeapSize((*owner)->m_handle, owner) - kHeaderSize;
 }
 
+}  // namespace qx
+
+using qx::g_memory;
+
 IHeap* Mem_DefaultHeap(size_t) {
-    MemoryLock lock;
+    qx::MemoryLock lock;
     return g_memory.NextHeapLocked();
 }
 
 IHeap* new_MemoryHeap(size_t size) {
     if (g_memory.isWin9x) {
-        if (g_memory.heapCount >= kMaxHeapsOnWin9x) return Mem_DefaultHeap(size);
+        if (g_memory.heapCount >= qx::kMaxHeapsOnWin9x) return Mem_DefaultHeap(size);
         ++g_memory.heapCount;
     }
-    return new CHeap(size, false);
+    return new qx::CHeap(size, false);
 }
 
 void Mem_SetLowMemoryNotifySink(ILowMemoryNotifySink* sink) {

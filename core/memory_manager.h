@@ -2,10 +2,12 @@
 #ifndef QXCORE_CORE_MEMORY_MANAGER_H
 #define QXCORE_CORE_MEMORY_MANAGER_H
 
-#include <qxcore/heap.h>
 #include "core/system_heap.h"
 
+#include <qxcore/heap.h>
 #include <qxcore/platform.h>
+
+namespace qx {
 
 class CHeap : public CQXUnknownImpl<IHeap>, public QX_LISTITEM {
 public:
@@ -19,8 +21,8 @@ public:
     static void operator delete(void* block);
 
     // A pinned heap is destroyed only by the manager.
-    unsigned AddRef() override { return pinned ? 1 : InternalAddRef(); }
-    unsigned Release() override { return pinned ? 1 : InternalRelease(); }
+    unsigned AddRef() override { return m_pinned ? 1 : InternalAddRef(); }
+    unsigned Release() override { return m_pinned ? 1 : InternalRelease(); }
 
     void* Alloc(size_t size) override;
     int Free(void* block) override;
@@ -39,8 +41,8 @@ private:
     // A block that the system refused at first, or CXMemException.
     QXCORE_NOINLINE void* AllocAgain(size_t total);
 
-    HANDLE handle;
-    int pinned;
+    HANDLE m_handle;
+    int m_pinned;
 };
 
 struct CMemManager {
@@ -71,7 +73,7 @@ extern CMemManager g_memory;
 
 inline void* CHeap::AllocLocked(size_t size) {
     size_t total = size + kHeaderSize;
-    void* block = total < size ? nullptr : SystemHeapAlloc(handle, total);
+    void* block = total < size ? nullptr : SystemHeapAlloc(m_handle, total);
     if (!block) [[unlikely]]
         block = AllocAgain(total);
     auto owner = static_cast<CHeap**>(block);
@@ -88,5 +90,7 @@ public:
     MemoryLock(const MemoryLock&) = delete;
     MemoryLock& operator=(const MemoryLock&) = delete;
 };
+
+}  // namespace qx
 
 #endif

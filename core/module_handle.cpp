@@ -1,5 +1,7 @@
 #include "core/module_handle.h"
 
+namespace qx {
+
 namespace {
 
 constinit HINSTANCE g_ownModule = nullptr;
@@ -21,3 +23,5 @@ HINSTANCE OwnModule() {
 void SetOwnModule(HINSTANCE module) {
     g_ownModule = module;
 }
+
+}  // namespace qx

@@ -4,8 +4,12 @@
 
 #include <qxcore/platform.h>
 
+namespace qx {
+
 // Known from the start of load on; before that found from the address of this code, and kept.
 HINSTANCE OwnModule();
 void SetOwnModule(HINSTANCE module);
+
+}  // namespace qx
 
 #endif

@@ -8,6 +8,8 @@
 
 #include <new>
 
+namespace qx {
+
 namespace {
 
 void* Allocate(size_t size) {
@@ -41,6 +43,8 @@ void Deallocate(void* block) noexcept {
 
 }  // namespace
 
+}  // namespace qx
+
 // A compiler of the Microsoft ABI declares these operators itself, before any attribute of ours, so
 // there the linker is told to export them, by their decorated names.
 #if defined(_MSC_VER)
@@ -60,32 +64,32 @@ void Deallocate(void* block) noexcept {
 #endif
 
 QXCORE_OPERATOR_API void* operator new(size_t size) {
-    return Allocate(size);
+    return qx::Allocate(size);
 }
 QXCORE_OPERATOR_API void* operator new[](size_t size) {
-    return Allocate(size);
+    return qx::Allocate(size);
 }
 QXCORE_OPERATOR_API void* operator new(size_t size, const std::nothrow_t&) noexcept {
-    return AllocateOrNull(size);
+    return qx::AllocateOrNull(size);
 }
 QXCORE_OPERATOR_API void* operator new[](size_t size, const std::nothrow_t&) noexcept {
-    return AllocateOrNull(size);
+    return qx::AllocateOrNull(size);
 }
 QXCORE_OPERATOR_API void operator delete(void* block) noexcept {
-    Deallocate(block);
+    qx::Deallocate(block);
 }
 QXCORE_OPERATOR_API void operator delete[](void* block) noexcept {
-    Deallocate(block);
+    qx::Deallocate(block);
 }
 QXCORE_OPERATOR_API void operator delete(void* block, size_t) noexcept {
-    Deallocate(block);
+    qx::Deallocate(block);
 }
 QXCORE_OPERATOR_API void operator delete[](void* block, size_t) noexcept {
-    Deallocate(block);
+    qx::Deallocate(block);
 }
 QXCORE_OPERATOR_API void operator delete(void* block, const std::nothrow_t&) noexcept {
-    Deallocate(block);
+    qx::Deallocate(block);
 }
 QXCORE_OPERATOR_API void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    Deallocate(block);
+    qx::Deallocate(block);
 }

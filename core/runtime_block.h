@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+namespace qx {
+
 inline constexpr intptr_t kRuntimeTag = -1;
 inline constexpr size_t kTagSize = 8;  // the hidden word before every block
 
@@ -23,5 +25,7 @@ inline void* AllocRuntimeBlock(size_t size) {
 inline void FreeRuntimeBlock(void* block) {
     free(static_cast<intptr_t*>(block) - 1);
 }
+
+}  // namespace qx
 
 #endif

@@ -7,6 +7,8 @@
 
 #include <cstddef>
 
+namespace qx {
+
 // What a heap still holds, for the report of a debug build at unload.
 struct LiveBlocks {
     size_t count;
@@ -58,5 +60,7 @@ inline LiveBlocks SystemHeapLive(HANDLE heap) {
 }
 
 #endif
+
+}  // namespace qx
 
 #endif

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <memory>
 
+namespace qx {
+
 namespace {
 
 constinit COList g_items;
@@ -39,7 +41,9 @@ _TI_Item* AddItem(const char* name) {
 
 }  // namespace
 
+}  // namespace qx
+
 _TI_Item* __find_ti_item(const char* name) {
-    _TI_Item* item = FindItem(name);
-    return item ? item : AddItem(name);
+    _TI_Item* item = qx::FindItem(name);
+    return item ? item : qx::AddItem(name);
 }

@@ -23,10 +23,10 @@ void CallEntryHook(HINSTANCE module, DWORD reason) {
 }  // namespace
 
 void StartUp(HINSTANCE module) {
-    SetOwnModule(module);
-    g_memory.Start();
-    StartClassRegistry();
-    RegisterServiceContainer(module);
+    qx::SetOwnModule(module);
+    qx::g_memory.Start();
+    qx::StartClassRegistry();
+    qx::RegisterServiceContainer(module);
     CoInitialize(nullptr);
     qx::StartDictionary();
     qx::StartInterception();
@@ -39,7 +39,7 @@ void ShutDown(HINSTANCE module) {
     qx::StopInterception();
     qx::StopDictionary();
     CoUninitialize();
-    UnregisterServiceContainer();
-    StopClassRegistry();
-    g_memory.Stop();
+    qx::UnregisterServiceContainer();
+    qx::StopClassRegistry();
+    qx::g_memory.Stop();
 }

@@ -4,6 +4,8 @@
 #include <memory>
 #include <new>
 
+namespace qx {
+
 namespace {
 
 using ClassMap = CTMap<const char*, CRegistryEntry*>;
@@ -77,33 +79,35 @@ void StopClassRegistry() {
     Classes().RemoveAll();
 }
 
+}  // namespace qx
+
 int IsRegisterObject(const char* name) {
-    return FindClass(name) != nullptr;
+    return qx::FindClass(name) != nullptr;
 }
 
 int RegisterObject(const char* name, HINSTANCE module) {
     if (IsRegisterObject(name)) return 1;
-    if (Classes().destroyed) return 0;
-    QXCreator creator = FindCreator(module, name);
+    if (qx::Classes().destroyed) return 0;
+    QXCreator creator = qx::FindCreator(module, name);
     if (!creator) return 0;
-    return AddClass(name, std::make_unique<CRegistryEntry>(module, creator));
+    return qx::AddClass(name, std::make_unique<qx::CRegistryEntry>(module, creator));
 }
 
 int RegisterObject(const char* name, const char* path) {
     if (IsRegisterObject(name)) return 1;
-    if (Classes().destroyed) return 0;
+    if (qx::Classes().destroyed) return 0;
     CXString found;
-    if (!FindModuleFile(path, found)) return 0;
-    return AddClass(name, std::make_unique<CRegistryEntry>(name, found));
+    if (!qx::FindModuleFile(path, found)) return 0;
+    return qx::AddClass(name, std::make_unique<qx::CRegistryEntry>(name, found));
 }
 
 int UnregisterObject(const char* name) {
-    return Classes().RemoveKey(name);
+    return qx::Classes().RemoveKey(name);
 }
 
 int CreateObject(const char* name, IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {
     *out = nullptr;
-    QXCreator creator = CreatorOf(name);
+    QXCreator creator = qx::CreatorOf(name);
     return creator ? creator(outer, id, out) : 0;
 }
 

@@ -6,6 +6,8 @@
 #include <qxcore/registry.h>
 #include <qxcore/string.h>
 
+namespace qx {
+
 // One class: a creator, or where to find it.
 class CRegistryEntry {
 public:
@@ -23,5 +25,7 @@ public:
 void StartClassRegistry();
 // Forgets all classes. What comes later finds nothing and registers nothing.
 void StopClassRegistry();
+
+}  // namespace qx
 
 #endif

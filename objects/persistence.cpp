@@ -8,6 +8,8 @@
 
 #include <cstring>
 
+namespace qx {
+
 namespace {
 
 constexpr int kNameBytes = 260;
@@ -36,20 +38,22 @@ private:
 };
 
 // The frame's own class, or a proxy for it, not loaded yet.
-qx::Reference<IPersistXStream> NewObjectOfFrame(const char* className, unsigned size) {
+Reference<IPersistXStream> NewObjectOfFrame(const char* className, unsigned size) {
     IQXUnknown* object;
     if (!CreateObject(className, nullptr, qx_typeid<IPersistXStream>(), &object) || !object) {
-        return qx::Reference<IPersistXStream>(new CXProxy(className, size));
+        return Reference<IPersistXStream>(new CXProxy(className, size));
     }
-    return qx::Reference<IPersistXStream>(static_cast<IPersistXStream*>(object));
+    return Reference<IPersistXStream>(static_cast<IPersistXStream*>(object));
 }
 
 }  // namespace
 
+}  // namespace qx
+
 unsigned long SizeOfObject(IPersistXStream* object) {
     if (!object) return 1;
     auto nameBytes = static_cast<unsigned long>(strlen(object->GetClassName()) + 1);
-    return nameBytes + kSizeBytes + object->GetSizeMax();
+    return nameBytes + qx::kSizeBytes + object->GetSizeMax();
 }
 
 int WriteObjectToXStream(IXStream* stream, IPersistXStream* object) {
@@ -62,7 +66,7 @@ int WriteObjectToXStream(IXStream* stream, IPersistXStream* object) {
     int start = stream->Seek(0, 1);
     object->Save(stream);
     int end = stream->Seek(0, 1);
-    stream->Seek(start - kSizeBytes, 0);
+    stream->Seek(start - qx::kSizeBytes, 0);
     stream->WriteLong(static_cast<unsigned>(end - start));
     stream->Seek(end, 0);
     return 1;
@@ -72,17 +76,17 @@ int ReadObjectFromXStream(IXStream* stream, IQXUnknown** out) {
     *out = nullptr;
     // A class whose payload holds frames comes back here, as deep as the stream says.
     if (!qx::HasStackRoom()) throw CXException(QXERR_FORMAT);
-    FrameName name(stream);
+    qx::FrameName name(stream);
     if (!name.present) return 0;
     unsigned size = stream->ReadLong();
-    qx::Reference<IPersistXStream> object = NewObjectOfFrame(name.text, size);
+    qx::Reference<IPersistXStream> object = qx::NewObjectOfFrame(name.text, size);
     object->Load(stream);
     return object->QueryInterface(qx_typeid<IQXUnknown>(), out);
 }
 
 unsigned long SkipObjectToXStream(IXStream* stream) {
     int start = stream->Seek(0, 1);
-    FrameName name(stream);
+    qx::FrameName name(stream);
     unsigned size = stream->ReadLong();
     stream->Seek(static_cast<int>(size), 1);
     return static_cast<unsigned long>(start);

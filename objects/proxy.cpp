@@ -3,6 +3,8 @@
 #include <qxcore/exception.h>
 #include <qxcore/stream.h>
 
+namespace qx {
+
 namespace {
 
 int BytesLeft(IXStream* stream) {
@@ -21,15 +23,17 @@ int CXProxy::QueryInterface(qx_type_info const& id, IQXUnknown** out) {
 }
 
 void CXProxy::Load(IXStream* stream) {
-    delete[] data;
-    data = nullptr;
-    // A stream holds less than 2 GiB, so a size that is negative as an int is a lie too.
-    int claimed = static_cast<int>(size);
+    delete[] m_data;
+    m_data = nullptr;
+    // A stream holds less than 2 GiB, so a m_size that is negative as an int is a lie too.
+    int claimed = static_cast<int>(m_size);
     if (claimed < 0 || claimed > BytesLeft(stream)) throw CXException(QXERR_OBJECT_SIZE);
-    data = new char[size];
-    stream->Read(data, claimed);
+    m_data = new char[m_size];
+    stream->Read(m_data, claimed);
 }
 
 void CXProxy::Save(IXStream* stream) {
-    if (data) stream->Write(data, static_cast<int>(size));
+    if (m_data) stream->Write(m_data, static_cast<int>(m_size));
 }
+
+}  // namespace qx

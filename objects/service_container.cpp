@@ -3,6 +3,8 @@
 #include <qxcore/reference.h>
 #include <qxcore/registry.h>
 
+namespace qx {
+
 namespace {
 
 constexpr const char* kClassName = "CLSID_OFSERVICECONTAINER";
@@ -12,17 +14,17 @@ constexpr const char* kClassName = "CLSID_OFSERVICECONTAINER";
 class CQXServiceContainer::Sweep {
 public:
     explicit Sweep(CQXServiceContainer& container) : m_container(container) {
-        if (m_container.sweeps++ == 0 && m_container.services.count) Advance();
+        if (m_container.m_sweeps++ == 0 && m_container.m_services.count) Advance();
     }
     Sweep(const Sweep&) = delete;
     Sweep& operator=(const Sweep&) = delete;
     ~Sweep() {
-        if (--m_container.sweeps == 0) m_container.nextToTell = {};
+        if (--m_container.m_sweeps == 0) m_container.m_nextToTell = {};
     }
 
     // False when all have been told.
     bool TellNext() {
-        ServiceMap::Node* node = m_container.nextToTell.node;
+        ServiceMap::Node* node = m_container.m_nextToTell.node;
         if (!node) return false;
         Advance();  // while the entry is still there
         m_container.TellRemoved(node->value.value);
@@ -30,15 +32,15 @@ public:
     }
 
 private:
-    void Advance() { m_container.services.GetNext(m_container.nextToTell); }
+    void Advance() { m_container.m_services.GetNext(m_container.m_nextToTell); }
 
     CQXServiceContainer& m_container;
 };
 
 // An entry that a sweep would tell next leaves the table.
 void CQXServiceContainer::LeaveSweep(const char* name) {
-    ServiceMap::Node* next = nextToTell.node;
-    if (next && services.Find(name) == &next->value.value) services.GetNext(nextToTell);
+    ServiceMap::Node* next = m_nextToTell.node;
+    if (next && m_services.Find(name) == &next->value.value) m_services.GetNext(m_nextToTell);
 }
 
 CQXServiceContainer::~CQXServiceContainer() {
@@ -59,33 +61,33 @@ int CQXServiceContainer::ContainedQueryInterface(qx_type_info const& id, IQXUnkn
 }
 
 int CQXServiceContainer::EnumServices(qx_type_info const& id, CTEnum<IQXUnknown*>** out) {
-    *out = new CServiceEnum(&services, &enumerators, id);
+    *out = new CServiceEnum(&m_services, &m_enumerators, id);
     return 1;
 }
 
 int CQXServiceContainer::EnumServiceNames(CTEnum<const char*>** out) {
-    *out = new CServiceNameEnum(&services, &enumerators);
+    *out = new CServiceNameEnum(&m_services, &m_enumerators);
     return 1;
 }
 
 int CQXServiceContainer::GetService(const char* name, IQXUnknown** out) {
     IQXUnknown* unused;
-    return out ? services.Lookup(name, *out, 1) : services.Lookup(name, unused);
+    return out ? m_services.Lookup(name, *out, 1) : m_services.Lookup(name, unused);
 }
 
 int CQXServiceContainer::AddService(const char* name, IQXUnknown* object) {
     if (GetService(name, nullptr)) return 0;
-    if (!services.SetAt(name, object)) return 0;  // the table is being cleared
-    if (auto sink = qx::Ask<IQXServiceSink>(object)) sink->OnServiceAdded(&handle);
+    if (!m_services.SetAt(name, object)) return 0;  // the table is being cleared
+    if (auto sink = Ask<IQXServiceSink>(object)) sink->OnServiceAdded(&m_handle);
     return 1;
 }
 
 int CQXServiceContainer::RemoveService(const char* name) {
     IQXUnknown* object;
-    if (!services.Lookup(name, object, 1)) return 0;
-    qx::Reference<IQXUnknown> held(object);  // alive while its sink hears of the removal
+    if (!m_services.Lookup(name, object, 1)) return 0;
+    Reference<IQXUnknown> held(object);  // alive while its sink hears of the removal
     LeaveSweep(name);
-    services.RemoveKey(name);
+    m_services.RemoveKey(name);
     TellRemoved(object);
     return 1;
 }
@@ -96,16 +98,12 @@ void CQXServiceContainer::RemoveAllServices() {
         while (sweep.TellNext()) {
         }
     }
-    services.RemoveAll();
-    services.destroyed = 0;  // the container takes services again
+    m_services.RemoveAll();
+    m_services.destroyed = 0;  // the container takes m_services again
 }
 
 void CQXServiceContainer::TellRemoved(IQXUnknown* object) {
-    if (auto sink = qx::Ask<IQXServiceSink>(object)) sink->OnServiceRemoved(&handle);
-}
-
-int CLSID_OFSERVICECONTAINER(IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {
-    return QXCreateAggregate<CQXServiceContainer>(outer, id, out);
+    if (auto sink = Ask<IQXServiceSink>(object)) sink->OnServiceRemoved(&m_handle);
 }
 
 void RegisterServiceContainer(HINSTANCE ownModule) {
@@ -114,4 +112,10 @@ void RegisterServiceContainer(HINSTANCE ownModule) {
 
 void UnregisterServiceContainer() {
     UnregisterObject(kClassName);
+}
+
+}  // namespace qx
+
+int CLSID_OFSERVICECONTAINER(IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {
+    return QXCreateAggregate<qx::CQXServiceContainer>(outer, id, out);
 }

@@ -7,10 +7,12 @@
 #include <qxcore/platform.h>
 #include <qxcore/services.h>
 
+namespace qx {
+
 class CQXServiceContainer final : public CQXContainedObject<CQXServiceContainer>,
                                   public IQXServiceContainer {
 public:
-    CQXServiceContainer() : handle(static_cast<IQXServiceContainer*>(this)) {}
+    CQXServiceContainer() : m_handle(static_cast<IQXServiceContainer*>(this)) {}
     ~CQXServiceContainer() override;
 
     unsigned AddRef() override { return CQXContainedObject::AddRef(); }
@@ -35,14 +37,16 @@ private:
     void TellRemoved(IQXUnknown* object);
     void LeaveSweep(const char* name);
 
-    ServiceMap services;
-    ServiceMap::position nextToTell;  // {} when no sweep is on its way, or none is left to tell
-    unsigned sweeps = 0;              // one inside the other
-    CUnknownInternal handle;          // what sinks are given
-    unsigned enumerators = 0;         // live ones
+    ServiceMap m_services;
+    CUnknownInternal m_handle;          // what sinks are given
+    unsigned m_enumerators = 0;         // live ones
+    ServiceMap::position m_nextToTell;  // {} when no sweep is on its way, or none is left to tell
+    unsigned m_sweeps = 0;              // one inside the other
 };
 
 void RegisterServiceContainer(HINSTANCE ownModule);
 void UnregisterServiceContainer();
+
+}  // namespace qx
 
 #endif

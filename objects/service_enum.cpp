@@ -1,9 +1,11 @@
 #include "objects/service_enum.h"
 
+namespace qx {
+
 int CServiceNameEnum::Next(unsigned count, const char** out, unsigned* fetched) {
     unsigned delivered = 0;
     while (delivered < count) {
-        const char** name = services->GetNextKey(at);
+        const char** name = m_services->GetNextKey(m_at);
         if (!name) break;
         out[delivered++] = *name;
     }
@@ -13,16 +15,16 @@ int CServiceNameEnum::Next(unsigned count, const char** out, unsigned* fetched) 
 
 int CServiceNameEnum::Skip(unsigned count) {
     unsigned skipped = 0;
-    while (skipped < count && services->GetNextKey(at)) ++skipped;
+    while (skipped < count && m_services->GetNextKey(m_at)) ++skipped;
     return skipped > 0;
 }
 
 int CServiceEnum::Next(unsigned count, IQXUnknown** out, unsigned* fetched) {
     unsigned delivered = 0;
     while (delivered < count) {
-        IQXUnknown** object = services->GetNext(at);
+        IQXUnknown** object = m_services->GetNext(m_at);
         if (!object) break;
-        if (*object && (*object)->QueryInterface(id, &out[delivered])) ++delivered;
+        if (*object && (*object)->QueryInterface(m_id, &out[delivered])) ++delivered;
     }
     if (fetched) *fetched = delivered;
     return delivered > 0;
@@ -31,11 +33,13 @@ int CServiceEnum::Next(unsigned count, IQXUnknown** out, unsigned* fetched) {
 int CServiceEnum::Skip(unsigned count) {
     unsigned skipped = 0;
     while (skipped < count) {
-        IQXUnknown** object = services->GetNext(at);
+        IQXUnknown** object = m_services->GetNext(m_at);
         IQXUnknown* answer = nullptr;
-        if (!object || !*object || !(*object)->QueryInterface(id, &answer)) break;
+        if (!object || !*object || !(*object)->QueryInterface(m_id, &answer)) break;
         answer->Release();
         ++skipped;
     }
     return skipped > 0;
 }
+
+}  // namespace qx

@@ -5,6 +5,8 @@
 #include <qxcore/enum.h>
 #include <qxcore/map.h>
 
+namespace qx {
+
 // The table of a container. It holds one reference on each object.
 using ServiceMap = CTMap<const char*, IQXUnknown*>;
 
@@ -13,19 +15,19 @@ template <class T>
 class CServiceTableEnum : public CQXUnknownImpl<CTEnum<T>> {
 public:
     CServiceTableEnum(ServiceMap* services, unsigned* enumerators)
-        : services(services), enumerators(enumerators) {
+        : m_services(services), m_enumerators(enumerators) {
         ++*enumerators;
     }
-    ~CServiceTableEnum() override { --*enumerators; }
+    ~CServiceTableEnum() override { --*m_enumerators; }
 
-    void Reset() override { at = {}; }
+    void Reset() override { m_at = {}; }
 
 protected:
-    ServiceMap* services;
-    ServiceMap::position at;  // at its end the walk starts over
+    ServiceMap* m_services;
+    ServiceMap::position m_at;  // at its end the walk starts over
 
 private:
-    unsigned* enumerators;
+    unsigned* m_enumerators;
 };
 
 // The names are the table's own, valid while the entry exists.
@@ -41,7 +43,7 @@ public:
 class CServiceEnum final : public CServiceTableEnum<IQXUnknown*> {
 public:
     CServiceEnum(ServiceMap* services, unsigned* enumerators, qx_type_info const& id)
-        : CServiceTableEnum(services, enumerators), id(id) {}
+        : CServiceTableEnum(services, enumerators), m_id(id) {}
 
     // Passes over objects that refuse.
     int Next(unsigned count, IQXUnknown** out, unsigned* fetched) override;
@@ -49,7 +51,9 @@ public:
     int Skip(unsigned count) override;
 
 private:
-    qx_type_info const& id;
+    qx_type_info const& m_id;
 };
+
+}  // namespace qx
 
 #endif

@@ -3,12 +3,14 @@
 
 #include <cstdint>
 
+namespace qx {
+
 namespace {
 
 // The bytes that a variable shares with the value area; text and objects are owned, not shared. A
 // blob variable borrows the size and the pointer.
 constexpr size_t SharedWidth(unsigned short type) {
-    return type == QXVT_BLOB ? sizeof(tagQXBLOB) : static_cast<size_t>(qx::PlainWidth(type));
+    return type == QXVT_BLOB ? sizeof(tagQXBLOB) : static_cast<size_t>(PlainWidth(type));
 }
 
 bool IsPointer(unsigned short type) {
@@ -63,31 +65,33 @@ void KeepBlock(tagQXVARIANT* v, const void* handedOver) {
 
 }  // namespace
 
+}  // namespace qx
+
 int QXVariantBindToValue(unsigned short type, void* value, const tagQXVARIANT* v) {
-    if (!CanBind(type)) return 0;
+    if (!qx::CanBind(type)) return 0;
     switch (type) {
         case QXVT_STRING:
-            StoreText(*static_cast<char**>(value), v->value.string);
+            qx::StoreText(*static_cast<char**>(value), v->value.string);
             break;
         case QXVT_UNKNOWN:
-            StoreObject(*static_cast<IQXUnknown**>(value), v->value.unknown);
+            qx::StoreObject(*static_cast<IQXUnknown**>(value), v->value.unknown);
             break;
         default:
-            memcpy(value, &v->value, SharedWidth(type));
+            memcpy(value, &v->value, qx::SharedWidth(type));
     }
     return 1;
 }
 
 int QXVariantBindFromValue(unsigned short type, void* value, tagQXVARIANT* v) {
-    if (!CanBind(type) || LiesIn(v, value, type)) {
+    if (!qx::CanBind(type) || qx::LiesIn(v, value, type)) {
         // There is nothing to load, or nothing but the zeros that clearing leaves.
-        ClearVariant(v);
+        qx::ClearVariant(v);
         v->type = type;
-        return CanBind(type);
+        return qx::CanBind(type);
     }
-    tagQXVALUE loaded = LoadValue(type, value);
-    if (type == QXVT_BLOB) KeepBlock(v, loaded.blob.data);
-    OldValue old(v);
+    tagQXVALUE loaded = qx::LoadValue(type, value);
+    if (type == QXVT_BLOB) qx::KeepBlock(v, loaded.blob.data);
+    qx::OldValue old(v);
     v->type = type;
     v->value = loaded;
     old.LetGo();

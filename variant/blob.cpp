@@ -2,26 +2,26 @@
 
 #include <utility>
 
-QXBlob::QXBlob(unsigned long size) : tagQXBLOB{size, AllocValue(size)} {}
+QXBlob::QXBlob(unsigned long size) : tagQXBLOB{size, qx::AllocValue(size)} {}
 
 QXBlob::QXBlob(const tagQXBLOB* source)
-    : tagQXBLOB{source->size, CopyBytes(source->data, source->size)} {}
+    : tagQXBLOB{source->size, qx::CopyBytes(source->data, source->size)} {}
 
 void QXBlob::Clear() {
     void* old = data;
     size = 0;
     data = nullptr;
-    FreeValue(old);
+    qx::FreeValue(old);
 }
 
 QXBlob& QXBlob::operator=(const tagQXBLOB* source) {
     QXBlob old;  // goes last, since the source may lie in it
     std::swap<tagQXBLOB>(old, *this);
-    data = CopyBytes(source->data, source->size);
+    data = qx::CopyBytes(source->data, source->size);
     size = source->size;
     return *this;
 }
 
 bool QXBlob::operator==(const tagQXBLOB* other) const {
-    return SameBytes(*this, *other);
+    return qx::SameBytes(*this, *other);
 }

@@ -1,5 +1,7 @@
 #include "variant/value_block.h"
 
+namespace qx {
+
 namespace {
 
 constexpr double kTolerance = 0.001;
@@ -43,6 +45,8 @@ const char* TextOrEmpty(const char* text) {
 
 }  // namespace
 
+}  // namespace qx
+
 bool CQXVariant::operator==(const tagQXVARIANT* other) const {
     if (this == other) return true;
     if (type != other->type) return false;
@@ -62,25 +66,25 @@ bool CQXVariant::operator==(const tagQXVARIANT* other) const {
         case QXVT_LONG:
             return a.uintVal == b.uintVal;
         case QXVT_DOUBLE:
-            return NeitherLessNorGreater(a.doubleVal, b.doubleVal);
+            return qx::NeitherLessNorGreater(a.doubleVal, b.doubleVal);
         case QXVT_FLOAT:
-            return NeitherLessNorGreater(a.floatVal, b.floatVal);
+            return qx::NeitherLessNorGreater(a.floatVal, b.floatVal);
         case QXVT_STRING:
-            return strcmp(TextOrEmpty(a.string), TextOrEmpty(b.string)) == 0;
+            return strcmp(qx::TextOrEmpty(a.string), qx::TextOrEmpty(b.string)) == 0;
         case QXVT_SIZE:
             return a.size.cx == b.size.cx && a.size.cy == b.size.cy;
         case QXVT_RSIZE:
-            return Near(a.rsize.cx, b.rsize.cx) && Near(a.rsize.cy, b.rsize.cy);
+            return qx::Near(a.rsize.cx, b.rsize.cx) && qx::Near(a.rsize.cy, b.rsize.cy);
         case QXVT_POINT:
             return a.point.x == b.point.x && a.point.y == b.point.y;
         case QXVT_RPOINT:
-            return Near(a.rpoint.x, b.rpoint.x) && Near(a.rpoint.y, b.rpoint.y);
+            return qx::Near(a.rpoint.x, b.rpoint.x) && qx::Near(a.rpoint.y, b.rpoint.y);
         case QXVT_RECT:
-            return SameOrBothEmpty(a.rect, b.rect);
+            return qx::SameOrBothEmpty(a.rect, b.rect);
         case QXVT_RRECT:
-            return SameOrBothEmpty(a.rrect, b.rrect);
+            return qx::SameOrBothEmpty(a.rrect, b.rrect);
         case QXVT_BLOB:
-            return SameBytes(a.blob, b.blob);
+            return qx::SameBytes(a.blob, b.blob);
         case QXVT_UNKNOWN:
             return a.unknown == b.unknown;
     }

@@ -2,7 +2,8 @@
 #include "variant/value_block.h"
 
 #include <cstdint>
-#include <type_traits>
+
+namespace qx {
 
 namespace {
 
@@ -21,18 +22,28 @@ bool Fail(const Value&, Value&) {
     return false;
 }
 
+// A form of the value area: the type T of one member of the union. The type stands beside the
+// member since members of one union lie in one place: compilers exist that tell a function for one
+// of them from that for another by the place alone.
+template <class T, T Value::*member>
+struct Form {
+    using Type = T;
+    static T Of(const Value& value) { return value.*member; }
+    static void Set(Value& value, T form) { value.*member = form; }
+};
+
 // Between forms as the language converts them: bits are kept, cut or widened, integers become
 // reals.
-template <auto From, auto To>
+template <class From, class To>
 bool Cast(const Value& from, Value& to) {
-    to.*To = static_cast<std::remove_reference_t<decltype(to.*To)>>(from.*From);
+    To::Set(to, static_cast<typename To::Type>(From::Of(from)));
     return true;
 }
 
 // A NaN is neither less nor greater than zero, so it is false.
-template <auto From>
+template <class From>
 bool Truth(const Value& from, Value& to) {
-    to.boolVal = from.*From < 0 || from.*From > 0;
+    to.boolVal = From::Of(from) < 0 || From::Of(from) > 0;
     return true;
 }
 
@@ -46,23 +57,26 @@ int64_t TruncateToInt64(double v) {
                                                                     : INT64_MIN;
 }
 
-template <auto From>
+template <class From>
 bool Truncate(const Value& from, Value& to) {
-    to.intVal = TruncateToInt(from.*From);
+    to.intVal = TruncateToInt(From::Of(from));
     return true;
 }
 
-template <auto From>
+template <class From>
 bool TruncateAndCut(const Value& from, Value& to) {
-    to.uintVal = static_cast<unsigned>(TruncateToInt64(from.*From));
+    to.uintVal = static_cast<unsigned>(TruncateToInt64(From::Of(from)));
     return true;
 }
 
 // ---- text
 
-template <auto To>
+template <class To>
 bool Scan(const Value& from, Value& to) {
-    return ScanNumber(from.string, to.*To);
+    typename To::Type number;
+    if (!ScanNumber(from.string, number)) return false;
+    To::Set(to, number);
+    return true;
 }
 
 // A double that is converted to `unsigned long` is taken for a pointer to text: the row of every
@@ -82,9 +96,9 @@ bool YesOrNo(const Value& from, Value& to) {
     return true;
 }
 
-template <auto From>
+template <class From>
 bool Text(const Value& from, Value& to) {
-    to.string = NewNumberText(from.*From);
+    to.string = NewNumberText(From::Of(from));
     return true;
 }
 
@@ -164,12 +178,12 @@ bool SameObject(const Value& from, Value& to) {
 
 // ---- the tables
 
-constexpr auto u1 = &Value::ui1Val;
-constexpr auto u2 = &Value::ui2Val;
-constexpr auto u4 = &Value::uintVal;  // all 32-bit integers share their bits
-constexpr auto i4 = &Value::intVal;
-constexpr auto d = &Value::doubleVal;
-constexpr auto f = &Value::floatVal;
+using u1 = Form<unsigned char, &Value::ui1Val>;
+using u2 = Form<unsigned short, &Value::ui2Val>;
+using u4 = Form<unsigned, &Value::uintVal>;  // all 32-bit integers share their bits
+using i4 = Form<int, &Value::intVal>;
+using d = Form<double, &Value::doubleVal>;
+using f = Form<float, &Value::floatVal>;
 
 constexpr Converter fail = Fail;
 constexpr Converter zero = Zero;
@@ -179,22 +193,22 @@ constexpr Converter low2 = Cast<u2, u2>;
 constexpr Converter wide = Cast<u1, u2>;
 constexpr Converter wid1 = Cast<u1, u4>;
 constexpr Converter wid2 = Cast<u2, u4>;
-template <auto From>
+template <class From>
 constexpr Converter is = Truth<From>;
-template <auto From>
+template <class From>
 constexpr Converter trc = Truncate<From>;
-template <auto From>
+template <class From>
 constexpr Converter cut = TruncateAndCut<From>;
-template <auto From>
+template <class From>
 constexpr Converter dbl = Cast<From, d>;
-template <auto From>
+template <class From>
 constexpr Converter flt = Cast<From, f>;
-template <auto To>
+template <class To>
 constexpr Converter scn = Scan<To>;
-template <auto From>
+template <class From>
 constexpr Converter txt = Text<From>;
-template <auto Form>
-constexpr Converter same = Cast<Form, Form>;
+template <class F>
+constexpr Converter same = Cast<F, F>;
 
 // clang-format off
 
@@ -213,13 +227,13 @@ constexpr Converter kScalars[][11] = {
 /* STRING */  {EmptyText, YesOrNo, TextOfByte, txt<u4>, txt<u4>, txt<i4>, txt<u4>, txt<i4>, txt<d>, txt<f>, SameText},
 };
 
-constexpr auto size   = &Value::size;
-constexpr auto rsize  = &Value::rsize;
-constexpr auto point  = &Value::point;
-constexpr auto rpoint = &Value::rpoint;
-constexpr auto rect   = &Value::rect;
-constexpr auto rrect  = &Value::rrect;
-constexpr auto object = &Value::unknown;
+using size   = Form<tagSIZE, &Value::size>;
+using rsize  = Form<tagRSIZE, &Value::rsize>;
+using point  = Form<tagPOINT, &Value::point>;
+using rpoint = Form<tagRPOINT, &Value::rpoint>;
+using rect   = Form<tagRECT, &Value::rect>;
+using rrect  = Form<tagRRECT, &Value::rrect>;
+using object = Form<IQXUnknown*, &Value::unknown>;
 
 constexpr Converter kCompounds[][8] = {
 //                  SIZE         RSIZE        POINT        RPOINT       RECT        RRECT        BLOB      UNKNOWN
@@ -281,10 +295,12 @@ int ConvertInPlace(tagQXVARIANT* v, unsigned short type) {
 
 }  // namespace
 
+}  // namespace qx
+
 int QXVariantChangeType(tagQXVARIANT* dest, const tagQXVARIANT* src, unsigned short type) {
-    if (dest == src) return ConvertInPlace(dest, type);
-    OldValue old(dest);
-    int converted = Convert(dest, *src, type);
+    if (dest == src) return qx::ConvertInPlace(dest, type);
+    qx::OldValue old(dest);
+    int converted = qx::Convert(dest, *src, type);
     old.LetGo();
     return converted;
 }

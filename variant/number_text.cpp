@@ -6,6 +6,8 @@
 
 #include <cstdio>
 
+namespace qx {
+
 namespace {
 
 constexpr int kSafeDigits = 9;  // fit 32 bits whatever they are
@@ -115,3 +117,5 @@ char* NewNumberText(double number) {
 char* NewNumberText(float number) {
     return NewFormatted("%g", number);
 }
+
+}  // namespace qx

@@ -2,6 +2,8 @@
 #ifndef QXCORE_VARIANT_NUMBER_TEXT_H
 #define QXCORE_VARIANT_NUMBER_TEXT_H
 
+namespace qx {
+
 // As sscanf: true if a number stood at the start, behind white space. A null text has none.
 bool ScanNumber(const char* text, int& number);
 bool ScanNumber(const char* text, unsigned& number);
@@ -13,5 +15,7 @@ char* NewNumberText(int number);
 char* NewNumberText(unsigned number);
 char* NewNumberText(double number);
 char* NewNumberText(float number);
+
+}  // namespace qx
 
 #endif

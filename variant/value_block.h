@@ -9,6 +9,8 @@
 
 #include <cstring>
 
+namespace qx {
+
 inline void* AllocValue(size_t size) {
     MemoryLock lock;
     return g_memory.NextHeapLocked()->AllocLocked(size);
@@ -68,5 +70,7 @@ inline bool SameBytes(const tagQXBLOB& a, const tagQXBLOB& b) {
     if (!a.data || !b.data) return a.size == 0 || a.data == b.data;
     return memcmp(a.data, b.data, a.size) == 0;
 }
+
+}  // namespace qx
 
 #endif

@@ -2,6 +2,8 @@
 
 #include <qxcore/string.h>
 
+namespace qx {
+
 namespace {
 
 // Empties the record and hands on what it owned: a record is empty before its value goes, so that
@@ -32,14 +34,6 @@ void CopyInto(tagQXVARIANT* dest, const tagQXVARIANT* src) {
 
 }  // namespace
 
-void QXVariantInit(tagQXVARIANT* v) {
-    memset(v, 0, sizeof *v);
-}
-
-void QXVariantClear(tagQXVARIANT* v) {
-    ClearVariant(v);
-}
-
 void ClearOwner(tagQXVARIANT* v) {
     switch (v->type) {
         case QXVT_STRING:
@@ -54,20 +48,30 @@ void ClearOwner(tagQXVARIANT* v) {
     }
 }
 
+}  // namespace qx
+
+void QXVariantInit(tagQXVARIANT* v) {
+    memset(v, 0, sizeof *v);
+}
+
+void QXVariantClear(tagQXVARIANT* v) {
+    qx::ClearVariant(v);
+}
+
 void QXVariantCopy(tagQXVARIANT* dest, const tagQXVARIANT* src) {
-    OldValue old(dest);
-    CopyInto(dest, src);
+    qx::OldValue old(dest);
+    qx::CopyInto(dest, src);
     old.LetGo();
 }
 
 CQXVariant::CQXVariant(const char* text) {
-    InitPlain(QXVT_STRING, CopyText(text), value.string);
+    InitPlain(QXVT_STRING, qx::CopyText(text), value.string);
 }
 
 CQXVariant::CQXVariant(const CXString& text) : CQXVariant(static_cast<const char*>(text)) {}
 
 CQXVariant::CQXVariant(const tagQXBLOB& blob) {
-    InitPlain(QXVT_BLOB, tagQXBLOB{blob.size, CopyBytes(blob.data, blob.size)}, value.blob);
+    InitPlain(QXVT_BLOB, tagQXBLOB{blob.size, qx::CopyBytes(blob.data, blob.size)}, value.blob);
 }
 
 // The new value is made before the old one goes, so either may be part of the other.
