@@ -10,6 +10,7 @@
 #include <qxcore/list.h>
 
 #include <new>
+#include <utility>
 
 namespace qx {
 
@@ -47,6 +48,12 @@ struct Element : STATSTG {
     IMalloc* allocator;
 };
 
+// Whether the reference held is the only one.
+bool IsLast(IXStorage* storage) {
+    storage->AddRef();
+    return storage->Release() == 1;
+}
+
 const char* NarrowName(const wchar_t* name) {
     constexpr int kSize = 512;
     static constinit char narrow[kSize] = {};
@@ -68,11 +75,19 @@ DWORD OleModeOf(unsigned flags, OleRole role) {
     return mode;
 }
 
-COleStorage::COleStorage(IStorage* ole, unsigned flags, IXStorage* parent, const char* path)
+COleStorage::COleStorage(IStorage* ole, unsigned flags, COleStorage* parent, const char* path)
     : m_path(path), m_flags(flags), m_parent(Hold(parent)), m_ole(Hold(ole)) {}
 
+// The storage goes before its parent, so that the root closes last. Each parent that would go is
+// parted from its own parent first.
 COleStorage::~COleStorage() {
     Commit();
+    m_ole.Release();
+    Reference<COleStorage> parent = std::move(m_parent);
+    while (parent && IsLast(parent.Get())) {
+        Reference<COleStorage> next = std::move(parent->m_parent);
+        parent = std::move(next);
+    }
 }
 
 int COleStorage::QueryInterface(qx_type_info const& id, IQXUnknown** out) {

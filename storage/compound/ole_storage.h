@@ -20,8 +20,9 @@ DWORD OleModeOf(unsigned flags, OleRole role);
 class COleStorage final : public CStorage {
 public:
     // The parent is null for a root.
-    COleStorage(IStorage* ole, unsigned flags, IXStorage* parent, const char* path);
-    // Commits: closing without Revert keeps what was written.
+    COleStorage(IStorage* ole, unsigned flags, COleStorage* parent, const char* path);
+    // Commits: closing without Revert keeps what was written. Parents that nobody else holds close
+    // one after the other, however deep storages are nested.
     ~COleStorage() override;
 
     int QueryInterface(qx_type_info const& id, IQXUnknown** out) override;
@@ -45,11 +46,9 @@ private:
     CTEnum<const char*>* EnumNames(DWORD type);
     bool IsInItsParent();
 
-    // The last release lets go of the storage first, then of the parent, so that the root closes
-    // last.
     CXString m_path;
     unsigned m_flags;
-    Reference<IXStorage> m_parent;
+    Reference<COleStorage> m_parent;
     Reference<IStorage> m_ole;
 };
 
