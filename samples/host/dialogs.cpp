@@ -40,6 +40,33 @@ INT_PTR CALLBACK TaskProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
             return TRUE;
         case WM_COMMAND:
             if (LOWORD(wparam) == IDOK || LOWORD(wparam) == IDCANCEL) ShowWindow(dialog, SW_HIDE);
+            if (LOWORD(wparam) == IDOK)
+                SendMessageA(GetParent(dialog), WM_COMMAND, ID_TASK_NOTED, 0);
+            return TRUE;
+        default:
+            return FALSE;
+    }
+}
+
+std::string TextOf(HWND dialog, int control) {
+    HWND window = GetDlgItem(dialog, control);
+    std::string text(static_cast<size_t>(GetWindowTextLengthA(window)) + 1, '\0');
+    text.resize(
+        static_cast<size_t>(GetWindowTextA(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+INT_PTR CALLBACK ServerProc(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
+    auto address = reinterpret_cast<std::string*>(GetWindowLongPtrA(dialog, DWLP_USER));
+    switch (message) {
+        case WM_INITDIALOG:
+            SetWindowLongPtrA(dialog, DWLP_USER, lparam);
+            SetDlgItemTextA(dialog, IDC_SERVER_ADDRESS, "ftp://");
+            return TRUE;
+        case WM_COMMAND:
+            if (LOWORD(wparam) == IDOK) *address = TextOf(dialog, IDC_SERVER_ADDRESS);
+            if (LOWORD(wparam) == IDOK || LOWORD(wparam) == IDCANCEL)
+                EndDialog(dialog, LOWORD(wparam));
             return TRUE;
         default:
             return FALSE;
@@ -82,6 +109,15 @@ void AskListToOpen(HINSTANCE instance, HWND owner) {
     open.lpstrInitialDir = "C:\\";
     open.Flags = OFN_EXPLORER | OFN_NOCHANGEDIR;
     GetOpenFileNameA(&open);
+}
+
+bool AskForAddress(HINSTANCE instance, HWND owner, std::string& address) {
+    return DialogBoxParamA(instance, MAKEINTRESOURCEA(IDD_SERVER), owner, ServerProc,
+                           reinterpret_cast<LPARAM>(&address)) == IDOK;
+}
+
+std::string TaskTitle(HWND dialog) {
+    return TextOf(dialog, IDC_TASK_TITLE);
 }
 
 void AskToDelete(HINSTANCE instance, HWND owner) {

@@ -4,7 +4,9 @@
 #include <qxcore/registry.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "document.h"
 
@@ -14,6 +16,7 @@ struct DocumentCommand {
     const char* file = nullptr;
     const char* plugin = nullptr;
     const char* title = nullptr;
+    int notes = 3;
     bool create = false;
     bool list = false;
 
@@ -32,6 +35,8 @@ struct DocumentCommand {
                 plugin = words[i];
             } else if (!std::strcmp(word, "--retitle")) {
                 title = words[i];
+            } else if (!std::strcmp(word, "--notes")) {
+                notes = std::atoi(words[i]);
             } else {
                 return false;
             }
@@ -45,13 +50,14 @@ int Fail(const char* what, const char* file) {
     return 2;
 }
 
-int Create(const char* file) {
+int Create(const char* file, int notes) {
+    constexpr const char* kTexts[] = {"Call back on Monday", "Water the plants", "Send the report"};
     Document document;
     document.title = "Plans for the week";
-    bool made = document.AddNote("note 1", "Call back on Monday") &&
-                document.AddNote("note 2", "Water the plants") &&
-                document.AddNote("note 3", "Send the report");
-    if (!made) return Fail("nobody makes the notes of the new document", file);
+    for (int i = 0; i < notes; ++i) {
+        if (!document.AddNote(("note " + std::to_string(i + 1)).c_str(), kTexts[i % 3]))
+            return Fail("nobody makes the notes of the new document", file);
+    }
     document.SaveAs(file);
     return 0;
 }
@@ -79,7 +85,9 @@ int RunDocumentCommand(int count, char** words) {
     DocumentCommand command;
     if (!command.Read(count, words)) {
         std::fputs(
-            "usage: host --document FILE [--plugin FILE] --create | --retitle TEXT | --list\n",
+            "usage: host --document FILE [--plugin FILE] --create [--notes COUNT] | --retitle TEXT "
+            "| "
+            "--list\n",
             stderr);
         return 2;
     }
@@ -90,7 +98,7 @@ int RunDocumentCommand(int count, char** words) {
     }
 
     try {
-        if (command.create) return Create(command.file);
+        if (command.create) return Create(command.file, command.notes);
         return command.title ? Retitle(command.file, command.title) : List(command.file);
     } catch (CXException& failure) {
         std::fprintf(stderr, "host: error %d with the document: %s\n", failure.GetCode(),

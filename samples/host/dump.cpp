@@ -8,6 +8,7 @@
 
 #include "dialogs.h"
 #include "modal_reader.h"
+#include "progress_dialog.h"
 #include "resource.h"
 #include "window.h"
 
@@ -133,6 +134,15 @@ void DumpDialogs(HINSTANCE instance, HWND window) {
     {
         ModalReader reader([](HWND dialog) { DumpDialog(dialog, "About"); });
         ShowAbout(instance, window);
+    }
+    {
+        ModalReader reader([](HWND dialog) { DumpDialog(dialog, std::to_string(IDD_SERVER)); });
+        std::string address;
+        AskForAddress(instance, window, address);
+    }
+    {
+        ModalReader reader([](HWND dialog) { DumpDialog(dialog, std::to_string(IDD_PROGRESS)); });
+        RunWithProgress(instance, window, [](WorkProgress&) {});
     }
     ModalReader reader([](HWND dialog) { DumpDialog(dialog, g_openDialog); });
     AskListToOpen(instance, window);

@@ -1,9 +1,10 @@
-// host.exe [--dictionary FILE] --show    opens the program's window
-// host.exe [--dictionary FILE] --dump    prints the texts of its live user interface and shows
-// nothing host.exe --document FILE ...           makes, changes or lists a document, as
-// document_command.cpp tells
+// host.exe [--dictionary FILE] [--plugin FILE] --show    opens the program's window
+// host.exe [--dictionary FILE] --dump    prints the texts of its live user interface
+// host.exe --document FILE ...           makes, changes or lists a document; document_command.cpp
 //
+// A plug-in makes the notes of the documents that the window opens; --dump shows no window.
 // Exit code 0, or 2 when the command line, the dictionary or the document cannot be read.
+#include <qxcore/registry.h>
 #include <qxcore/translation.h>
 
 #include <cstdio>
@@ -17,6 +18,7 @@ namespace {
 
 struct CommandLine {
     const char* dictionary = nullptr;
+    const char* plugin = nullptr;
     bool show = false;
     bool dump = false;
 
@@ -28,6 +30,8 @@ struct CommandLine {
                 dump = true;
             } else if (!std::strcmp(words[i], "--dictionary") && i + 1 < count) {
                 dictionary = words[++i];
+            } else if (!std::strcmp(words[i], "--plugin") && i + 1 < count) {
+                plugin = words[++i];
             } else {
                 return false;
             }
@@ -44,7 +48,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
 
     CommandLine command;
     if (!command.Read(__argc, __argv)) {
-        std::fputs("usage: host [--dictionary FILE] --show | --dump\n", stderr);
+        std::fputs("usage: host [--dictionary FILE] [--plugin FILE] --show | --dump\n", stderr);
         return 2;
     }
 
@@ -55,6 +59,11 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
             return 2;
         }
         Supp_InitResTranslation(instance);
+    }
+
+    if (command.plugin && !RegisterObject("SampleNote", command.plugin)) {
+        std::fprintf(stderr, "host: the plug-in cannot be found: %s\n", command.plugin);
+        return 2;
     }
 
     return command.dump ? DumpInterface(instance) : RunWindow(instance);

@@ -15,10 +15,12 @@
 #define ID_FILE_RECENT_2 1005
 #define ID_FILE_RECENT_CLEAR 1006
 #define ID_FILE_EXIT 1007
+#define ID_FILE_SERVER 1008
 #define ID_TASK_NEW 1011
 #define ID_TASK_PROPERTIES 1012
 #define ID_TASK_CLOSE 1013
 #define ID_TASK_DELETE 1014
+#define ID_TASK_NOTED 1015
 #define ID_VIEW_TOOLBAR 1021
 #define ID_VIEW_STATUS 1022
 #define ID_VIEW_SORT_TITLE 1023
@@ -30,7 +32,7 @@
 #define ID_HELP_MANUAL 1031
 #define ID_HELP_ABOUT 1032
 
-// The dialog "About" has a name, the other one a number.
+// The dialog "About" has a name, the others a number.
 #define IDD_TASK 130
 #define IDC_TASK_TITLE 1101
 #define IDC_TASK_PRIORITY 1102
@@ -38,6 +40,13 @@
 #define IDC_TASK_CLOSED 1104
 #define IDC_TASK_REMIND 1105
 #define IDC_ABOUT_MANUAL 1111
+
+#define IDD_SERVER 131
+#define IDC_SERVER_ADDRESS 1121
+
+#define IDD_PROGRESS 132
+#define IDC_PROGRESS_TEXT 1131
+#define IDC_PROGRESS_BAR 1132
 
 #define IDS_TITLE 300
 #define IDS_READY 301
@@ -59,7 +68,11 @@
 #define IDS_COLUMN_STATE 324
 #define IDS_DELETE_TASK 325
 #define IDS_DELETE_QUESTION 326
+#define IDS_READING 327
+#define IDS_STOPPING 328
+#define IDS_NOT_FETCHED 329
+#define IDS_NOT_PUT_BACK 330
 #define IDS_FIRST IDS_TITLE
-#define IDS_LAST IDS_DELETE_QUESTION
+#define IDS_LAST IDS_NOT_PUT_BACK
 
 #endif

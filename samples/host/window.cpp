@@ -4,6 +4,7 @@
 
 #include "dialogs.h"
 #include "resource.h"
+#include "server_document.h"
 
 namespace {
 
@@ -11,6 +12,9 @@ constexpr const char* g_className = "TaskListWindow";
 
 // The modeless dialog that stands beside the window, or null.
 HWND g_taskDialog = nullptr;
+
+// The document that came from a server; without an address there is none.
+ServerDocument g_open;
 
 HINSTANCE InstanceOf(HWND window) {
     return reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(window, GWLP_HINSTANCE));
@@ -33,6 +37,16 @@ void DrawStatus(HDC dc, RECT client, HINSTANCE instance) {
     TextOutA(dc, bar.left + 8, bar.top + 5, text.c_str(), static_cast<int>(text.size()));
 }
 
+// As many notes of the open document as there is room for.
+void DrawNotes(HDC dc, RECT client, std::string const& state) {
+    int y = 40;
+    for (std::string const& line : g_open.document.Lines()) {
+        if (y > client.bottom - 46) break;
+        DrawRow(dc, y, line, "", state);
+        y += 22;
+    }
+}
+
 void Draw(HWND window) {
     PAINTSTRUCT paint;
     HDC dc = BeginPaint(window, &paint);
@@ -46,9 +60,13 @@ void Draw(HWND window) {
     DrawRow(dc, 10, text(IDS_COLUMN_TASK), text(IDS_COLUMN_DUE), text(IDS_COLUMN_STATE));
     RECT line = {12, 30, client.right - 12, 32};
     DrawEdge(dc, &line, EDGE_ETCHED, BF_TOP);
-    DrawRow(dc, 40, text(IDS_TASK_1), text(IDS_DUE_1), text(IDS_STATE_OPEN));
-    DrawRow(dc, 62, text(IDS_TASK_2), text(IDS_DUE_2), text(IDS_STATE_OPEN));
-    DrawRow(dc, 84, text(IDS_TASK_3), text(IDS_DUE_3), text(IDS_STATE_CLOSED));
+    if (g_open.address.empty()) {
+        DrawRow(dc, 40, text(IDS_TASK_1), text(IDS_DUE_1), text(IDS_STATE_OPEN));
+        DrawRow(dc, 62, text(IDS_TASK_2), text(IDS_DUE_2), text(IDS_STATE_OPEN));
+        DrawRow(dc, 84, text(IDS_TASK_3), text(IDS_DUE_3), text(IDS_STATE_CLOSED));
+    } else {
+        DrawNotes(dc, client, text(IDS_STATE_OPEN));
+    }
     DrawStatus(dc, client, instance);
 
     SelectObject(dc, oldFont);
@@ -60,12 +78,38 @@ void OpenTaskDialog(HWND window) {
     ShowWindow(g_taskDialog, SW_SHOW);
 }
 
+void ShowOpenDocument(HWND window) {
+    std::string title = LoadText(InstanceOf(window), IDS_TITLE);
+    SetWindowTextA(window, (g_open.document.title + " - " + title).c_str());
+    EnableMenuItem(GetMenu(window), ID_FILE_SAVE, MF_BYCOMMAND | MF_ENABLED);
+    InvalidateRect(window, nullptr, TRUE);
+}
+
+// A new task becomes a note of the open document.
+void TakeTask(HWND window) {
+    if (g_open.address.empty()) return;
+    std::string name;
+    for (int n = 1; name.empty() || g_open.document.notes.count(name); ++n)
+        name = "note " + std::to_string(n);
+    g_open.document.AddNote(name.c_str(), TaskTitle(g_taskDialog).c_str());
+    InvalidateRect(window, nullptr, TRUE);
+}
+
 void OnCommand(HWND window, int command) {
     switch (command) {
         case ID_FILE_OPEN:
         case ID_FILE_RECENT_1:
         case ID_FILE_RECENT_2:
             AskListToOpen(InstanceOf(window), window);
+            break;
+        case ID_FILE_SERVER:
+            if (OpenFromServer(InstanceOf(window), window, g_open)) ShowOpenDocument(window);
+            break;
+        case ID_FILE_SAVE:
+            SaveToServer(InstanceOf(window), window, g_open);
+            break;
+        case ID_TASK_NOTED:
+            TakeTask(window);
             break;
         case ID_FILE_RECENT_CLEAR:
             TellListIsEmpty(window);
