@@ -5,6 +5,7 @@
 #include <qxcore/fileops.h>
 #include <qxcore/registry.h>
 #include <qxcore/stream.h>
+#include <qxcore/url.h>
 #include <qxcore/variant.h>
 
 #include <cstdio>

@@ -2,8 +2,9 @@
 
 #include <qxcore/reference.h>
 
-#include <commctrl.h>
 #include <objbase.h>
+
+#include <commctrl.h>
 
 #include <cstdio>
 #include <exception>

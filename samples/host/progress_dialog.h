@@ -3,6 +3,7 @@
 #ifndef HOST_PROGRESS_DIALOG_H
 #define HOST_PROGRESS_DIALOG_H
 
+#include <qxcore/platform.h>
 #include <qxcore/progress.h>
 
 #include <atomic>
