@@ -94,7 +94,7 @@ IXStorage* new_Storage(const char* path, int flags) {
 
 IXStorage* open_Storage(const char* path, int readOnly) {
     static constinit OleName wide;
-    if (Fio_PathIsURL(path)) throw CXFileException(QXERR_NETWORK, nullptr, QXOP_OPEN);
+    if (Fio_PathIsURL(path)) return open_UrlStorage(path, nullptr, readOnly);
     if (path && !IsSoundCompoundFile(path)) Check(STG_E_DOCFILECORRUPT, path);
     unsigned flags = readOnly ? QXSTG_READ_ONLY : QXSTG_TRANSACTED;
     Reference<IStorage> ole;

@@ -66,9 +66,25 @@ enum : int {
 // null; in a temporary file with bit 2. Throws CXFileException, operation 0, with the path.
 QXCORE_API IXStorage* new_Storage(const char* path, int flags);
 // An existing file, for reading, or transacted for reading and writing. Throws CXFileException,
-// operation 0: code 15 for a damaged file, whose tables are looked over first; code 13 for a URL,
-// without a name.
+// operation 0, with the path: code 6 for a missing file, code 8 for one that somebody else has open
+// or that this program has locked (Fio_ChangeNELock lifts the lock for as long as the storage is
+// open), code 15 for one that is no compound file or a damaged one, whose tables are looked over
+// first. A URL goes to open_UrlStorage.
 QXCORE_API IXStorage* open_Storage(const char* path, int readOnly);
+// The compound file behind a URL, by way of a local copy: the whole file is brought by FTP into the
+// file at localPath, which is overwritten, or into a new temporary file when that is null or empty,
+// and that is opened like open_Storage does. Changes reach the local copy and never the server.
+//
+// The storage forwards to the one over the copy: GetPath answers the URL, what is handed out are
+// the elements of the copy, and QueryInterface too is answered by the storage over the copy, with
+// itself for IXStorage and with the copy's properties for IQXProperty. The last release tries to
+// delete the copy, also one at a given path, but the copy is still open then: it stays behind, for
+// the program to delete.
+//
+// Null only when the heap gives no memory. Throws CXFileException, operation 0: code 13 without a
+// name when the file cannot be brought, for whatever reason, and otherwise what open_Storage
+// throws, with the local path. The call waits for the network without a time-out of its own.
+QXCORE_API IXStorage* open_UrlStorage(const char* url, const char* localPath, int readOnly);
 // Takes a reference on an IStorage. The path stays empty.
 QXCORE_API IXStorage* new_StorageByOleStorage(void* oleStorage);
 

@@ -26,8 +26,8 @@ void CommitWithParent(IXStorage* storage) {
 
 }  // namespace
 
-CIXStorParam::CIXStorParam(IXStorage* storage, IParam* parent, const char* name)
-    : m_name(name), m_storage(Hold(storage)) {
+CIXStorParam::CIXStorParam(IXStorage* storage, CIXStorParam* parent, const char* name)
+    : m_name(name), m_storage(Hold(storage)), m_above(parent) {
     m_attached.Register(storage, qx_typeid<IXStorage>(), 0);
     m_attached.Register(static_cast<IRegisterIface*>(this), qx_typeid<IRegisterIface>(), 0);
     SetParent(parent);
@@ -37,13 +37,39 @@ CIXStorParam::~CIXStorParam() {
     if (m_storage) Caught([this] { CommitWithParent(m_storage.Get()); });
 }
 
-// The last release commits first; then the template lets go of the parent, and the destructor
-// commits once more, with the storage above: what the closing parent wrote goes up with it.
 unsigned CIXStorParam::Release() {
-    bool last = AddRef() == 2;
-    Base::Release();
-    if (last && m_storage) Caught([this] { m_storage->Commit(); });
-    return Base::Release();
+    if (m_held > 1) {
+        --m_held;
+        return Base::Release();
+    }
+    End(CloseUpwards());
+    return 0;
+}
+
+// The last release of a node commits its storage, then lets go of the parent, then destroys the
+// node, which commits once more, with the storage above: what the parents wrote as they closed goes
+// up with it. Where that was the parent's last reference, the same happens to the parent in
+// between; the way up is walked, not nested. Answers the node that was closed last.
+CIXStorParam* CIXStorParam::CloseUpwards() {
+    CIXStorParam* node = this;
+    for (;;) {
+        if (node->m_storage) Caught([node] { node->m_storage->Commit(); });
+        Reference<IParam> parent(node->GetParent());
+        node->SetParent(nullptr);
+        bool isLast = parent && parent.Get() == node->m_above && node->m_above->m_held == 1;
+        if (!isLast) return node;
+        node->m_above->m_below = node;
+        node = node->m_above;
+        parent.Detach();
+    }
+}
+
+// Destroys the closed nodes from `top` down to the one whose release it was.
+void CIXStorParam::End(CIXStorParam* top) {
+    while (CIXStorParam* node = top) {
+        top = node->m_below;
+        node->Base::Release();
+    }
 }
 
 // The storage of a node that still has one.

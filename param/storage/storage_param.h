@@ -18,10 +18,10 @@ namespace qx {
 class CIXStorParam final : public CQXUnknownImplParent<IParam, IParam>, public IRegisterIface {
 public:
     // The parent is null for a root.
-    CIXStorParam(IXStorage* storage, IParam* parent, const char* name);
+    CIXStorParam(IXStorage* storage, CIXStorParam* parent, const char* name);
     ~CIXStorParam() override;
 
-    unsigned AddRef() override { return Base::AddRef(); }
+    unsigned AddRef() override { return m_held = Base::AddRef(); }
     unsigned Release() override;
     int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
         return m_attached.Query(id, out);
@@ -47,7 +47,10 @@ private:
 
     CAttachedInterfaces m_attached;
     CXString m_name;
-    Reference<IXStorage> m_storage;  // none after Clear
+    Reference<IXStorage> m_storage;   // none after Clear
+    unsigned m_held = 1;              // the public count
+    CIXStorParam* m_above;            // the parent it was made with; a host may set another one
+    CIXStorParam* m_below = nullptr;  // the node that closed this one
 
     enum class Missing { stays, isMade };
     IXStorage* Storage() const;
@@ -55,6 +58,8 @@ private:
     Reference<CIXStorParam> Child(const char* name, Missing missing);
     int SetOwnValue(const char* name, const tagQXVARIANT* value);
     void LetGoOfStorage();
+    CIXStorParam* CloseUpwards();
+    static void End(CIXStorParam* top);
 };
 
 }  // namespace qx

@@ -1,4 +1,5 @@
 // Trees over storages: what stands in the file, when it gets there, and what Clear leaves.
+#include "param/small_stack.h"
 #include "param/storage_fakes.h"
 #include "param/tree_text.h"
 #include "support/scratch_directory.h"
@@ -231,6 +232,18 @@ TEST_F(StorageParamTest, AHeldChildIsNotOpenedAgainAndIsReplacedWhereItIsCreated
     held.reset();
     SetInt(second.get(), "w", 3);
     EXPECT_EQ(GetInt(second.get(), "w"), 3);
+}
+
+TEST_F(StorageParamTest, APathOfManyLevelsIsWalkedDownAndClosedUpwards) {
+    constexpr int kLevels = 1000;
+    std::string path;
+    for (int i = 0; i < kLevels; ++i) path += "a\\";
+    OnSmallStack([&] {
+        SetInt(Create((path + "leaf").c_str()).get(), "v", 1);
+        EXPECT_EQ(GetInt(root.get(), (path + "leaf\\v").c_str()), 1);
+    });
+    OnSmallStack([&] { EXPECT_FALSE(Open((path + "missing").c_str())); });
+    EXPECT_TRUE(Open((path + "leaf").c_str()));
 }
 
 TEST_F(StorageParamTest, AParentIsHeldByItsChild) {
