@@ -3,7 +3,6 @@
 #include "storage/document/doc_stream.h"
 
 #include <qxcore/document.h>
-#include <qxcore/exception.h>
 
 #include <cassert>
 #include <cstring>
@@ -44,10 +43,6 @@ CIXDocStorage* CIXDocStorage::From(IXStorage* storage) {
 int CIXDocStorage::QueryInterface(qx_type_info const& id, IQXUnknown** out) {
     if (id != qx_typeid<IProgress>()) return InternalQueryInterface(id, out);
     return m_progress ? m_progress->QueryInterface(id, out) : QXAnswerQuery(nullptr, out);
-}
-
-void CIXDocStorage::Stop() {
-    throw CXException(m_progress ? QXERR_CANCELLED : QXERR_BAD_USE);
 }
 
 IXStorage* CIXDocStorage::Wrapped(IXStorage* child) {

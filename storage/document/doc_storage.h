@@ -23,15 +23,11 @@ public:
     IXStream* CreateStream(const char* name) override;
     IXStream* OpenStream(const char* name) override;
 
-    // Throws CXException: code 1 when the sink wants to stop, code 10 without a sink.
-    void Poll() {
-        if (!m_progress || m_progress->IsCancelled()) Stop();
-    }
+    IProgress* Sink() const { return m_progress.Get(); }
     IXStorage* Inner() const { return m_inner.Get(); }
 
 private:
     CIXDocStorage* Root() { return m_root ? m_root.Get() : this; }
-    [[noreturn]] void Stop();
     // Wrap what the inner storage has handed out; null stays null.
     IXStorage* Wrapped(IXStorage* child);
     IXStream* Wrapped(IXStream* stream);

@@ -77,14 +77,15 @@ public:
         return m_attached.Register(object, id, counted);
     }
 
+    unsigned InternalRelease() override;
+
     template <StreamOperation operation, class Call>
     auto Forward(Call call) {
         constexpr AskRow kRow = RowOf(operation);
         if constexpr (kRow.when == Asks::Never) {
             return call();
         } else {
-            // The sink may let go of the stream in its answer.
-            Reference<CIXDocStream> alive = Hold(this);
+            Work work(*this);
             if constexpr (kRow.tellsFirst) Tell();
             if constexpr (kRow.when == Asks::Before) {
                 Poll();
@@ -98,19 +99,62 @@ public:
     }
 
 private:
+    enum class State : unsigned char {
+        Idle,
+        Working,
+        LetGo,  // while it was working, and holding itself since
+    };
+
+    // An operation under way, which the object outlives: whom it calls may let go of the stream.
+    // Counting references for that in each operation would be half its price.
+    class Work {
+    public:
+        explicit Work(CIXDocStream& stream)
+            : m_stream(stream), m_outermost(stream.m_state == State::Idle) {
+            if (m_outermost) stream.m_state = State::Working;
+        }
+        Work(const Work&) = delete;
+        Work& operator=(const Work&) = delete;
+        ~Work() {
+            if (!m_outermost) return;
+            bool letGo = m_stream.m_state == State::LetGo;
+            m_stream.m_state = State::Idle;
+            if (letGo) m_stream.InternalRelease();
+        }
+
+    private:
+        CIXDocStream& m_stream;
+        bool m_outermost;
+    };
+
     void Poll() {
-        if (!m_storage) throw CXException(QXERR_BAD_USE);
-        m_storage->Poll();
+        if (!m_sink || m_sink->IsCancelled()) Stop();
+    }
+    [[noreturn]] QXCORE_NOINLINE void Stop() {
+        throw CXException(m_sink ? QXERR_CANCELLED : QXERR_BAD_USE);
     }
 
     // The table goes first, then the storage.
     Reference<CIXDocStorage> m_storage;  // null without a document
     CAttachedInterfaces m_attached;
+    IProgress* m_sink;  // the document's, which holds it; null without one
     int m_flag;
+    State m_state = State::Idle;
 };
 
+unsigned CIXDocStream::InternalRelease() {
+    if (m_state == State::Working) {
+        InternalAddRef();
+        m_state = State::LetGo;
+    }
+    return CForwardingStream::InternalRelease();
+}
+
 CIXDocStream::CIXDocStream(CIXDocStorage* storage, Reference<IXStream> inner, int flag)
-    : CForwardingStream(std::move(inner)), m_storage(Hold(storage)), m_flag(flag) {
+    : CForwardingStream(std::move(inner)),
+      m_storage(Hold(storage)),
+      m_sink(storage ? storage->Sink() : nullptr),
+      m_flag(flag) {
     m_attached.Register(static_cast<IRegisterIface*>(this), qx_typeid<IRegisterIface>(), 0);
 }
 

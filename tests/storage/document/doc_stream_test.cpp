@@ -406,6 +406,39 @@ TEST_F(DocStreamTest, EachOperationEndsAsItShouldWhenTheSinkLetsGoOfTheDocument)
     }
 }
 
+// The wrapper outside works on while the one inside asks.
+TEST_F(DocStreamTest, TheSinkOfTheInnerWrapperMayLetGoOfTheOuterOne) {
+    for (int stop : {0, 1}) {
+        for (const Operation& row : Operations()) {
+            if (!Asks(row)) continue;
+            Reference<TestSink> outerSink = Make<TestSink>();
+            Reference<IXStorage> held = Watch(document.Get(), outerSink.Get());
+            Reference<IXStream> last = WatchStream(held.Get(), stream.Get());
+            sink->answer = [&] {
+                held.Release();
+                last.Release();
+                return stop;
+            };
+            EXPECT_EQ(Thrown([&] { row.call(last.Get()); }), stop ? "1" : "nothing") << row.name;
+            EXPECT_EQ(CountOf(outerSink.Get()), 1u) << row.name;
+            EXPECT_EQ(CountOf(stream.Get()), 1u) << row.name;
+        }
+    }
+}
+
+// A sink may use the stream that asks it, and count references on it.
+TEST_F(DocStreamTest, ASinkMayUseTheStreamThatAsks) {
+    unsigned depth = 0;
+    sink->answer = [&] {
+        Reference<IXStream> again = Ask<IXStream>(stream.Get());
+        if (++depth < 3) again->WriteByte(1);
+        return 0;
+    };
+    EXPECT_EQ(stream->ReadByte(), 105);
+    EXPECT_EQ(log, "ReadByte ask ask ask WriteByte WriteByte ");
+    EXPECT_EQ(CountOf(stream.Get()), 1u);
+}
+
 TEST_F(DocStreamTest, WhatTheSinkThrowsReachesTheCallerOfEachOperation) {
     struct Interruption {};
     sink->answer = []() -> int { throw Interruption(); };
