@@ -19,6 +19,11 @@ bool IsAscii(char c) {
     return c >= 0;
 }
 
+// A character, not the terminator.
+bool IsAsciiValue(wchar_t ch) {
+    return ch && ch < 0x80;
+}
+
 bool IsAscii(const char* s) {
     return ScanText(s).isAscii;
 }
@@ -149,22 +154,33 @@ const char* NarrowText::FindLastAny(const char* s, const char* set) {
     return Characters::OfRuntime().FindLastAny(s, set);
 }
 
-const char* NarrowText::FindCharacter(const char* s, wchar_t ch) {
-    const char ascii[] = {static_cast<char>(ch), 0};
-    if (ch && ch < 0x80) return Find(s, ascii);
-    const Characters characters = Characters::OfRuntime();
-    CharText text;
-    if (!SpellWhole(characters, ch, text)) return nullptr;
-    return *text ? characters.FindText(s, text) : s + ScanLength(s);
+ptrdiff_t NarrowText::IndexOfPlace(const char* s, const char* place) {
+    return place ? static_cast<ptrdiff_t>(Count(s, static_cast<size_t>(place - s))) : -1;
 }
 
-const char* NarrowText::FindLastCharacter(const char* s, wchar_t ch) {
-    const char ascii[] = {static_cast<char>(ch), 0};
-    if (ch && ch < 0x80) return FindLastAny(s, ascii);
+// The scan that finds an ASCII character knows whether others stand before it.
+ptrdiff_t NarrowText::IndexOf(const char* s, const char* from, wchar_t ch) {
+    if (IsAsciiValue(ch)) {
+        ScannedByte found = ScanForByte(from, static_cast<char>(ch));
+        if (!found.place) return -1;
+        if (found.isAscii && from == s) return found.place - s;
+    }
     const Characters characters = Characters::OfRuntime();
     CharText text;
-    if (!SpellWhole(characters, ch, text)) return nullptr;
-    return *text ? characters.FindLastAny(s, text) : s + ScanLength(s);
+    if (!SpellWhole(characters, ch, text)) return -1;
+    return IndexOfPlace(s, *text ? characters.FindText(from, text) : s + ScanLength(s));
+}
+
+ptrdiff_t NarrowText::LastIndexOf(const char* s, wchar_t ch) {
+    if (IsAsciiValue(ch)) {
+        const char* last = ScanForLastUnit(s, static_cast<char>(ch));
+        if (!last) return -1;
+        if (ScanIsAscii(s, static_cast<size_t>(last - s))) return last - s;
+    }
+    const Characters characters = Characters::OfRuntime();
+    CharText text;
+    if (!SpellWhole(characters, ch, text)) return -1;
+    return IndexOfPlace(s, *text ? characters.FindLastAny(s, text) : s + ScanLength(s));
 }
 
 size_t NarrowText::LeadingSpace(const char* s) {

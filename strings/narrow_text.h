@@ -10,6 +10,7 @@
 
 #include <qxcore/platform.h>
 
+#include <cstddef>
 #include <cstring>
 
 namespace qx {
@@ -44,10 +45,11 @@ struct NarrowText {
     static const char* Find(const char* s, const char* what);
     static const char* FindAny(const char* s, const char* set);
     static const char* FindLastAny(const char* s, const char* set);
-    // As the runtime's searches take a value: where there are double-byte characters it is a whole
-    // one, elsewhere its low byte. The character 0 is the terminator.
-    static const char* FindCharacter(const char* s, wchar_t ch);
-    static const char* FindLastCharacter(const char* s, wchar_t ch);
+    // The index in s of the first character ch from the place `from` on, and of the last one; -1
+    // for none. As the runtime's searches take a value: where there are double-byte characters it
+    // is a whole one, elsewhere its low byte. The character 0 is the terminator.
+    static ptrdiff_t IndexOf(const char* s, const char* from, wchar_t ch);
+    static ptrdiff_t LastIndexOf(const char* s, wchar_t ch);
 
     // The units of white space that the text begins with, and those that are left when the white
     // space at its end goes. No part of a longer character is white space.
@@ -70,6 +72,7 @@ struct NarrowText {
 private:
     static void SpellBeyondByte(wchar_t ch, char (&text)[kCharUnits + 1]);
     static size_t CountBeyondAscii(const char* s, size_t size);
+    static ptrdiff_t IndexOfPlace(const char* s, const char* place);
 };
 
 }  // namespace qx

@@ -108,7 +108,7 @@ int CTString<S, Ch>::Find(const Ch* s, int start) const {
 template <class S, class Ch>
 int CTString<S, Ch>::Find(wchar_t ch, int start) const {
     const Ch* from = SearchFrom(start);
-    return from ? IndexOf(qx::TextOf<Ch>::FindCharacter(from, ch)) : -1;
+    return from ? static_cast<int>(qx::TextOf<Ch>::IndexOf(data, from, ch)) : -1;
 }
 
 template <class S, class Ch>
@@ -119,7 +119,7 @@ int CTString<S, Ch>::FindOnOf(const Ch* set, int start) const {
 
 template <class S, class Ch>
 int CTString<S, Ch>::FindRev(wchar_t ch) const {
-    return *data ? IndexOf(qx::TextOf<Ch>::FindLastCharacter(data, ch)) : -1;
+    return *data ? static_cast<int>(qx::TextOf<Ch>::LastIndexOf(data, ch)) : -1;
 }
 
 template <class S, class Ch>

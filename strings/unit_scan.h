@@ -50,8 +50,11 @@ public:
     UnitBlock<Ch> Block() const { return UnitBlock<Ch>(m_block); }
     // Leaves out what lies before the text.
     unsigned Within(unsigned bits) const { return bits & m_mask; }
-    // The unit of the lowest bit.
+    // The unit of the lowest bit, and that of the highest.
     const Ch* At(unsigned bits) const { return m_block + std::countr_zero(bits) / sizeof(Ch); }
+    const Ch* LastAt(unsigned bits) const {
+        return m_block + (std::bit_width(bits) - 1) / sizeof(Ch);
+    }
     // The units from s, which is not behind this block, to the block's end.
     size_t UnitsFrom(const Ch* s) const { return m_block + UnitBlock<Ch>::kUnits - s; }
     void Next() {
@@ -134,6 +137,37 @@ const Ch* ScanForUnit(const Ch* s, Ch c) {
         if (unsigned stops = walk.Within(block.Equal(c) | block.Equal(0))) {
             const Ch* stop = walk.At(stops);
             return *stop == c ? stop : nullptr;
+        }
+    }
+}
+
+// The last one in front of the terminator.
+template <class Ch>
+const Ch* ScanForLastUnit(const Ch* s, Ch c) {
+    const Ch* last = nullptr;
+    for (BlockWalk<Ch> walk(s);; walk.Next()) {
+        UnitBlock<Ch> block = walk.Block();
+        unsigned ends = walk.Within(block.Equal(0));
+        unsigned hits = walk.Within(block.Equal(c)) & ((ends & (0 - ends)) - 1);
+        if (hits) last = walk.LastAt(hits);
+        if (ends) return last;
+    }
+}
+
+// The first place of a byte, or null, and whether all bytes before it are ASCII.
+struct ScannedByte {
+    const char* place;
+    bool isAscii;
+};
+inline ScannedByte ScanForByte(const char* s, char c) {
+    unsigned high = 0;
+    for (BlockWalk<char> walk(s);; walk.Next()) {
+        UnitBlock<char> block = walk.Block();
+        unsigned stops = walk.Within(block.Equal(c) | block.Equal(0));
+        high |= walk.Within(block.HighBytes()) & ((stops & (0 - stops)) - 1);
+        if (stops) {
+            const char* stop = walk.At(stops);
+            return {*stop == c ? stop : nullptr, high == 0};
         }
     }
 }

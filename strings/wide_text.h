@@ -8,6 +8,7 @@
 #include <qxcore/platform.h>
 
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cwchar>
 #include <wctype.h>
@@ -38,12 +39,11 @@ struct WideText {
     static const wchar_t* FindLastAny(const wchar_t* s, const wchar_t* set) {
         return ScanBackForAny(s, s + Length(s), set);
     }
-    static const wchar_t* FindCharacter(const wchar_t* s, wchar_t ch) {
-        return ch ? ScanForUnit(s, ch) : s + Length(s);
+    static ptrdiff_t IndexOf(const wchar_t* s, const wchar_t* from, wchar_t ch) {
+        return IndexOfPlace(s, ch ? ScanForUnit(from, ch) : s + Length(s));
     }
-    static const wchar_t* FindLastCharacter(const wchar_t* s, wchar_t ch) {
-        const wchar_t set[] = {ch, 0};
-        return ch ? FindLastAny(s, set) : s + Length(s);
+    static ptrdiff_t LastIndexOf(const wchar_t* s, wchar_t ch) {
+        return IndexOfPlace(s, ch ? ScanForLastUnit(s, ch) : s + Length(s));
     }
 
     static size_t LeadingSpace(const wchar_t* s) {
@@ -75,6 +75,9 @@ struct WideText {
     static int PrintedSize(const wchar_t* format, char* args) { return _vscwprintf(format, args); }
 
 private:
+    static ptrdiff_t IndexOfPlace(const wchar_t* s, const wchar_t* place) {
+        return place ? place - s : -1;
+    }
     // Of the low byte, as CTString says.
     static bool IsSpace(wchar_t c) { return iswspace(c & 0xFF) != 0; }
 };
