@@ -1,18 +1,42 @@
 #include "file/platform/guarded_copy.h"
 
+#include <qxcore/export.h>
 #include <qxcore/platform.h>
 
 #include <cstdint>
 
 #if defined(_MSC_VER)
 
+#include <intrin.h>
+
 namespace {
 
-// Not memcpy: the compiler must see the access inside the guarded block.
+// Each access stands in a function that is not inlined: a compiler may take a plain one inside a
+// guarded block for one that cannot fault, and drop the guard. A call it keeps.
+template <class T>
+QXCORE_NOINLINE void Assign(void* to, const void* from) {
+    *static_cast<T __unaligned*>(to) = *static_cast<const T __unaligned*>(from);
+}
+
+QXCORE_NOINLINE void CopyBlock(void* to, const void* from, size_t count) {
+    __movsb(static_cast<unsigned char*>(to), static_cast<const unsigned char*>(from), count);
+}
+
+// `copied` counts as it goes, so that it tells the truth behind a fault.
+QXCORE_NOINLINE void CopyLine(char* to, const char* from, size_t count,
+                              volatile ptrdiff_t& copied) {
+    constexpr char kLineFeed = 10;
+    while (size_t(copied) < count) {
+        char byte = to[copied] = from[copied];
+        copied = copied + 1;
+        if (byte == kLineFeed) return;
+    }
+}
+
 template <class T>
 int GuardedAssign(void* to, const void* from) {
     __try {
-        *static_cast<T __unaligned*>(to) = *static_cast<const T __unaligned*>(from);
+        Assign<T>(to, from);
         return 1;
     } __except (EXCEPTION_EXECUTE_HANDLER) {
         return 0;
@@ -36,7 +60,7 @@ int qx_guarded_copy_8(void* to, const void* from) {
 
 int qx_guarded_copy_block(void* to, const void* from, size_t count) {
     __try {
-        __movsb(static_cast<unsigned char*>(to), static_cast<const unsigned char*>(from), count);
+        CopyBlock(to, from, count);
         return 1;
     } __except (EXCEPTION_EXECUTE_HANDLER) {
         return 0;
@@ -46,11 +70,7 @@ int qx_guarded_copy_block(void* to, const void* from, size_t count) {
 ptrdiff_t qx_guarded_copy_line(char* to, const char* from, size_t count) {
     volatile ptrdiff_t copied = 0;
     __try {
-        while (size_t(copied) < count) {
-            char byte = to[copied] = from[copied];
-            ++copied;
-            if (byte == 10) break;
-        }
+        CopyLine(to, from, count, copied);
         return copied;
     } __except (EXCEPTION_EXECUTE_HANDLER) {
         return ~copied;

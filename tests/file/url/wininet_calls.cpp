@@ -74,7 +74,7 @@ BOOL WINAPI MakeDirectory(HINTERNET connection, LPCSTR path) {
 }
 
 HINTERNET WINAPI OpenRemote(HINTERNET connection, LPCSTR path, DWORD access, DWORD flags,
-                          DWORD_PTR context) {
+                            DWORD_PTR context) {
     Note("FtpOpenFileA", path, access, flags, context);
     return Opened(FtpOpenFileA(connection, path, access, flags, context));
 }

@@ -8,15 +8,17 @@ Each new connection reads the file of faults: lines of
     delay COMMAND SECONDS  COMMAND reaches the server later
     close COMMAND          the connection is closed when COMMAND comes
     listing FILE           each listing is the bytes of FILE
-    cut COUNT              everything is closed behind so many bytes of data, in whichever direction
-    reset COUNT            the same, by a reset
-    end COUNT              the data connection ends behind so many bytes, the commands go on
+    cut COUNT              data goes no further behind so many bytes, in whichever direction, and everything is closed
+    reset COUNT            the same, the data connections by a reset
+    end COUNT              the data ends behind so many bytes, and the server says all the same that it is whole
+    whole TEXT             TEXT takes the place of the server's 226, which says that a transfer is whole
     no data                the server's 150 comes, but no data connection
     hold COUNT             data stops for good behind so many bytes, and everything stays open
 
 In TEXT a "|" stands for the end of a line. An absent or empty file means an honest proxy.
 """
 import pathlib
+import queue
 import socket
 import struct
 import threading
@@ -36,7 +38,9 @@ class Faults:
     def __init__(self, path):
         self.lines = []
         if path.exists():
-            self.lines = [line.split(" ", 2) for line in path.read_text("latin-1").splitlines() if line]
+            for line in path.read_text("latin-1").splitlines():
+                words = 1 if line.split(" ")[0] in ("greeting", "whole", "listing") else 2
+                self.lines.append(line.split(" ", words))
 
     def find(self, verb, command=None):
         """The last word of the first line that starts so, or None."""
@@ -85,9 +89,9 @@ class Session:
 
     def __init__(self, client, server, faults, log):
         self.client, self.server, self.faults, self.log = client, server, faults, log
-        self.command = ""
         self.listing = faults.find("listing")
-        self.guard = threading.Lock()
+        self.transfer = queue.SimpleQueue()  # what was asked for
+        self.carried = queue.SimpleQueue()  # whether its data has gone the whole way
 
     def run(self):
         self.log.write("connected")
@@ -98,8 +102,8 @@ class Session:
         self.end()
         self.log.write("gone")
 
-    def end(self, reset=False):
-        close(self.client, reset)
+    def end(self):
+        close(self.client)
         close(self.server)
 
     def say(self, data):
@@ -112,7 +116,12 @@ class Session:
         first = self.faults.find("greeting")
         if self.faults.find("silent", "greeting") is not None:
             return
+        whole = self.faults.find("whole")
         for line in lines_of(self.server):
+            if line.startswith(b"226") and not self.carried.get():
+                continue
+            if line.startswith(b"226") and whole:
+                line = text_of(whole)
             self.say(text_of(first) if first else line)
             first = None
         self.end()
@@ -121,7 +130,7 @@ class Session:
         """Passes a command on, or does what a fault asks for instead. False when the connection is to end."""
         words = line.decode("utf-8", "surrogateescape").rstrip("\r\n")
         self.log.write(words)
-        self.command = command = words.split(" ")[0].upper()
+        command = words.split(" ")[0].upper()
         if self.faults.find("close", command) is not None:
             return False
         if self.faults.find("silent", command) is not None:
@@ -135,6 +144,8 @@ class Session:
             time.sleep(float(delay))
         if command == "PORT":
             line = self.redirect(words)
+        elif command in ("RETR", "STOR", "LIST"):
+            self.transfer.put(command)
         try:
             self.server.sendall(line)
         except OSError:
@@ -151,64 +162,67 @@ class Session:
         return f"PORT 127,0,0,1,{port // 256},{port % 256}\r\n".encode()
 
     def join(self, listener, target):
-        listener.settimeout(60)
+        """Carries one transfer. The server may connect before it is asked for anything."""
+        carried = False
         try:
-            server, _ = listener.accept()
+            with listener:
+                listener.settimeout(60)
+                server, _ = listener.accept()
+            command = self.transfer.get(timeout=60)
             if self.faults.find("no", "data") is not None:
                 return
-            client = socket.create_connection(target)
-        except OSError:
-            return
+            with server, socket.create_connection(target) as client:
+                carried = self.carry(command, server, client)
+        except (OSError, queue.Empty):
+            pass
         finally:
-            listener.close()
-        if self.listing and self.command == "LIST":
-            self.replace_listing(server, client)
-            return
-        down = threading.Thread(target=self.pump, args=(server, client), daemon=True)
-        down.start()
-        self.pump(client, server)
-        down.join()
-        server.close()
-        client.close()
+            self.carried.put(carried)
+
+    def carry(self, command, server, client):
+        if command == "LIST":
+            if self.listing:
+                self.replace_listing(server, client)
+                return True
+            return self.pump(server, client)
+        source, target = (client, server) if command == "STOR" else (server, client)
+        return self.pump(source, target, *self.limit())
 
     def replace_listing(self, server, client):
         while server.recv(65536):
             pass
-        try:
-            client.sendall(pathlib.Path(self.listing).read_bytes())
-        except OSError:
-            pass
-        close(client)
-        server.close()
-
-    def pump(self, source, target):
-        kind, left = self.limit()
-        try:
-            while data := source.recv(min(65536, left) if left else 65536):
-                target.sendall(data)
-                if left:
-                    left -= len(data)
-                if left == 0:
-                    self.stop(kind, source, target)
-                    return
-            target.shutdown(socket.SHUT_WR)
-        except OSError:
-            pass
+        client.sendall(pathlib.Path(self.listing).read_bytes())
 
     def limit(self):
         for kind in ("cut", "reset", "end", "hold"):
             count = self.faults.find(kind)
-            if count is not None and self.command in ("RETR", "STOR"):
+            if count is not None:
                 return kind, int(count)
         return None, None
+
+    def pump(self, source, target, kind=None, left=None):
+        """Whether all has gone through, as far as anybody is to know."""
+        while left != 0 and (data := source.recv(min(65536, left or 65536))):
+            target.sendall(data)
+            if left:
+                left -= len(data)
+        if left == 0:
+            self.stop(kind, source, target)
+        return left != 0 or kind == "end"
 
     def stop(self, kind, source, target):
         if kind == "hold":
             time.sleep(3600)
-        if kind != "end":
-            self.end(reset=kind == "reset")
-        close(source, reset=kind == "reset")
-        close(target, reset=kind == "reset")
+        if kind == "reset":
+            close(source, reset=True)
+            close(target, reset=True)
+            self.end()
+            return
+        # A connection that is closed with bytes in it would be reset.
+        close(target)
+        while source.recv(65536):
+            pass
+        if kind == "cut":
+            self.end()
 
 
 class Proxy:
