@@ -15,6 +15,7 @@
 #include <qxcore/listitem.h>
 #include <qxcore/lock.h>
 #include <qxcore/map.h>
+#include <qxcore/observer.h>
 #include <qxcore/param.h>
 #include <qxcore/persist.h>
 #include <qxcore/platform.h>

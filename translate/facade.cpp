@@ -1,5 +1,5 @@
 // Every exported function of the translation layer, in the order of <qxcore/translation.h>.
-#include "translate/dictionary/dictionary.h"
+#include "translate/places/lookup.h"
 #include "translate/interception/import_table.h"
 #include "translate/interception/interception.h"
 #include "translate/interception/module_lists.h"
@@ -35,6 +35,10 @@ void Supp_SetTranslationEnable(int enable) {
 
 int Supp_IsTranslationEnable() {
     return qx::g_bTranslationEnable;
+}
+
+void Supp_SetLookupObserver(QXLookupObserver observer, void* context) {
+    qx::SetObserver(observer, context);
 }
 
 HFONT Supp_GetFont() {

@@ -39,6 +39,16 @@ inline int Narrow(const wchar_t* text, int length, char* out, int room, DWORD fl
     return fits ? WideCharToMultiByte(CP_ACP, flags, text, fits, out, room, nullptr, nullptr) : 0;
 }
 
+// A wide text as the code page spells it, as far as it fits.
+struct InCodePage {
+    InCodePage(const void* wide, size_t characters) {
+        constexpr size_t kMost = sizeof text - 1;
+        auto length = static_cast<int>(characters < kMost ? characters : kMost);
+        text[Narrow(static_cast<const wchar_t*>(wide), length, text, kMost, 0)] = 0;
+    }
+    char text[1024];
+};
+
 }  // namespace qx
 
 #endif

@@ -3,6 +3,8 @@
 #ifndef QXCORE_TRANSLATE_INTERCEPTION_INTERCEPTION_H
 #define QXCORE_TRANSLATE_INTERCEPTION_INTERCEPTION_H
 
+#include "translate/places/lookup.h"
+
 #include <qxcore/platform.h>
 
 #include <atomic>
@@ -59,6 +61,12 @@ Function* RealProc(Intercepted which, Function* ownImport) {
     return found ? reinterpret_cast<Function*>(found) : ownImport;
 }
 #define QX_REAL(function) RealProc(k##function, ::function)
+
+// The intercepted call `function` for a module, as the observer is told of it.
+#define QX_CALL(function, module)  \
+    LookupCall {                   \
+#function, module, nullptr \
+    }
 
 // Puts the thread's last error back at the end of its scope: after a replacement a caller sees the
 // real function's, whatever else the replacement asked of the system.

@@ -3,6 +3,7 @@
 #ifndef QXCORE_TRANSLATE_INTERCEPTION_MODULE_LISTS_H
 #define QXCORE_TRANSLATE_INTERCEPTION_MODULE_LISTS_H
 
+#include "translate/places/lookup.h"
 #include "translate/places/module_name.h"
 
 #include <atomic>
@@ -65,6 +66,11 @@ inline bool IsTranslationActive(ModuleName& module) {
     if (!address || (address & kWithinPage)) return true;
     if (module.IsProgram() && !IsListedExclusion(module.Module())) return true;
     return !IsExcluded(module);
+}
+
+// Why a call that is not translated is not.
+inline QXLookupEnd WhyNotActive() {
+    return IsSwitchedOn() ? QXLOOKUP_EXCLUDED : QXLOOKUP_OFF;
 }
 
 inline bool IsTranslationActive(const void* module) {

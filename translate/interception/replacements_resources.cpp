@@ -44,7 +44,7 @@ HRSRC FindTranslatedEx(Function* real, HMODULE module, const Name* type, const N
 QXCORE_NOINLINE HGLOBAL LoadAny(HMODULE module, HRSRC resource) {
     QX_RESITEM* record = RecordOf(resource);
     if (!record || !IsRecordActive(record, module)) return QX_REAL(LoadResource)(module, resource);
-    return LoadRecord(record);
+    return LoadRecord(record, QX_CALL(LoadResource, module).function);
 }
 
 QXCORE_NOINLINE DWORD SizeOfAny(HMODULE module, HRSRC resource) {

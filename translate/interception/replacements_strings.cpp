@@ -4,6 +4,7 @@
 #include "translate/places/context_key.h"
 
 #include <qxcore/dictionary.h>
+#include <qxcore/export.h>
 
 #include <cstring>
 
@@ -31,18 +32,55 @@ int WidenInto(const char* text, int length, wchar_t* buffer, int size) {
     return fits ? characters + 1 : 0;
 }
 
+// Tells why a wide string was not looked up. Without room the buffer takes the string's address.
+QXCORE_NOINLINE void TellWide(const LookupCall& call, const wchar_t* buffer, int size, int length,
+                              QXLookupEnd end) {
+    if (!size && !buffer) return;
+    const wchar_t* text = size ? buffer : *reinterpret_cast<wchar_t* const*>(buffer);
+    Tell(call, InCodePage(text, static_cast<size_t>(length)).text, nullptr, end);
+}
+
+// The place of a string with its key written out, for the observer.
+class ToldPlace {
+public:
+    ToldPlace(ModuleName& module, UINT id, const PlaceHash& hash) : m_place{hash, &m_call} {
+        m_call = QX_CALL(LoadStringA, module.Module());
+        if (!hash) return;
+        WriteResourceKey(module, BlockId(id), m_key, sizeof m_key, QXKEY_STRINGS);
+        m_call.place = m_key;
+    }
+    operator const Place&() const { return m_place; }
+
+    // The sixteen strings of a block share its key.
+    static const void* BlockId(UINT id) {
+        return reinterpret_cast<const void*>(static_cast<uintptr_t>(BlockOf(id)));
+    }
+    static UINT BlockOf(UINT id) { return (id >> 4) + 1; }
+
+private:
+    char m_key[300];
+    LookupCall m_call;
+    Place m_place;
+};
+
 }  // namespace
 
 int WINAPI NewLoadStringA(HINSTANCE module, UINT id, char* buffer, int size) {
     auto real = QX_REAL(LoadStringA);
     ModuleName name(module);
-    if (!IsTranslationActive(name)) return real(module, id, buffer, size);
+    bool isActive = IsTranslationActive(name);
     int length = real(module, id, buffer, size);
     if (length <= 0 || size <= 0) return length;
+    if (!isActive) {
+        if (IsObserved()) Tell(QX_CALL(LoadStringA, module), buffer, nullptr, WhyNotActive());
+        return length;
+    }
     PlaceHash place;
-    // The sixteen strings of a block share its key.
-    if (id < kFirstIdWithoutKey) place = PlaceOfStrings(name, (id >> 4) + 1);
-    return static_cast<int>(TranslateBufferAt(buffer, static_cast<unsigned>(size), place, 0));
+    if (id < kFirstIdWithoutKey) place = PlaceOfStrings(name, ToldPlace::BlockOf(id));
+    auto room = static_cast<unsigned>(size);
+    if (IsObserved())
+        return static_cast<int>(TranslateBufferAt(buffer, room, ToldPlace(name, id, place), 0));
+    return static_cast<int>(TranslateBufferAt(buffer, room, {place}, 0));
 }
 
 // The text crosses the code page both ways, so characters that it lacks are lost even where nothing
@@ -50,14 +88,20 @@ int WINAPI NewLoadStringA(HINSTANCE module, UINT id, char* buffer, int size) {
 // translation that is cut.
 int WINAPI NewLoadStringW(HINSTANCE module, UINT id, wchar_t* buffer, int size) {
     auto real = QX_REAL(LoadStringW);
-    if (!IsTranslationActive(module)) return real(module, id, buffer, size);
+    LookupCall call = QX_CALL(LoadStringW, module);
+    bool isActive = IsTranslationActive(module);
     int characters = real(module, id, buffer, size);
-    if (characters <= 0 || size <= 0) return characters;
+    if (characters <= 0 || size < 0) return characters;
     KeptLastError kept;
+    if (!isActive || !size) {
+        QXLookupEnd end = isActive ? QXLOOKUP_POINTER : WhyNotActive();
+        if (IsObserved()) TellWide(call, buffer, size, characters, end);
+        return characters;
+    }
     char text[kTextSize];
     int length = Narrow(buffer, characters, text, kTextSize - 1, WC_COMPOSITECHECK);
     text[length] = 0;
-    length = static_cast<int>(g_Wld.Translate(text, kTextSize));
+    length = static_cast<int>(TranslateBuffer(g_Wld, text, kTextSize, IfObserved(call)));
     return WidenInto(text, length, buffer, size);
 }
 

@@ -142,24 +142,24 @@ bool IsStillOf(QX_RESITEM* record, ModuleName& module, const char* key) {
 }
 
 // Null when memory has run out: hosts that call the system's functions expect no exception.
-void* LoadDialog(QX_RESITEM* record) {
+void* LoadDialog(QX_RESITEM* record, const Place& place) {
     const void* resource = QX_REAL(LockResource)(record->loaded);
     if (!resource) return nullptr;
     TemplateBytes dialog = {static_cast<const uint8_t*>(resource), record->size};
     try {
         int size = 0;
-        void* block = TranslateTemplatePosition(g_Wld, dialog, record->hash, &size, KeyOf(record));
+        void* block = TranslateTemplatePosition(g_Wld, dialog, record->hash, &size, place);
         if (size) record->size = size;
         return block;
     } catch (CXMemException&) {
+        TellOf(place.call, nullptr, QXLOOKUP_NO_MEMORY);
         return nullptr;
     }
 }
 
-void* LoadStringTable(QX_RESITEM* record) {
+void* LoadStringTable(QX_RESITEM* record, const Place& place) {
     const void* resource = QX_REAL(LockResource)(record->loaded);
-    return resource ? TranslateStringTable(resource, record->size, KeyOf(record), &record->size)
-                    : nullptr;
+    return resource ? TranslateStringTable(resource, record->size, place, &record->size) : nullptr;
 }
 
 }  // namespace
@@ -187,15 +187,24 @@ QX_RESITEM* SearchRecord(const void* handle) {
     return FindRecord([&](QX_RESITEM* r) { return r == handle; });
 }
 
-HGLOBAL LoadRecord(QX_RESITEM* record) {
+HGLOBAL LoadRecord(QX_RESITEM* record, const char* function) {
     if (record->block) return record->block;
     record->loaded = QX_REAL(LoadResource)(record->module, record->handle);
     record->size = QX_REAL(SizeofResource)(record->module, record->handle);
     KeptLastError kept;
     if (!record->loaded) return nullptr;
     if (!ModuleName(record->module).IsProgram() && !SourceOf(record).bytes) KeepSource(record);
-    if (record->type == kMenuType) return nullptr;
-    record->block = record->type == kDialogType ? LoadDialog(record) : LoadStringTable(record);
+    const char* key = KeyOf(record);
+    LookupCall call = {function, record->module, *key ? key : nullptr};
+    Place place = {PlaceOfKey(key), IfObserved(call)};
+    if (record->type == kMenuType) {
+        TellOf(place.call, nullptr, QXLOOKUP_MENU);
+        return nullptr;
+    }
+    void* block =
+        record->type == kDialogType ? LoadDialog(record, place) : LoadStringTable(record, place);
+    // An observer that loads the resource itself has made its block meanwhile.
+    if (!record->block) record->block = block;
     return record->block ? record->block : record->loaded;
 }
 

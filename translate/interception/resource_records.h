@@ -62,8 +62,9 @@ inline bool MayBeRecord(const void* handle) {
 }
 
 // The translated block of a record, built at the first call; the real block where there is nothing
-// to translate; null for a menu, whose texts are translated when the system has made it.
-HGLOBAL LoadRecord(QX_RESITEM* record);
+// to translate; null for a menu, whose texts are translated when the system has made it. The
+// observer hears of the intercepted function of this name.
+HGLOBAL LoadRecord(QX_RESITEM* record, const char* function);
 
 // Frees all records. Their blocks stay, since a host may hold them.
 void FreeResourceRecords();

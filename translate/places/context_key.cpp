@@ -89,18 +89,20 @@ PlaceHash PlaceOfStrings(ModuleName& module, unsigned block) {
     return ContinueHash(hash, kKeyEnd);
 }
 
-const char* TranslateAt(const char* text, PlaceHash place) {
+const char* TranslateAt(const char* text, const Place& place) {
     if (!text) text = "";
+    if (place.call && *text) TellLookup(*place.call, g_Wld, text, place.hash);
     QXTextHash hash = QXHashText(text);
-    if (place) {
-        if (const char* translation = TargetOf(g_Wld, hash.Behind(*place))) return translation;
+    if (place.hash) {
+        if (const char* translation = TargetOf(g_Wld, hash.Behind(*place.hash))) return translation;
     }
     if (!*text) return nullptr;
     const char* translation = TargetOf(g_Wld, hash.hash);
     return translation ? translation : text;
 }
 
-unsigned int TranslateBufferAt(char* buffer, unsigned int size, PlaceHash place, int measureOnly) {
+unsigned int TranslateBufferAt(char* buffer, unsigned int size, const Place& place,
+                               int measureOnly) {
     if (!buffer) return 0;
     const char* translation = TranslateAt(buffer, place);
     if (!translation) return 0;
@@ -124,10 +126,10 @@ int HashResourceKey(const char* key) {
 }
 
 const char* TranslateInContext(const char* text, const char* key) {
-    return qx::TranslateAt(text, qx::PlaceOfKey(key));
+    return qx::TranslateAt(text, {qx::PlaceOfKey(key)});
 }
 
 unsigned int TranslateBufferInContext(char* buffer, unsigned int size, const char* key,
                                       int bMeasureOnly) {
-    return qx::TranslateBufferAt(buffer, size, qx::PlaceOfKey(key), bMeasureOnly);
+    return qx::TranslateBufferAt(buffer, size, {qx::PlaceOfKey(key)}, bMeasureOnly);
 }

@@ -2,6 +2,7 @@
 #ifndef QXCORE_TRANSLATE_PLACES_CONTEXT_KEY_H
 #define QXCORE_TRANSLATE_PLACES_CONTEXT_KEY_H
 
+#include "translate/places/lookup.h"
 #include "translate/places/module_name.h"
 
 #include <qxcore/dictionary.h>
@@ -36,9 +37,17 @@ private:
     char m_text[1024] = "";  // the name of a module and a resource name; a longer one is cut
 };
 
+// A place that texts are looked up for, and the intercepted call that is told to the observer, if
+// there are one.
+struct Place {
+    PlaceHash hash;
+    const LookupCall* call = nullptr;
+};
+
 // TranslateInContext and TranslateBufferInContext.
-const char* TranslateAt(const char* text, PlaceHash place);
-unsigned int TranslateBufferAt(char* buffer, unsigned int size, PlaceHash place, int measureOnly);
+const char* TranslateAt(const char* text, const Place& place);
+unsigned int TranslateBufferAt(char* buffer, unsigned int size, const Place& place,
+                               int measureOnly);
 
 }  // namespace qx
 

@@ -1,7 +1,6 @@
 #include "translate/resources/dialog_translation.h"
 
 #include "translate/dictionary/code_page.h"
-#include "translate/places/context_key.h"
 #include "translate/resources/template_pass.h"
 
 #include <climits>
@@ -41,7 +40,7 @@ private:
     bool m_isWide;
 };
 
-void AppendTemplateText(CDlgBuffer& out, const char* text, PlaceHash place) {
+void AppendTemplateText(CDlgBuffer& out, const char* text, const Place& place) {
     const char* target = *text ? TranslateAt(text, place) : nullptr;
     if (!target || !*target) target = text;
     int length = static_cast<int>(strlen(target));
@@ -53,8 +52,8 @@ void AppendTemplateText(CDlgBuffer& out, const char* text, PlaceHash place) {
 // Texts in the target language, and the dictionary's font.
 class TranslationPass final : public TemplatePass {
 public:
-    TranslationPass(TemplateBytes dialog, const CWld& dictionary, const char* key)
-        : TemplatePass(dialog), m_dictionary(dictionary), m_place(PlaceOfKey(key)) {}
+    TranslationPass(TemplateBytes dialog, const CWld& dictionary, const Place& place)
+        : TemplatePass(dialog), m_dictionary(dictionary), m_place(place) {}
 
     void Caption(TemplatePart text) override { Text(text); }
     void Font(TemplatePart words, TemplatePart face) override {
@@ -67,25 +66,40 @@ public:
             // The charset; not italic.
             Out().AppendWord(static_cast<uint16_t>(m_dictionary.m_nFontScript << 8));
         }
-        AppendTemplateText(Out(), m_dictionary.m_szFontName, std::nullopt);
+        AppendFontName();
     }
 
 private:
     void Title(const TemplateControl& control) override {
-        if (control.isTranslatable) {
-            Text(control.title);
-        } else {
-            Copy(control.title);
-        }
+        if (control.isTranslatable) return Text(control.title);
+        Copy(control.title);
+        if (m_place.call) TellTitle(control.title);
     }
     void Text(TemplatePart part) {
         SourceText source(part);
-        if (source.IsWide()) return Copy(part);
-        AppendTemplateText(Out(), source.Narrow(), m_place);
+        if (!source.IsWide()) return AppendTemplateText(Out(), source.Narrow(), m_place);
+        Copy(part);
+        if (m_place.call)
+            TellOf(m_place.call, InCodePage(part.data, part.size / 2 - 1).text, QXLOOKUP_WIDE);
+    }
+    // The name may be mapped by the dictionary, in every place alike.
+    void AppendFontName() {
+        Place anywhere;
+        LookupCall call;
+        if (m_place.call) {
+            call = {m_place.call->function, m_place.call->module, nullptr};
+            anywhere.call = &call;
+        }
+        AppendTemplateText(Out(), m_dictionary.m_szFontName, anywhere);
+    }
+    void TellTitle(TemplatePart title) {
+        constexpr uint16_t kNumber = 0xFFFF;
+        if (WordAt(title.data) == kNumber || WordAt(title.data) == 0) return;
+        TellOf(m_place.call, InCodePage(title.data, title.size / 2 - 1).text, QXLOOKUP_CLASS);
     }
 
     const CWld& m_dictionary;
-    PlaceHash m_place;
+    Place m_place;
 };
 
 // Grown and moved as the dictionary's geometry says; all texts as they are.
@@ -151,31 +165,35 @@ unsigned char* Unchanged(TemplateBytes dialog, int* size) {
 }  // namespace
 
 unsigned char* TranslateTemplate(CWld& dictionary, TemplateBytes dialog, int* size,
-                                 const char* key) {
-    if (!dictionary.m_Contexts.count && !dictionary.m_bDialogFont) return Unchanged(dialog, size);
-    TranslationPass pass(dialog, dictionary, key);
-    return pass.Run(dialog) ? NewBlock(pass, size) : Unchanged(dialog, size);
+                                 const Place& place) {
+    bool isChanging = dictionary.m_Contexts.count || dictionary.m_bDialogFont;
+    // A dictionary that changes nothing is asked for the observer alone.
+    if (!isChanging && !place.call) return Unchanged(dialog, size);
+    TranslationPass pass(dialog, dictionary, place);
+    bool hasHead = pass.Run(dialog);
+    return hasHead && isChanging ? NewBlock(pass, size) : Unchanged(dialog, size);
 }
 
 unsigned char* TranslateTemplatePosition(CWld& dictionary, TemplateBytes dialog, int hash,
-                                         int* size, const char* key) {
+                                         int* size, const Place& place) {
     QXDlgPos** geometry = dictionary.m_DlgPos.count ? dictionary.m_DlgPos.Find(hash) : nullptr;
-    if (!geometry) return TranslateTemplate(dictionary, dialog, size, key);
+    if (!geometry) return TranslateTemplate(dictionary, dialog, size, place);
     GeometryPass pass(dialog, **geometry);
     if (!pass.Run(dialog)) return Unchanged(dialog, size);
     TemplateBytes adjusted = pass.Written();
-    unsigned char* block = TranslateTemplate(dictionary, adjusted, size, key);
+    unsigned char* block = TranslateTemplate(dictionary, adjusted, size, place);
     return block != adjusted.data ? block : NewBlock(pass, size);
 }
 
 }  // namespace qx
 
 unsigned char* CWld::TranslateDlg(unsigned char* dialog, int* size, const char* key) {
-    return qx::TranslateTemplate(*this, {dialog, qx::TemplateBytes::kUnknownSize}, size, key);
+    return qx::TranslateTemplate(*this, {dialog, qx::TemplateBytes::kUnknownSize}, size,
+                                 {qx::PlaceOfKey(key)});
 }
 
 unsigned char* CWld::TranslateDlgPosition(unsigned char* dialog, int hash, int* size,
                                           const char* key) {
     return qx::TranslateTemplatePosition(*this, {dialog, qx::TemplateBytes::kUnknownSize}, hash,
-                                         size, key);
+                                         size, {qx::PlaceOfKey(key)});
 }

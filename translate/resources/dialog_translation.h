@@ -2,9 +2,8 @@
 #ifndef QXCORE_TRANSLATE_RESOURCES_DIALOG_TRANSLATION_H
 #define QXCORE_TRANSLATE_RESOURCES_DIALOG_TRANSLATION_H
 
+#include "translate/places/context_key.h"
 #include "translate/resources/template_walk.h"
-
-class CWld;
 
 namespace qx {
 
@@ -13,9 +12,9 @@ namespace qx {
 // early comes back as it is if not even its head is there; else it keeps the controls that are
 // whole, and counts those only.
 unsigned char* TranslateTemplate(CWld& dictionary, TemplateBytes dialog, int* size,
-                                 const char* key);
+                                 const Place& place);
 unsigned char* TranslateTemplatePosition(CWld& dictionary, TemplateBytes dialog, int hash,
-                                         int* size, const char* key);
+                                         int* size, const Place& place);
 
 }  // namespace qx
 

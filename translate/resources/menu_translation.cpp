@@ -1,5 +1,6 @@
+#include "translate/resources/menu_translation.h"
+
 #include "strings/characters.h"
-#include "translate/places/context_key.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -23,19 +24,26 @@ UINT_PTR LowHandle(HMENU menu) {
     return static_cast<uint32_t>(reinterpret_cast<UINT_PTR>(menu));
 }
 
-// Writes the text back. Of the item's states only these two survive: a disabled item that is not
-// grayed is enabled by it, also when its text did not change. An item whose id is 0 keeps its text.
-// Answers the item's submenu.
-HMENU RewriteItem(HMENU menu, int position, const char* text) {
+struct MenuItem {
+    UINT flags;  // of the item's states those that survive
+    HMENU submenu;
+    UINT id;
+    bool isWritten;
+};
+
+// Of an item's states only grayed and checked survive: a disabled item that is not grayed is
+// enabled by the rewrite, also when its text did not change. An item whose id is 0 keeps its text.
+MenuItem ItemAt(HMENU menu, int position) {
     UINT state = GetMenuState(menu, position, MF_BYPOSITION);
-    UINT flags = MF_BYPOSITION | (state == kNoItem ? 0 : state & (MF_GRAYED | MF_CHECKED));
-    if (HMENU submenu = GetSubMenu(menu, position)) {
-        ModifyMenuA(menu, position, flags | MF_POPUP, LowHandle(submenu), text);
-        return submenu;
-    }
+    UINT flags = state == kNoItem ? 0 : state & (MF_GRAYED | MF_CHECKED);
+    if (HMENU submenu = GetSubMenu(menu, position)) return {flags, submenu, 0, true};
     UINT id = GetMenuItemID(menu, position);
-    if (state != kNoItem && !(state & MF_POPUP) && id) ModifyMenuA(menu, position, flags, id, text);
-    return nullptr;
+    return {flags, nullptr, id, state != kNoItem && !(state & MF_POPUP) && id};
+}
+
+void WriteItem(HMENU menu, int position, const MenuItem& item, const char* text) {
+    UINT flags = item.flags | MF_BYPOSITION | (item.submenu ? MF_POPUP : 0);
+    ModifyMenuA(menu, position, flags, item.submenu ? LowHandle(item.submenu) : item.id, text);
 }
 
 // Where a walk over a menu with its submenus stands: a menu, and the item of it that comes next.
@@ -83,9 +91,13 @@ private:
     size_t m_depth = 0;
 };
 
-// `translate` is called with a buffer of kSize bytes. A submenu is walked right after its item.
+// `translate` is called with a buffer of kSize bytes. A submenu is walked right after its item. A
+// dictionary with no entries leaves menus as they are: they are walked for the observer alone.
 template <unsigned kSize, class Translator>
-void TranslateItems(HMENU menu, const Translator& translate) {
+void TranslateItems(const CWld& dictionary, HMENU menu, const LookupCall* call,
+                    const Translator& translate) {
+    bool isWriting = dictionary.m_Contexts.count != 0;
+    if (!isWriting && !call) return;
     char text[kSize];
     for (MenuPath path(menu); !path.IsEmpty();) {
         MenuPlace& at = path.Last();
@@ -95,29 +107,42 @@ void TranslateItems(HMENU menu, const Translator& translate) {
         }
         int position = at.position++;
         if (!ReadItemText(at.menu, position, text, kSize)) continue;
+        MenuItem item = ItemAt(at.menu, position);
+        if (!item.isWritten) {
+            TellOf(call, text, QXLOOKUP_KEPT);
+            continue;
+        }
         translate(text);
-        if (HMENU submenu = RewriteItem(at.menu, position, text)) path.Enter(submenu);
+        if (isWriting) WriteItem(at.menu, position, item, text);
+        if (item.submenu) path.Enter(item.submenu);
     }
 }
 
 }  // namespace
 
+void TranslateMenu(CWld& dictionary, HMENU menu, const LookupCall* call) {
+    constexpr unsigned kSize = 256;
+    TranslateItems<kSize>(dictionary, menu, call, [&dictionary, call](char* text) {
+        TranslateBuffer(dictionary, text, kSize, call);
+    });
+}
+
+void TranslateMenuAt(const CWld& dictionary, HMENU menu, const Place& place) {
+    constexpr unsigned kSize = 512;
+    TranslateItems<kSize>(dictionary, menu, place.call, [&place](char* text) {
+        TranslateBufferAt(text, kSize, place, 0);
+        Characters::OfRuntime().EndAtWholeCharacter(text, kSize);
+    });
+}
+
 }  // namespace qx
 
 int CWld::Translate(HMENU menu) {
-    constexpr unsigned kSize = 256;
-    if (m_Contexts.count)
-        qx::TranslateItems<kSize>(menu, [this](char* text) { Translate(text, kSize); });
+    qx::TranslateMenu(*this, menu, nullptr);
     return 1;
 }
 
 int CWld::TranslateMenuInContext(HMENU menu, const char* key) {
-    constexpr unsigned kSize = 512;
-    if (!m_Contexts.count) return 1;
-    qx::PlaceHash place = qx::PlaceOfKey(key);
-    qx::TranslateItems<kSize>(menu, [place](char* text) {
-        qx::TranslateBufferAt(text, kSize, place, 0);
-        qx::Characters::OfRuntime().EndAtWholeCharacter(text, kSize);
-    });
+    qx::TranslateMenuAt(*this, menu, {qx::PlaceOfKey(key)});
     return 1;
 }

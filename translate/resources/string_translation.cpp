@@ -2,7 +2,6 @@
 
 #include "strings/characters.h"
 #include "translate/dictionary/code_page.h"
-#include "translate/places/context_key.h"
 #include "translate/resources/string_walk.h"
 
 namespace qx {
@@ -16,27 +15,34 @@ constexpr uint32_t kSlack = 16;  // zero bytes behind the block
 // An entry as the dictionary sees it.
 class SourceEntry {
 public:
-    explicit SourceEntry(const StringEntry& entry) {
+    explicit SourceEntry(const StringEntry& entry) : m_entry(entry) {
         auto length = static_cast<int>(entry.length);
         auto wide = reinterpret_cast<const wchar_t*>(entry.text);
-        // A text that takes more bytes than it has characters stays as it is.
-        m_isNarrow = entry.length <= kMaxEntry &&
+        m_isLong = entry.length > kMaxEntry;
+        m_isNarrow = !m_isLong &&
                      WideCharToMultiByte(CP_ACP, 0, wide, length, m_text, length, nullptr, nullptr);
     }
     // The translation, or the source text itself, which goes with this object; null for an entry
     // that stays as it is.
-    const char* Target(PlaceHash place) const {
-        return m_isNarrow ? TranslateAt(m_text, place) : nullptr;
+    const char* Target(const Place& place) const {
+        if (m_isNarrow) return TranslateAt(m_text, place);
+        if (place.call) {
+            InCodePage text(m_entry.text, m_entry.length);
+            Tell(*place.call, text.text, nullptr, m_isLong ? QXLOOKUP_LONG : QXLOOKUP_WIDE);
+        }
+        return nullptr;
     }
 
 private:
+    const StringEntry& m_entry;
     char m_text[kMaxEntry + 1] = "";
-    bool m_isNarrow;
+    bool m_isLong;
+    bool m_isNarrow;  // a text that takes more bytes than it has characters is not
 };
 
 // Writes the new text of one entry unless out is null. Answers its new length: of a translation the
 // bytes, also where they are fewer characters; the rest of the entry is zero then.
-size_t TranslateWideEntry(const StringEntry& entry, uint16_t* out, PlaceHash place) {
+size_t TranslateWideEntry(const StringEntry& entry, uint16_t* out, const Place& place) {
     SourceEntry source(entry);
     const char* target = source.Target(place);
     if (!target) {
@@ -56,7 +62,7 @@ struct NewBlock {
 };
 
 // One pass, which writes unless out is null.
-NewBlock PassEntries(const void* block, uint32_t size, uint16_t* out, PlaceHash place) {
+NewBlock PassEntries(const void* block, uint32_t size, uint16_t* out, const Place& place) {
     NewBlock made = {};
     WalkStrings(block, size, [&](const StringEntry& entry) {
         uint16_t* at = out ? out + made.words : nullptr;
@@ -70,14 +76,15 @@ NewBlock PassEntries(const void* block, uint32_t size, uint16_t* out, PlaceHash 
 
 }  // namespace
 
-void* TranslateStringTable(const void* block, uint32_t size, const char* key, uint32_t* newSize) {
-    PlaceHash place = PlaceOfKey(key);
+void* TranslateStringTable(const void* block, uint32_t size, const Place& place,
+                           uint32_t* newSize) {
     NewBlock made = PassEntries(block, size, nullptr, place);
     uint64_t bytes = made.words * sizeof(uint16_t);
     if (!made.hasText || bytes > UINT32_MAX - kSlack) return nullptr;
     auto result = static_cast<uint16_t*>(LocalAlloc(LPTR, bytes + kSlack));
     if (!result) return nullptr;
-    PassEntries(block, size, result, place);
+    // What was told in the first pass is not told again.
+    PassEntries(block, size, result, {place.hash});
     *newSize = static_cast<uint32_t>(bytes);
     return result;
 }

@@ -2,6 +2,8 @@
 #ifndef QXCORE_TRANSLATE_RESOURCES_STRING_TRANSLATION_H
 #define QXCORE_TRANSLATE_RESOURCES_STRING_TRANSLATION_H
 
+#include "translate/places/context_key.h"
+
 #include <cstdint>
 
 namespace qx {
@@ -9,7 +11,7 @@ namespace qx {
 // A block from LocalAlloc with the texts translated in context, and its size in *newSize. Null,
 // with *newSize as it was, when all entries are empty, when memory has run out, and when the block
 // would be longer than a size can tell.
-void* TranslateStringTable(const void* block, uint32_t size, const char* key, uint32_t* newSize);
+void* TranslateStringTable(const void* block, uint32_t size, const Place& place, uint32_t* newSize);
 
 }  // namespace qx
 

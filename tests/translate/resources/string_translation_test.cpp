@@ -15,8 +15,8 @@ TEST_F(StringTranslationTest, ABlockThatWouldBeLongerThanItsSizeCanTellIsLeftAsI
     std::vector<uint16_t> words;
     for (size_t i = 0; i < kEntries; ++i) words.insert(words.end(), {1, 'x'});
     uint32_t size = 4711;
-    void* block = qx::TranslateStringTable(words.data(), static_cast<uint32_t>(words.size() * 2),
-                                           nullptr, &size);
+    void* block =
+        qx::TranslateStringTable(words.data(), static_cast<uint32_t>(words.size() * 2), {}, &size);
     EXPECT_EQ(nullptr, block);
     EXPECT_EQ(4711u, size);
 }
@@ -25,7 +25,7 @@ TEST_F(StringTranslationTest, EntriesGrowToWhatALengthWordCanTell) {
     Enter(g_Wld, "x", std::string(0x10005, 'y').c_str());
     const uint16_t words[] = {1, 'x', 0, 1, 'z'};
     uint32_t size = 0;
-    auto block = static_cast<uint16_t*>(qx::TranslateStringTable(words, sizeof words, nullptr, &size));
+    auto block = static_cast<uint16_t*>(qx::TranslateStringTable(words, sizeof words, {}, &size));
     ASSERT_NE(nullptr, block);
     EXPECT_EQ((0xFFFFu + 1 + 1 + 2) * 2, size);
     EXPECT_EQ(0xFFFF, block[0]);
