@@ -18,8 +18,9 @@ CMemFile::CMemFile(void* block, unsigned size)
     if (!block || size == 0) throw CXException(QXERR_BAD_USE);
 }
 
-// The block goes with its heap.
-CMemFile::~CMemFile() = default;
+CMemFile::~CMemFile() {
+    if (m_heap && m_block) m_heap->Free(m_block);
+}
 
 unsigned CMemFile::Read(void* buffer, unsigned count) {
     if (!buffer) return 0;
