@@ -11,6 +11,16 @@ struct MemoryPlace : Place {
     MemoryPlace() { root.reset(new_MemParam()); }
 };
 
+struct IniPlace : Place {
+    IniPlace() { root = Reopen(); }
+    ~IniPlace() override { root.reset(); }
+    ParamPtr Reopen() override {
+        return ParamPtr(new_IParamIniFile(directory.PathOf("contract.ini").c_str()));
+    }
+
+    ScratchDirectory directory;
+};
+
 // A key of its own, which goes with all below it.
 template <class Hive>
 struct RegistryPlace : Place {
@@ -113,19 +123,19 @@ BackEnd Memory() {
         .name = "Memory",
         .make = Make<MemoryPlace>,
         .keeps = false,
-        .createOfPath = "a{b{}}",
-        .openOfPath = "b{}",
+        .createOfPath = "aa{bb{}}",
+        .openOfPath = "bb{}",
         .openOfPathAnswers = true,
-        .openOfPathWithA = "a{b{}}",
+        .openOfPathWithA = "aa{bb{}}",
         .openOfPathWithAAnswers = true,
-        .setOfPath = "a\\b=5:7 a{b=5:7}",
-        .setOfDeepPath = "a\\b\\c b{c=5:7}",
-        .deleteValueOfPath = "a{b=5:7}",
-        .deleteChildOfPath = "a{b{}}",
+        .setOfPath = "aa\\bb=5:7 aa{bb=5:7}",
+        .setOfDeepPath = "aa\\bb\\cc bb{cc=5:7}",
+        .deleteValueOfPath = "aa{bb=5:7}",
+        .deleteChildOfPath = "aa{bb{}}",
         .nameOfNone = "@",
         .noneIsDeletedByNone = true,
         .oneNameSpace = false,
-        .createOfExisting = "a{}",
+        .createOfExisting = "aa{}",
         .createOfExistingIsTheSame = true,
         .second = Second::sameObject,
         .withoutForm = {},
@@ -136,10 +146,45 @@ BackEnd Memory() {
         .deleteAnswers = 1,
         .deleteOfMissAnswers = 1,
         .clear = "",
-        .clearOfChild = "x=5:1 a{}",
+        .clearOfChild = "x=5:1 aa{}",
         .clearedGoesOn = true,
         .answers = {&qx_typeid<IRegisterIface>()},
         .enumerationIsLive = true,
+    };
+}
+
+BackEnd IniFile() {
+    return {
+        .name = "IniFile",
+        .make = Make<IniPlace>,
+        .keeps = true,
+        .createOfPath = "aa{?}",
+        .openOfPath = "aa{?}",
+        .openOfPathAnswers = true,
+        .openOfPathWithA = "aa{bb{}}",
+        .openOfPathWithAAnswers = true,
+        .setOfPath = "aa{bb=5:7}",
+        .setOfDeepPath = "aa{?}",
+        .deleteValueOfPath = "aa{bb=5:7}",
+        .deleteChildOfPath = "aa{}",
+        .nameOfNone = "@",
+        .noneIsDeletedByNone = false,
+        .oneNameSpace = false,
+        .createOfExisting = "AA{}",
+        .createOfExistingIsTheSame = false,
+        .second = Second::anotherObject,
+        .withoutForm = {QXVT_BLOB, QXVT_UNKNOWN},
+        .losingForm = {QXVT_UI1},
+        .emptyTextIsMissing = false,
+        .missClears = true,
+        .missOfPathClears = false,
+        .deleteAnswers = TRUE,
+        .deleteOfMissAnswers = TRUE,
+        .clear = "",
+        .clearOfChild = "x=5:1",
+        .clearedGoesOn = true,
+        .answers = {&qx_typeid<IRegisterIface>()},
+        .enumerationIsLive = false,
     };
 }
 
@@ -148,19 +193,19 @@ BackEnd Registry(const char* name, std::unique_ptr<Place> (*make)()) {
         .name = name,
         .make = make,
         .keeps = true,
-        .createOfPath = "a{b{}}",
-        .openOfPath = "a{b{}}",
+        .createOfPath = "aa{bb{}}",
+        .openOfPath = "aa{bb{}}",
         .openOfPathAnswers = true,
-        .openOfPathWithA = "a{b{}}",
+        .openOfPathWithA = "aa{bb{}}",
         .openOfPathWithAAnswers = true,
-        .setOfPath = "a\\b=5:7",
-        .setOfDeepPath = "a\\b\\c=5:7",
-        .deleteValueOfPath = "a{}",
-        .deleteChildOfPath = "a{}",
+        .setOfPath = "aa\\bb=5:7",
+        .setOfDeepPath = "aa\\bb\\cc=5:7",
+        .deleteValueOfPath = "aa{}",
+        .deleteChildOfPath = "aa{}",
         .nameOfNone = "",
         .noneIsDeletedByNone = true,
         .oneNameSpace = false,
-        .createOfExisting = "a{b{}}",
+        .createOfExisting = "aa{bb{}}",
         .createOfExistingIsTheSame = false,
         .second = Second::anotherObject,
         .withoutForm = {QXVT_UNKNOWN},
@@ -170,8 +215,8 @@ BackEnd Registry(const char* name, std::unique_ptr<Place> (*make)()) {
         .missOfPathClears = true,
         .deleteAnswers = ERROR_SUCCESS,
         .deleteOfMissAnswers = ERROR_FILE_NOT_FOUND,
-        .clear = "a{b{}}",
-        .clearOfChild = "x=5:1 a{b{}}",
+        .clear = "aa{bb{}}",
+        .clearOfChild = "x=5:1 aa{bb{}}",
         .clearedGoesOn = true,
         .answers = {&qx_typeid<IParam>(), &qx_typeid<IRegisterIface>()},
         .enumerationIsLive = false,
@@ -183,19 +228,19 @@ BackEnd Storage() {
         .name = "Storage",
         .make = Make<StoragePlace>,
         .keeps = true,
-        .createOfPath = "a{b{}}",
-        .openOfPath = "a{}",
+        .createOfPath = "aa{bb{}}",
+        .openOfPath = "aa{}",
         .openOfPathAnswers = false,
-        .openOfPathWithA = "a{}",
+        .openOfPathWithA = "aa{}",
         .openOfPathWithAAnswers = false,
-        .setOfPath = "a{b=5:7}",
-        .setOfDeepPath = "a{}",
-        .deleteValueOfPath = "a{b=5:7}",
-        .deleteChildOfPath = "a{}",
+        .setOfPath = "aa{bb=5:7}",
+        .setOfDeepPath = "aa{}",
+        .deleteValueOfPath = "aa{bb=5:7}",
+        .deleteChildOfPath = "aa{}",
         .nameOfNone = "@",
         .noneIsDeletedByNone = false,
         .oneNameSpace = true,
-        .createOfExisting = "A{}",
+        .createOfExisting = "AA{}",
         .createOfExistingIsTheSame = false,
         .second = Second::refused,
         .withoutForm = {},
@@ -218,6 +263,7 @@ BackEnd Storage() {
 const std::vector<BackEnd>& BackEnds() {
     static const std::vector<BackEnd> rows = {
         Memory(),
+        IniFile(),
         Registry("CurrentUser", Make<RegistryPlace<CurrentUser>>),
         Registry("LocalMachine", Make<RegistryPlace<LocalMachine>>),
         Storage(),

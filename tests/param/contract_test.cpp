@@ -23,9 +23,9 @@ protected:
     // "x=5:1 a{y=5:2 b{z=5:3}}"
     void Plant() {
         SetInt(root, "x", 1);
-        ParamPtr a = Create("a");
+        ParamPtr a = Create("aa");
         SetInt(a.get(), "y", 2);
-        SetInt(ParamPtr(a->CreateSubParam("b")).get(), "z", 3);
+        SetInt(ParamPtr(a->CreateSubParam("bb")).get(), "z", 3);
     }
     bool IsWithoutForm(unsigned short type) { return Has(kind.withoutForm, type); }
     bool IsLosing(unsigned short type) { return Has(kind.losingForm, type); }
@@ -54,7 +54,7 @@ class CStrange : public CQXUnknownImpl<IQXUnknown> {};
 // One value of each type but the object, none of them zero. Reals have a short decimal form.
 std::vector<CQXVariant> OneOfEach() {
     static char bytes[] = {0, 1, 2, '\\', 0};
-    unsigned char byte = 0x5A;
+    unsigned char byte = 0x59;
     unsigned short word = 65535;
     unsigned long ulong = 4000000000ul;
     std::vector<CQXVariant> all = {
@@ -91,52 +91,52 @@ TEST_P(EveryParamTest, ANewTreeIsEmptyAndHasOneReference) {
 }
 
 TEST_P(EveryParamTest, ACreatedChildIsEmptyListedAndFoundAgain) {
-    ParamPtr child = Create("a child");
+    ParamPtr child = Create("aa child");
     ASSERT_TRUE(child);
     EXPECT_EQ(CountOf(child.get()), kind.second == Second::sameObject ? 2u : 1u);
     EXPECT_EQ(SortedTree(child.get()), "");
     child.reset();
-    EXPECT_EQ(NamesText(root->EnumSubParams()), "a child");
-    EXPECT_TRUE(Open("a child"));
-    EXPECT_TRUE(Open("A CHILD"));
+    EXPECT_EQ(NamesText(root->EnumSubParams()), "aa child");
+    EXPECT_TRUE(Open("aa child"));
+    EXPECT_TRUE(Open("AA CHILD"));
 }
 
 TEST_P(EveryParamTest, CreatingAnExistingChildEmptiesIt) {
     {
-        ParamPtr a = Create("a");
+        ParamPtr a = Create("aa");
         SetInt(a.get(), "x", 1);
-        SetInt(ParamPtr(a->CreateSubParam("b")).get(), "y", 2);
+        SetInt(ParamPtr(a->CreateSubParam("bb")).get(), "y", 2);
     }
-    EXPECT_TRUE(Create("A"));
+    EXPECT_TRUE(Create("AA"));
     EXPECT_EQ(Tree(), kind.createOfExisting);
 }
 
 TEST_P(EveryParamTest, CreatingAHeldChildGivesTheObjectOrAnother) {
-    ParamPtr held = Create("a"), again = Create("a");
+    ParamPtr held = Create("aa"), again = Create("aa");
     ASSERT_TRUE(again);
     EXPECT_EQ(again.get() == held.get(), kind.createOfExistingIsTheSame);
 }
 
 TEST_P(EveryParamTest, OpeningAMissingChildIsNullUnlessItCreates) {
-    EXPECT_FALSE(Open("a"));
-    EXPECT_FALSE(Open("a\\b"));
+    EXPECT_FALSE(Open("aa"));
+    EXPECT_FALSE(Open("aa\\bb"));
     EXPECT_EQ(Tree(), "");
-    EXPECT_TRUE(Open("a", 1));
-    EXPECT_FALSE(Open("a\\b"));
-    EXPECT_EQ(Tree(), "a{}");
+    EXPECT_TRUE(Open("aa", 1));
+    EXPECT_FALSE(Open("aa\\bb"));
+    EXPECT_EQ(Tree(), "aa{}");
 }
 
 TEST_P(EveryParamTest, OpeningAnExistingChildLeavesItsContents) {
     Plant();
-    EXPECT_TRUE(Open("a", 1));
-    EXPECT_TRUE(Open("a", 0));
-    EXPECT_EQ(Tree(), "x=5:1 a{y=5:2 b{z=5:3}}");
+    EXPECT_TRUE(Open("aa", 1));
+    EXPECT_TRUE(Open("aa", 0));
+    EXPECT_EQ(Tree(), "x=5:1 aa{y=5:2 bb{z=5:3}}");
 }
 
 TEST_P(EveryParamTest, AHeldChildOpensASecondTimeAsTheTableSays) {
-    ParamPtr held = Create("a");
+    ParamPtr held = Create("aa");
     SetInt(held.get(), "x", 1);
-    ParamPtr second = Open("a");
+    ParamPtr second = Open("aa");
     if (kind.second == Second::refused) {
         EXPECT_FALSE(second);
     } else {
@@ -150,13 +150,13 @@ TEST_P(EveryParamTest, AHeldChildOpensASecondTimeAsTheTableSays) {
 
 TEST_P(EveryParamTest, AnExistingPathOpensItsLeaf) {
     Plant();
-    ParamPtr leaf = Open("a\\b");
+    ParamPtr leaf = Open("aa\\bb");
     ASSERT_TRUE(leaf);
     EXPECT_EQ(GetInt(leaf.get(), "z"), 3);
 }
 
 TEST_P(EveryParamTest, CreatingAPathMakesWhatTheTableSays) {
-    ParamPtr leaf = Create("a\\b");
+    ParamPtr leaf = Create("aa\\bb");
     ASSERT_TRUE(leaf);
     SetInt(leaf.get(), "own", 1);
     EXPECT_EQ(GetInt(leaf.get(), "own"), 1);
@@ -166,36 +166,36 @@ TEST_P(EveryParamTest, CreatingAPathMakesWhatTheTableSays) {
 }
 
 TEST_P(EveryParamTest, OpeningAPathThatCreatesMakesWhatTheTableSays) {
-    EXPECT_EQ(Open("a\\b", 1) != nullptr, kind.openOfPathAnswers);
+    EXPECT_EQ(Open("aa\\bb", 1) != nullptr, kind.openOfPathAnswers);
     EXPECT_EQ(Tree(), kind.openOfPath);
 }
 
 TEST_P(EveryParamTest, OpeningAPathUnderAnExistingChildMakesWhatTheTableSays) {
-    Create("a");
-    EXPECT_EQ(Open("a\\b", 1) != nullptr, kind.openOfPathWithAAnswers);
+    Create("aa");
+    EXPECT_EQ(Open("aa\\bb", 1) != nullptr, kind.openOfPathWithAAnswers);
     EXPECT_EQ(Tree(), kind.openOfPathWithA);
 }
 
 TEST_P(EveryParamTest, DeletingAChildTakesItsWholeSubtree) {
     Plant();
     Create("kept");
-    root->DeleteSubParam("A");
+    root->DeleteSubParam("AA");
     EXPECT_EQ(Tree(), "x=5:1 kept{}");
-    EXPECT_FALSE(Open("a"));
-    root->DeleteSubParam("a");  // a missing one is no error
+    EXPECT_FALSE(Open("aa"));
+    root->DeleteSubParam("aa");  // a missing one is no error
     root->DeleteSubParam("never\\there");
     EXPECT_EQ(Tree(), "x=5:1 kept{}");
 }
 
 TEST_P(EveryParamTest, DeletingAPathLeavesWhatTheTableSays) {
-    ParamPtr(Create("a")->CreateSubParam("b"));
-    root->DeleteSubParam("a\\b");
+    ParamPtr(Create("aa")->CreateSubParam("bb"));
+    root->DeleteSubParam("aa\\bb");
     EXPECT_EQ(Tree(), kind.deleteChildOfPath);
 }
 
 TEST_P(EveryParamTest, DeletingAllChildrenLeavesTheValuesAndTheNodeUsable) {
     Plant();
-    for (const char* name : {"c", "d", "e"}) Create(name);
+    for (const char* name : {"cc", "dd", "ee"}) Create(name);
     root->DeleteAllSubParams();
     EXPECT_EQ(Tree(), "x=5:1");
     EXPECT_TRUE(Create("again"));
@@ -203,14 +203,14 @@ TEST_P(EveryParamTest, DeletingAllChildrenLeavesTheValuesAndTheNodeUsable) {
 }
 
 TEST_P(EveryParamTest, AChildOutlivesItsParent) {
-    ParamPtr leaf(Create("a")->CreateSubParam("b"));
+    ParamPtr leaf(Create("aa")->CreateSubParam("bb"));
     place->root.reset();
     SetInt(leaf.get(), "late", 7);
     EXPECT_EQ(GetInt(leaf.get(), "late"), 7);
     leaf.reset();
     if (!kind.keeps) return;
     ParamPtr again = place->Reopen();
-    EXPECT_EQ(SortedTree(again.get()), "a{b{late=5:7}}");
+    EXPECT_EQ(SortedTree(again.get()), "aa{bb{late=5:7}}");
 }
 
 // Values
@@ -253,16 +253,17 @@ TEST_P(EveryParamTest, AStoredValueIsACopy) {
 TEST_P(EveryParamTest, GetValueReleasesWhatTheVariantHeld) {
     auto held = new CStrange;
     CQXVariant out(static_cast<IQXUnknown*>(held));
-    SetInt(root, "a", 5);
-    EXPECT_EQ(root->GetValue("a", &out), 1);
+    SetInt(root, "aa", 5);
+    EXPECT_EQ(root->GetValue("aa", &out), 1);
     EXPECT_EQ(CountOf(held), 1u);
     EXPECT_EQ(ValueText(out), "5:5");
     held->Release();
 }
 
 TEST_P(EveryParamTest, AValueIsReplacedWhateverTypesTheTwoHave) {
-    for (CQXVariant first : {CQXVariant(1), CQXVariant("a long text that goes"), CQXVariant(2.5)}) {
-        for (CQXVariant second : {CQXVariant("b"), CQXVariant(2), CQXVariant(tagPOINT{1, 2})}) {
+    for (CQXVariant first :
+         {CQXVariant(1), CQXVariant("aa long text that goes"), CQXVariant(2.5)}) {
+        for (CQXVariant second : {CQXVariant("bb"), CQXVariant(2), CQXVariant(tagPOINT{1, 2})}) {
             root->SetValue("Name", &first);
             root->SetValue("NAME", &second);
             CQXVariant out;
@@ -301,20 +302,20 @@ TEST_P(EveryParamTest, ValuesAndChildrenAreTwoNameSpacesWhereTheBackEndHasTwo) {
 
 TEST_P(EveryParamTest, SettingAPathStoresWhatTheTableSays) {
     CQXVariant seven(7);
-    EXPECT_EQ(root->SetValue("a\\b", &seven), 1);
+    EXPECT_EQ(root->SetValue("aa\\bb", &seven), 1);
     EXPECT_EQ(Tree(), kind.setOfPath);
-    EXPECT_EQ(GetInt(root, "a\\b"), 7);
+    EXPECT_EQ(GetInt(root, "aa\\bb"), 7);
 }
 
 TEST_P(EveryParamTest, SettingADeepPathStoresWhatTheTableSays) {
-    SetInt(root, "a\\b\\c", 7);
+    SetInt(root, "aa\\bb\\cc", 7);
     EXPECT_EQ(Tree(), kind.setOfDeepPath);
 }
 
 TEST_P(EveryParamTest, DeletingThePathOfAValueLeavesWhatTheTableSays) {
-    Create("a");
-    SetInt(root, "a\\b", 7);
-    root->DeleteValue("a\\b");
+    Create("aa");
+    SetInt(root, "aa\\bb", 7);
+    root->DeleteValue("aa\\bb");
     EXPECT_EQ(Tree(), kind.deleteValueOfPath);
 }
 
@@ -328,16 +329,16 @@ TEST_P(EveryParamTest, AMissAnswersZeroAndClearsOrKeepsTheVariant) {
 }
 
 TEST_P(EveryParamTest, DeletingAValueAnswersWhatTheTableSays) {
-    SetInt(root, "a", 1);
-    SetInt(root, "b", 2);
-    EXPECT_EQ(root->DeleteValue("A"), kind.deleteAnswers);
-    EXPECT_EQ(Tree(), "b=5:2");
-    EXPECT_EQ(root->DeleteValue("a"), kind.deleteOfMissAnswers);
-    EXPECT_EQ(Tree(), "b=5:2");
+    SetInt(root, "aa", 1);
+    SetInt(root, "bb", 2);
+    EXPECT_EQ(root->DeleteValue("AA"), kind.deleteAnswers);
+    EXPECT_EQ(Tree(), "bb=5:2");
+    EXPECT_EQ(root->DeleteValue("aa"), kind.deleteOfMissAnswers);
+    EXPECT_EQ(Tree(), "bb=5:2");
 }
 
 TEST_P(EveryParamTest, DeletingAllValuesLeavesTheChildrenAndTheNodeUsable) {
-    for (const char* name : {"a", "b", "c", "d"}) SetInt(root, name, 1);
+    for (const char* name : {"aa", "bb", "cc", "dd"}) SetInt(root, name, 1);
     SetInt(Create("child").get(), "inner", 1);
     root->DeleteAllValues();
     EXPECT_EQ(Tree(), "child{inner=5:1}");
@@ -364,7 +365,7 @@ TEST_P(EveryParamTest, AClearedNodeGoesOnOrIsAtItsEnd) {
 
 TEST_P(EveryParamTest, ClearOfAChildLeavesWhatTheTableSays) {
     Plant();
-    Open("a")->Clear();
+    Open("aa")->Clear();
     EXPECT_EQ(Tree(), kind.clearOfChild);
 }
 
@@ -391,7 +392,7 @@ TEST_P(EveryParamTest, AnEnumeratorDeliversEachNameOnceAndFromTheStartAgain) {
 }
 
 TEST_P(EveryParamTest, AnEnumeratorDeliversSeveralNamesAtOnceAndSkips) {
-    for (const char* name : {"a", "b", "c", "d", "e"}) Create(name);
+    for (const char* name : {"aa", "bb", "cc", "dd", "ee"}) Create(name);
     NamesPtr names(root->EnumSubParams());
     const char* delivered[9] = {};
     unsigned fetched = 9;
@@ -407,7 +408,7 @@ TEST_P(EveryParamTest, AnEnumeratorDeliversSeveralNamesAtOnceAndSkips) {
 }
 
 TEST_P(EveryParamTest, AnEmptyNodeHasEmptyEnumerators) {
-    ParamPtr child = Create("a");
+    ParamPtr child = Create("aa");
     const char* name;
     unsigned fetched = 9;
     NamesPtr children(child->EnumSubParams());
@@ -418,15 +419,15 @@ TEST_P(EveryParamTest, AnEmptyNodeHasEmptyEnumerators) {
 }
 
 TEST_P(EveryParamTest, AnEnumeratorIsLiveOrASnapshot) {
-    SetInt(root, "a", 1);
+    SetInt(root, "aa", 1);
     NamesPtr names(root->EnumValues());
-    SetInt(root, "b", 2);
+    SetInt(root, "bb", 2);
     std::string seen = NamesText(names.release());
     EXPECT_EQ(seen.find('b') != std::string::npos, kind.enumerationIsLive) << seen;
 }
 
 TEST_P(EveryParamTest, EntriesMayBeDeletedDuringAWalk) {
-    for (const char* name : {"a", "b", "c", "d", "e"}) {
+    for (const char* name : {"aa", "bb", "cc", "dd", "ee"}) {
         SetInt(root, name, 1);
         Create(name);
     }
@@ -493,11 +494,11 @@ TEST_P(EveryParamTest, TheSlotsStandInTheirOrder) {
                   root, qx_typeid<IRegisterIface>(), nullptr),
               1);
     using ByName = IParam*(IParam*, const char*);
-    EXPECT_TRUE(ParamPtr(Slot<ByName>(root, 3)(root, "a")));
-    EXPECT_TRUE(ParamPtr(Slot<IParam*(IParam*, const char*, int)>(root, 4)(root, "b", 1)));
-    Slot<void(IParam*, const char*)>(root, 5)(root, "a");
+    EXPECT_TRUE(ParamPtr(Slot<ByName>(root, 3)(root, "aa")));
+    EXPECT_TRUE(ParamPtr(Slot<IParam*(IParam*, const char*, int)>(root, 4)(root, "bb", 1)));
+    Slot<void(IParam*, const char*)>(root, 5)(root, "aa");
     using Names = CTEnum<const char*>*(IParam*);
-    EXPECT_EQ(NamesText(Slot<Names>(root, 7)(root)), "b");
+    EXPECT_EQ(NamesText(Slot<Names>(root, 7)(root)), "bb");
     Slot<void(IParam*)>(root, 6)(root);
     EXPECT_EQ(Tree(), "v=5:1");
     CQXVariant out, two(2);
@@ -521,6 +522,6 @@ TEST_P(EveryParamTest, WhatTheLastReleaseLeavesIsThereAgain) {
     ParamPtr again = place->Reopen();
     ASSERT_EQ(again != nullptr, kind.keeps);
     if (again) {
-        EXPECT_EQ(SortedTree(again.get()), "x=5:1 a{y=5:2 b{z=5:3}}");
+        EXPECT_EQ(SortedTree(again.get()), "x=5:1 aa{y=5:2 bb{z=5:3}}");
     }
 }

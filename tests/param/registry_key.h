@@ -29,10 +29,12 @@ public:
     const std::string& Path() const { return m_path; }
     HKEY Raw() const { return m_key; }
 
-    // As the platform stores it: text in UTF-16.
+    // As the platform stores it: text in UTF-16. The platform looks behind a text for the
+    // terminator that it may lack.
     void Put(const char* name, DWORD type, const std::string& bytes) const {
         std::wstring wide(name, name + strlen(name));
-        RegSetValueExW(m_key, wide.c_str(), 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
+        std::string guarded = bytes + "\xFF\xFF";
+        RegSetValueExW(m_key, wide.c_str(), 0, type, reinterpret_cast<const BYTE*>(guarded.data()),
                        static_cast<DWORD>(bytes.size()));
     }
     // "TYPE:BYTES IN HEXADECIMAL", or "none".
