@@ -1,9 +1,11 @@
-// host.exe [--dictionary FILE] [--plugin FILE] --show    opens the program's window
+// host.exe [--dictionary FILE] [--plugin FILE] [--settings PLACE] --show    opens the window
 // host.exe [--dictionary FILE] --dump    prints the texts of its live user interface
 // host.exe --document FILE ...           makes, changes or lists a document; document_command.cpp
+// host.exe --settings... ...             lists, copies or compares settings; settings_command.h
 //
 // A plug-in makes the notes of the documents that the window opens; --dump shows no window.
 // Exit code 0, or 2 when the command line, the dictionary or the document cannot be read.
+#include <qxcore/exception.h>
 #include <qxcore/registry.h>
 #include <qxcore/translation.h>
 
@@ -12,6 +14,9 @@
 
 #include "document_command.h"
 #include "dump.h"
+#include "settings.h"
+#include "settings_command.h"
+#include "settings_place.h"
 #include "window.h"
 
 namespace {
@@ -19,6 +24,7 @@ namespace {
 struct CommandLine {
     const char* dictionary = nullptr;
     const char* plugin = nullptr;
+    const char* settings = nullptr;
     bool show = false;
     bool dump = false;
 
@@ -32,23 +38,48 @@ struct CommandLine {
                 dictionary = words[++i];
             } else if (!std::strcmp(words[i], "--plugin") && i + 1 < count) {
                 plugin = words[++i];
+            } else if (!std::strcmp(words[i], "--settings") && i + 1 < count) {
+                settings = words[++i];
             } else {
                 return false;
             }
         }
-        return show != dump;
+        return show != dump && !(dump && settings);
     }
 };
+
+// The window with what it remembered, if it has a place for that.
+int Show(HINSTANCE instance, const char* where) {
+    Settings settings;
+    if (!where) return RunWindow(instance, settings);
+    try {
+        std::unique_ptr<SettingsPlace> place = SettingsPlace::Open(where);
+        if (place) {
+            settings.Read(place->Tree());
+            if (int failed = RunWindow(instance, settings)) return failed;
+            settings.Write(place->Tree());
+            place->Keep();
+            return 0;
+        }
+        std::fprintf(stderr, "host: no such kind of place for settings: %s\n", where);
+    } catch (CXException& failure) {
+        std::fprintf(stderr, "host: error %d with the settings\n", failure.GetCode());
+    }
+    return 2;
+}
 
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
     if (__argc > 1 && !std::strcmp(__argv[1], "--document"))
         return RunDocumentCommand(__argc, __argv);
+    if (IsSettingsCommand(__argc, __argv)) return RunSettingsCommand(__argc, __argv);
 
     CommandLine command;
     if (!command.Read(__argc, __argv)) {
-        std::fputs("usage: host [--dictionary FILE] [--plugin FILE] --show | --dump\n", stderr);
+        std::fputs(
+            "usage: host [--dictionary FILE] [--plugin FILE] [--settings PLACE] --show | --dump\n",
+            stderr);
         return 2;
     }
 
@@ -66,5 +97,5 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
         return 2;
     }
 
-    return command.dump ? DumpInterface(instance) : RunWindow(instance);
+    return command.dump ? DumpInterface(instance) : Show(instance, command.settings);
 }

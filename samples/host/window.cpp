@@ -1,10 +1,13 @@
 #include "window.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <vector>
 
 #include "dialogs.h"
 #include "resource.h"
 #include "server_document.h"
+#include "settings.h"
 
 namespace {
 
@@ -16,15 +19,37 @@ HWND g_taskDialog = nullptr;
 // The document that came from a server; without an address there is none.
 ServerDocument g_open;
 
+// What the window shows and remembers.
+Settings g_settings;
+
+struct Task {
+    unsigned title, due, state;
+    int dueRank, priorityRank;
+};
+constexpr Task g_tasks[] = {
+    {IDS_TASK_1, IDS_DUE_1, IDS_STATE_OPEN, 1, 2},
+    {IDS_TASK_2, IDS_DUE_2, IDS_STATE_OPEN, 2, 1},
+    {IDS_TASK_3, IDS_DUE_3, IDS_STATE_CLOSED, 3, 3},
+};
+
+// The choices of the View menu, as the settings call them.
+struct Choice {
+    int command;
+    const char* name;
+};
+constexpr Choice g_sorts[] = {
+    {ID_VIEW_SORT_TITLE, "title"}, {ID_VIEW_SORT_DUE, "due"}, {ID_VIEW_SORT_PRIORITY, "priority"}};
+
 HINSTANCE InstanceOf(HWND window) {
     return reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(window, GWLP_HINSTANCE));
 }
 
 void DrawRow(HDC dc, int y, std::string const& task, std::string const& due,
              std::string const& state) {
-    TextOutA(dc, 12, y, task.c_str(), static_cast<int>(task.size()));
-    TextOutA(dc, 232, y, due.c_str(), static_cast<int>(due.size()));
-    TextOutA(dc, 342, y, state.c_str(), static_cast<int>(state.size()));
+    auto const& columns = g_settings.columns;
+    TextOutA(dc, columns[0], y, task.c_str(), static_cast<int>(task.size()));
+    TextOutA(dc, columns[1], y, due.c_str(), static_cast<int>(due.size()));
+    TextOutA(dc, columns[2], y, state.c_str(), static_cast<int>(state.size()));
 }
 
 void DrawStatus(HDC dc, RECT client, HINSTANCE instance) {
@@ -35,6 +60,23 @@ void DrawStatus(HDC dc, RECT client, HINSTANCE instance) {
     std::snprintf(count, sizeof count, LoadText(instance, IDS_COUNT).c_str(), 3, 2);
     std::string text = LoadText(instance, IDS_READY) + "   " + count;
     TextOutA(dc, bar.left + 8, bar.top + 5, text.c_str(), static_cast<int>(text.size()));
+}
+
+bool IsShown(Task const& task) {
+    bool closed = task.state == IDS_STATE_CLOSED;
+    return g_settings.filter != (closed ? "open" : "closed") && g_settings.filter != "none";
+}
+
+std::vector<Task> ShownTasks(HINSTANCE instance) {
+    std::vector<Task> tasks;
+    std::copy_if(std::begin(g_tasks), std::end(g_tasks), std::back_inserter(tasks), IsShown);
+    std::sort(tasks.begin(), tasks.end(), [instance](Task const& a, Task const& b) {
+        if (g_settings.sort == "title")
+            return LoadText(instance, a.title) < LoadText(instance, b.title);
+        return g_settings.sort == "priority" ? a.priorityRank < b.priorityRank
+                                             : a.dueRank < b.dueRank;
+    });
+    return tasks;
 }
 
 // As many notes of the open document as there is room for.
@@ -61,9 +103,11 @@ void Draw(HWND window) {
     RECT line = {12, 30, client.right - 12, 32};
     DrawEdge(dc, &line, EDGE_ETCHED, BF_TOP);
     if (g_open.address.empty()) {
-        DrawRow(dc, 40, text(IDS_TASK_1), text(IDS_DUE_1), text(IDS_STATE_OPEN));
-        DrawRow(dc, 62, text(IDS_TASK_2), text(IDS_DUE_2), text(IDS_STATE_OPEN));
-        DrawRow(dc, 84, text(IDS_TASK_3), text(IDS_DUE_3), text(IDS_STATE_CLOSED));
+        int y = 40;
+        for (Task const& task : ShownTasks(instance)) {
+            DrawRow(dc, y, text(task.title), text(task.due), text(task.state));
+            y += 22;
+        }
     } else {
         DrawNotes(dc, client, text(IDS_STATE_OPEN));
     }
@@ -95,6 +139,51 @@ void TakeTask(HWND window) {
     InvalidateRect(window, nullptr, TRUE);
 }
 
+// Brings the View menu and the list in line with the settings.
+void ShowChoices(HWND window) {
+    HMENU menu = GetMenu(window);
+    auto check = [menu](int command, bool on) {
+        CheckMenuItem(menu, command, MF_BYCOMMAND | (on ? MF_CHECKED : MF_UNCHECKED));
+    };
+    for (Choice const& sort : g_sorts) check(sort.command, g_settings.sort == sort.name);
+    check(ID_VIEW_SHOW_OPEN, g_settings.filter == "all" || g_settings.filter == "open");
+    check(ID_VIEW_SHOW_CLOSED, g_settings.filter == "all" || g_settings.filter == "closed");
+    InvalidateRect(window, nullptr, TRUE);
+}
+
+void ChooseSort(HWND window, int command) {
+    for (Choice const& sort : g_sorts) {
+        if (sort.command == command) g_settings.sort = sort.name;
+    }
+    ShowChoices(window);
+}
+
+void ToggleShown(HWND window, int command) {
+    auto isOn = [window](int id) {
+        return (GetMenuState(GetMenu(window), id, MF_BYCOMMAND) & MF_CHECKED) != 0;
+    };
+    bool open = isOn(ID_VIEW_SHOW_OPEN) != (command == ID_VIEW_SHOW_OPEN);
+    bool closed = isOn(ID_VIEW_SHOW_CLOSED) != (command == ID_VIEW_SHOW_CLOSED);
+    g_settings.filter = open ? (closed ? "all" : "open") : (closed ? "closed" : "none");
+    ShowChoices(window);
+}
+
+// Where the window stands when it is neither the largest nor the smallest.
+void RememberPlace(HWND window) {
+    WINDOWPLACEMENT placement = {};
+    placement.length = sizeof placement;
+    if (GetWindowPlacement(window, &placement)) g_settings.place = placement.rcNormalPosition;
+}
+
+void ReturnToPlace(HWND window) {
+    if (IsRectEmpty(&g_settings.place)) return;
+    WINDOWPLACEMENT placement = {};
+    placement.length = sizeof placement;
+    placement.showCmd = SW_HIDE;
+    placement.rcNormalPosition = g_settings.place;
+    SetWindowPlacement(window, &placement);
+}
+
 void OnCommand(HWND window, int command) {
     switch (command) {
         case ID_FILE_OPEN:
@@ -103,7 +192,10 @@ void OnCommand(HWND window, int command) {
             AskListToOpen(InstanceOf(window), window);
             break;
         case ID_FILE_SERVER:
-            if (OpenFromServer(InstanceOf(window), window, g_open)) ShowOpenDocument(window);
+            if (OpenFromServer(InstanceOf(window), window, g_open)) {
+                g_settings.Remember(g_open.address);
+                ShowOpenDocument(window);
+            }
             break;
         case ID_FILE_SAVE:
             SaveToServer(InstanceOf(window), window, g_open);
@@ -112,7 +204,8 @@ void OnCommand(HWND window, int command) {
             TakeTask(window);
             break;
         case ID_FILE_RECENT_CLEAR:
-            TellListIsEmpty(window);
+            if (g_settings.recent.empty()) TellListIsEmpty(window);
+            g_settings.recent.clear();
             break;
         case ID_FILE_EXIT:
             DestroyWindow(window);
@@ -123,6 +216,15 @@ void OnCommand(HWND window, int command) {
             break;
         case ID_TASK_DELETE:
             AskToDelete(InstanceOf(window), window);
+            break;
+        case ID_VIEW_SORT_TITLE:
+        case ID_VIEW_SORT_DUE:
+        case ID_VIEW_SORT_PRIORITY:
+            ChooseSort(window, command);
+            break;
+        case ID_VIEW_SHOW_OPEN:
+        case ID_VIEW_SHOW_CLOSED:
+            ToggleShown(window, command);
             break;
         case ID_HELP_MANUAL:
             TellManualIsMissing(window);
@@ -144,6 +246,7 @@ LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wparam, LPARAM lpa
             Draw(window);
             return 0;
         case WM_DESTROY:
+            RememberPlace(window);
             PostQuitMessage(0);
             return 0;
         default:
@@ -174,9 +277,12 @@ HWND CreateMainWindow(HINSTANCE instance) {
                            LoadMenuA(instance, MAKEINTRESOURCEA(IDR_MAIN)), instance, nullptr);
 }
 
-int RunWindow(HINSTANCE instance) {
+int RunWindow(HINSTANCE instance, Settings& settings) {
+    g_settings = settings;
     HWND window = CreateMainWindow(instance);
     if (!window) return 1;
+    ReturnToPlace(window);
+    ShowChoices(window);
     ShowWindow(window, SW_SHOWNORMAL);
 
     MSG message;
@@ -185,5 +291,7 @@ int RunWindow(HINSTANCE instance) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
+    settings = g_settings;
+    g_settings.note = nullptr;  // objects go before the library does
     return 0;
 }

@@ -6,8 +6,11 @@
 
 #include <string>
 
-// Shows the window and runs until it is closed. The answer is the exit code.
-int RunWindow(HINSTANCE instance);
+struct Settings;
+
+// Shows the window and runs until it is closed; `settings` are what it begins with, and then what
+// it ended with. The answer is the exit code.
+int RunWindow(HINSTANCE instance, Settings& settings);
 
 // The window, not shown yet.
 HWND CreateMainWindow(HINSTANCE instance);
