@@ -108,8 +108,8 @@ void CTString<S, Ch>::ChangeFileExt(const Ch* ext) {
     S store;
     ext = Aside(ext, n, store);
     if (!GetFileExt()) {
-        ReallocBuffer(
-            qx::RoomFor(GetSize() + 1, n));  // for both, so that the dot does not come alone
+        // For both, so that the dot does not come alone.
+        ReallocBuffer(qx::RoomFor(GetSize() + 1, n));
         AddFileExtDelim();
     }
     const Ch* old = GetFileExt();

@@ -10,8 +10,8 @@
 namespace {
 
 constexpr char kFile[] = "ini_text_fuzz.ini";
-constexpr char kIncluded[] =
-    "ini_text_part.ini";  // includes nothing: a file that includes itself is the caller's affair
+// Includes nothing: a file that includes itself is the caller's affair.
+constexpr char kIncluded[] = "ini_text_part.ini";
 constexpr const char* kIncludes[] = {"#include ini_text_part.ini\r\n",
                                      "# INCLUDE \"ini_text_part.ini\" |k=i1|",
                                      "#include .\\ini_text_part.ini|"};

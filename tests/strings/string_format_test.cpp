@@ -184,8 +184,8 @@ TYPED_TEST(StringFormatTest, UnknownTypesTakeNothingAndCountNothing) {
     EXPECT_EQ(this->Sized("%k"), 0);
     EXPECT_EQ(this->Sized("%k%hs", "abc"), 3);
     EXPECT_EQ(this->Sized("%hk%lk"), 0);
-    EXPECT_EQ(this->Sized("%F%d", 5),
-              1);  // F is skipped, the second percent sign is the type, d is text
+    // F is skipped, the second percent sign is the type, d is text.
+    EXPECT_EQ(this->Sized("%F%d", 5), 1);
 }
 
 TYPED_TEST(StringFormatTest, AnUnfinishedDirectiveEndsTheWalk) {

@@ -48,8 +48,8 @@ TYPED_TEST(StringLoadTest, TextsThatJustFillTheFirstBufferAreWhole) {
         TypeParam s;
         EXPECT_EQ(s.Load(Own(), id), 1);
         EXPECT_EQ(Ascii(s), Numbered(250) + tails[id - 3]);
-        // Of 256 units one is the terminator's, and a text that leaves no room for one more character
-        // may have been cut.
+        // Of 256 units one is the terminator's, and a text that leaves no room for one more
+        // character may have been cut.
         EXPECT_EQ(AllocOf(s), s.GetLength() < 256 - largest ? 257 : 513);
     }
 }
