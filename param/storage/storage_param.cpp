@@ -54,13 +54,11 @@ CIXStorParam* CIXStorParam::CloseUpwards() {
     CIXStorParam* node = this;
     for (;;) {
         if (node->m_storage) Caught([node] { node->m_storage->Commit(); });
-        Reference<IParam> parent(node->GetParent());
+        Reference<CIXStorParam> above = Hold(node->m_above);
         node->SetParent(nullptr);
-        bool isLast = parent && parent.Get() == node->m_above && node->m_above->m_held == 1;
-        if (!isLast) return node;
-        node->m_above->m_below = node;
-        node = node->m_above;
-        parent.Detach();
+        if (!above || above->m_held > 1) return node;
+        above->m_below = node;
+        node = above.Detach();
     }
 }
 
@@ -70,6 +68,11 @@ void CIXStorParam::End(CIXStorParam* top) {
         top = node->m_below;
         node->Base::Release();
     }
+}
+
+void CIXStorParam::SetParent(IParam* parent) {
+    if (parent != m_above) m_above = nullptr;
+    Base::SetParent(parent);
 }
 
 // The storage of a node that still has one.

@@ -23,6 +23,7 @@ public:
 
     unsigned AddRef() override { return m_held = Base::AddRef(); }
     unsigned Release() override;
+    void SetParent(IParam* parent) override;
     int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
         return m_attached.Query(id, out);
     }
@@ -49,7 +50,7 @@ private:
     CXString m_name;
     Reference<IXStorage> m_storage;   // none after Clear
     unsigned m_held = 1;              // the public count
-    CIXStorParam* m_above;            // the parent it was made with; a host may set another one
+    CIXStorParam* m_above;            // the parent, unless a host has set another one
     CIXStorParam* m_below = nullptr;  // the node that closed this one
 
     enum class Missing { stays, isMade };

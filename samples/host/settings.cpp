@@ -63,6 +63,7 @@ void Settings::Write(IParam* tree) const {
     Put(list.Get(), "columns", CQXVariant(tagQXBLOB{sizeof numbers, numbers.data()}));
 
     qx::Reference<IParam> documents = Child(tree, "recent");
+    if (documents) documents->DeleteAllValues();  // there may have been more
     for (size_t i = 0; i < recent.size(); ++i)
         Put(documents.Get(), std::to_string(i + 1).c_str(), CQXVariant(recent[i].c_str()));
 
