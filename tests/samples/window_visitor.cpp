@@ -10,10 +10,28 @@
 
 namespace {
 
-HWND WaitForWindow(HANDLE process) {
-    while (WaitForSingleObject(process, 50) == WAIT_TIMEOUT) {
-        HWND window = FindWindowA("TaskListWindow", nullptr);
-        if (window && IsWindowVisible(window)) return window;
+struct Search {
+    DWORD process;
+    HWND found;
+};
+
+// The program's own window: others of its class may belong to programs that run beside it.
+BOOL CALLBACK LookAt(HWND window, LPARAM search) {
+    auto& wanted = *reinterpret_cast<Search*>(search);
+    char name[32] = "";
+    DWORD process = 0;
+    GetClassNameA(window, name, sizeof name);
+    GetWindowThreadProcessId(window, &process);
+    bool isIt = process == wanted.process && lstrcmpA(name, "TaskListWindow") == 0;
+    if (isIt && IsWindowVisible(window)) wanted.found = window;
+    return !wanted.found;
+}
+
+HWND WaitForWindow(PROCESS_INFORMATION const& process) {
+    while (WaitForSingleObject(process.hProcess, 50) == WAIT_TIMEOUT) {
+        Search search = {process.dwProcessId, nullptr};
+        EnumWindows(LookAt, reinterpret_cast<LPARAM>(&search));
+        if (search.found) return search.found;
     }
     return nullptr;
 }
@@ -35,7 +53,7 @@ int main(int count, char** words) {
     if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                         &start, &process))
         return 3;
-    HWND window = WaitForWindow(process.hProcess);
+    HWND window = WaitForWindow(process);
     if (!window) return 3;
     PrintPlace(window);
     SendMessageA(window, WM_COMMAND, ID_VIEW_SORT_TITLE, 0);
