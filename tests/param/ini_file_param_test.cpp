@@ -1,6 +1,7 @@
 // The live tree over an ini file: what stands in the file after each operation, and what the file,
 // also one that others wrote, shows as a tree.
 #include "param/ini_file_fixture.h"
+#include "support/import_slot.h"
 #include "support/slot.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +15,34 @@ unsigned CountOf(IQXUnknown* object) {
     return object->Release();
 }
 
+int g_writes, g_reads;
+
+BOOL WINAPI CountedWrite(const char* section, const char* key, const char* text, const char* file) {
+    ++g_writes;
+    return WritePrivateProfileStringA(section, key, text, file);
+}
+DWORD WINAPI CountedRead(const char* section, const char* key, const char* missing, char* out,
+                         DWORD size, const char* file) {
+    ++g_reads;
+    return GetPrivateProfileStringA(section, key, missing, out, size, file);
+}
+
 }  // namespace
+
+TEST_F(IniFileParamTest, APlainValueIsReadAndWrittenByOneCallOfThePlatform) {
+    ParamPtr root = Root();
+    ReplacedImport write("WritePrivateProfileStringA", reinterpret_cast<void*>(&CountedWrite));
+    ReplacedImport read("GetPrivateProfileStringA", reinterpret_cast<void*>(&CountedRead));
+    ASSERT_TRUE(write && read);
+    g_writes = g_reads = 0;
+    SetInt(root.get(), "x", 5);
+    EXPECT_EQ(g_writes, 1);
+    EXPECT_EQ(g_reads, 0);
+    EXPECT_EQ(GetInt(root.get(), "x"), 5);
+    EXPECT_EQ(root->DeleteValue("x"), 1);
+    EXPECT_EQ(g_writes, 2);
+    EXPECT_EQ(g_reads, 1);
+}
 
 TEST_F(IniFileParamTest, ConstructionMakesTheFolderAndAFileWithTheMarkerOfTheRoot) {
     file = directory.PathOf("new\\deep\\settings.ini");
