@@ -19,6 +19,13 @@ unsigned FromEnvironment(const char* name, unsigned usual) {
     return text ? strtoul(text, nullptr, 10) : usual;
 }
 
+// Under guard pages each block of the heap costs calls of the system.
+#if defined(QXCORE_GUARD_HEAP)
+constexpr unsigned kGuardedFraction = 10;
+#else
+constexpr unsigned kGuardedFraction = 1;
+#endif
+
 // How many children a node near the root has at most.
 constexpr unsigned kFew = 2, kSome = 3;
 
@@ -28,6 +35,7 @@ void ForTrees(unsigned count, unsigned children, Check check) {
     unsigned first = FromEnvironment("QXCORE_TREE_SEED", 1);
     count *= FromEnvironment("QXCORE_TREES", 1);
     if (_getmbcp() != 0) count /= 5;  // characters of two bytes change what names are, not the rest
+    count /= kGuardedFraction;
     for (unsigned seed = first; seed < first + count; ++seed) {
         Random random(seed);
         SCOPED_TRACE("seed " + std::to_string(seed));
