@@ -31,7 +31,7 @@ def entries_of(path):
 
 
 def main():
-    tool = pathlib.Path(sys.argv[1]) / "qxtranslate"
+    tool = pathlib.Path(sys.argv[1]).resolve() / "qxtranslate"
     languages = sys.argv[2].split(",") if len(sys.argv) > 2 else ["de", "fr", "ja", "ru"]
     languages = list(LANGUAGES) if languages == ["all"] else languages
     names = sys.argv[3].split() if len(sys.argv) > 3 else FILES.split()

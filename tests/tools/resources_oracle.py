@@ -53,7 +53,7 @@ def match(mine, found):
 
 
 def main():
-    binary = pathlib.Path(sys.argv[1]) / "list_resources"
+    binary = pathlib.Path(sys.argv[1]).resolve() / "list_resources"
     if sys.argv[2:] == ["all"]:
         files = sorted(f for f in WINE.iterdir() if f.read_bytes()[:2] == b"MZ")
     else:

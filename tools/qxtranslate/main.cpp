@@ -36,9 +36,12 @@ int RunCommandLine(std::vector<std::string> words) {
     app.set_version_flag("--version", "qxtranslate " QXCORE_VERSION);
     app.require_subcommand(1);
     Run run;
-    for (auto define :
-         {DefineHarvest, DefineAudit, DefineBuild, DefineImport, DefineExport, DefineCheck})
+    for (auto define : {DefineHarvest, DefineAudit, DefineBuild, DefineImport, DefineExport,
+                        DefineCheck, DefineStatus, DefineMerge, DefinePseudo})
         define(app, run);
+#ifdef _WIN32
+    DefineRun(app, run);
+#endif
     std::reverse(words.begin(), words.end());
     try {
         app.parse(words);

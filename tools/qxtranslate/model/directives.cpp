@@ -150,8 +150,9 @@ std::string CompareOrdered(const Directives& source, const Directives& target) {
 
 std::vector<DirectiveSpan> FindDirectives(std::string_view text) {
     std::vector<DirectiveSpan> spans;
-    for (const Found& found : Find(text, HasNumbered(text)))
-        spans.push_back({found.begin, found.end});
+    for (bool isNumbered : {false, true}) {
+        for (const Found& found : Find(text, isNumbered)) spans.push_back({found.begin, found.end});
+    }
     return spans;
 }
 

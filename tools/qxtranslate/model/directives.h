@@ -15,7 +15,8 @@ struct Directives {
     std::map<unsigned, std::string> numbered;  // the number and the format between the marks
 };
 
-// Where the directives of a text stand, as [begin, end) of its bytes, also "%%" and line breaks.
+// Where directives of either kind may stand, as [begin, end) of the bytes, also "%%" and line
+// breaks; spans may cover each other.
 struct DirectiveSpan {
     size_t begin, end;
 };
