@@ -193,6 +193,13 @@ void LaunchedProgram::Resume() {
     ResumeThread(m_thread);
 }
 
+void LaunchedProgram::AwaitWindow() const {
+    constexpr DWORD kStep = 100;
+    for (DWORD waited = 0; waited < kPatience && WindowsOf(m_processId).empty(); waited += kStep) {
+        if (EndsWithin(kStep)) return;
+    }
+}
+
 void LaunchedProgram::SendCommand(unsigned command) const {
     std::vector<HWND> windows = WindowsOf(m_processId);
     if (windows.empty()) throw BadInput(m_name + " has no window to send a command to");

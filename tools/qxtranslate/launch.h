@@ -45,6 +45,8 @@ public:
 
     // Whether the program ends within the time.
     bool EndsWithin(DWORD milliseconds) const;
+    // Waits until the program shows a window, ends, or lets long pass without either.
+    void AwaitWindow() const;
     // To the first of the program's windows with a menu, else to the first.
     void SendCommand(unsigned command) const;
     // Lets the agent write the dump.

@@ -111,10 +111,10 @@ int RunProgram(const Options& options) {
         LaunchedProgram program(options.program);
         program.LoadAgent(*orders);
         program.Resume();
-        bool looks = !options.dump.empty() || !options.commands.empty() || options.closes;
-        if (looks && program.EndsWithin(static_cast<DWORD>(options.after * 1000)) &&
-            !options.dump.empty())
-            throw BadInput(options.program[0] + " ended before its windows could be read");
+        if (!options.dump.empty() || !options.commands.empty() || options.closes) {
+            program.AwaitWindow();
+            program.EndsWithin(static_cast<DWORD>(options.after * 1000));
+        }
         for (unsigned command : options.commands) {
             program.SendCommand(command);
             Settle(program);
