@@ -34,7 +34,8 @@ template <class Check>
 void ForTrees(unsigned count, unsigned children, Check check) {
     unsigned first = FromEnvironment("QXCORE_TREE_SEED", 1);
     count *= FromEnvironment("QXCORE_TREES", 1);
-    if (_getmbcp() != 0) count /= 5;  // characters of two bytes change what names are, not the rest
+    bool hasLeadBytes = _ismbblead(0x83) != 0;
+    if (hasLeadBytes) count /= 5;  // they change what names are, and nothing else
     count /= kGuardedFraction;
     for (unsigned seed = first; seed < first + count; ++seed) {
         Random random(seed);
