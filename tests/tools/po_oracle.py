@@ -54,13 +54,12 @@ def main():
             findings = subprocess.run([str(tool), "check", po, "--codepage", str(page), "--format", "json"],
                                       capture_output=True, text=True)
             assert findings.returncode in (0, 1), findings.stderr
-            wrong = {int(f["line"]) for f in json.loads(findings.stdout) if f["severity"] == "error"}
+            wrong = {f["source"] for f in json.loads(findings.stdout) if f["severity"] == "error"}
             file = polib.pofile(str(po), wrapwidth=0)
-            good = [e for e in file if e.linenum not in wrong and e.msgstr]
+            good = [e for e in file if e.msgid not in wrong and e.msgstr]
             sound = polib.POFile()
             sound.metadata = file.metadata
             sound.extend(good)
-            # Where the translation was told wrong by a line number, the entries are those of polib's lines.
             sound.save(str(folder / "good.po"))
             run(tool, "build", folder / "good.po", "--codepage", page, "-o", wld)
             run(tool, "import", wld, "--codepage", page, "-o", back)
