@@ -22,7 +22,7 @@ class UniqueNames {
 public:
     UniqueNames(char* block, size_t mostNames)
         : m_block(block),
-          m_slots(std::bit_ceil(2 * mostNames + 1)),
+          m_slots(std::bit_ceil(2 * mostNames + 2)),
           m_places(new unsigned short[m_slots]()) {}
 
     void Add(std::string_view name) {
@@ -31,7 +31,7 @@ public:
         char* text = m_block + m_size;
         memcpy(text, name.data(), name.size());
         text[name.size()] = 0;
-        size_t slot = QXHashText(text).hash & (m_slots - 1);
+        size_t slot = FirstSlot(QXHashText(text).hash);
         for (; m_places[slot]; slot = (slot + 1) & (m_slots - 1)) {
             if (strcmp(m_block + m_places[slot] - 1, text) == 0) return;
         }
@@ -43,8 +43,14 @@ public:
 private:
     char* m_block;
     size_t m_size = 0;
-    size_t m_slots;
+    const size_t m_slots;                        // a power of two
     std::unique_ptr<unsigned short[]> m_places;  // in the block, counted from 1; 0 is free
+
+    // Names that follow each other have hashes that do, so all bits of one decide.
+    size_t FirstSlot(unsigned hash) const {
+        constexpr unsigned kSpread = 0x9E3779B1;
+        return (hash * kSpread) >> (32 - std::countr_zero(m_slots));
+    }
 };
 
 size_t CountTexts(const char* block) {
