@@ -3,13 +3,16 @@
 
 Each program is run three times, in English, in the second language, and in English with a dictionary made from its own
 resources of that language; the texts of its live windows and menus are compared line by line. The lines that differ
-between the first two are those that a translation has to change. Needs a display.
+between the first two are those that a translation has to change. Fails when a text of the program's own resources is
+left. Needs a display.
 """
 import os
 import pathlib
 import re
 import subprocess
 import sys
+
+import polib
 
 WINE = pathlib.Path("/usr/lib/x86_64-linux-gnu/wine/x86_64-windows")
 PROGRAMS = ["wordpad", "progman", "winemine", "taskmgr", "notepad", "winefile"]
@@ -49,7 +52,7 @@ class Runner:
                 kind, _, index = place.split("\t")
                 place = f"{kind}\t{index}"
             # Numbers are those of the moment.
-            lines.setdefault(place, re.sub(r"\d+", "#", text))
+            lines.setdefault(place, re.sub(r"\d+", "#", text.replace("\\t", "\t").replace("\\n", "\n")))
         return lines
 
     def compare(self, program):
@@ -63,10 +66,15 @@ class Runner:
                          windows(self.out / f"{program}.record"))
         places = [p for p in english if p in native and english[p] != native[p]]
         wrong = [p for p in places if ours.get(p) != native[p]]
+        own = {re.sub(r"\d+", "#", e.msgid) for e in polib.pofile(str(po))}
+        unexplained = 0
         for place in wrong:
-            print(f"  {program}\t{place}\t{english[place]}\t{native[place]}\t{ours.get(place)}")
+            # Such as the menu that the system gives the window of a document, and numbers written the local way.
+            reason = "a text of the program" if english[place] in own else "no text of the program's resources"
+            unexplained += english[place] in own
+            print(f"  {program}\t{place}\t{english[place]}\t{native[place]}\t{ours.get(place)}\t{reason}")
         print(f"{program}: {len(places) - len(wrong)} of {len(places)} lines are those of the native program")
-        return len(places) - len(wrong), len(places)
+        return len(places) - len(wrong), len(places), unexplained
 
 
 def main():
@@ -74,7 +82,7 @@ def main():
     results = [runner.compare(p) for p in (sys.argv[3:] or PROGRAMS)]
     same, all_lines = sum(r[0] for r in results), sum(r[1] for r in results)
     print(f"{same} of {all_lines} lines")
-    sys.exit(0 if all_lines > 0 and same >= 0.975 * all_lines else 1)
+    sys.exit(0 if same > 0 and not any(r[2] for r in results) else 1)
 
 
 main()
