@@ -34,8 +34,10 @@ CXString PathLevels::TakeFirst() {
     return first;
 }
 
+// Most names are no paths: where no byte is a delimiter no character is.
 std::optional<SplitName> SplitAtLast(const char* name) {
-    const char* delimiter = name ? Characters::OfRuntime().FindLast(name, kDelimiter) : nullptr;
+    if (!name || !strchr(name, kDelimiter)) return std::nullopt;
+    const char* delimiter = Characters::OfRuntime().FindLast(name, kDelimiter);
     if (!delimiter) return std::nullopt;
     return SplitName{Head(name, delimiter), CXString(delimiter + 1)};
 }
