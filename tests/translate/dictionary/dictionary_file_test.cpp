@@ -474,3 +474,10 @@ TEST(DictionaryFileTest, AFileThatCannotBeClosedIsAFileFailure) {
     EXPECT_EQ("Auf", d["Open"]) << "what was read before stays";
     EXPECT_TRUE(UnmapViewOfFile(g_keptView));
 }
+
+TEST(DictionaryFileTest, AByteOrderMarkTakesTheFirstTextAndShiftsThePairs) {
+    FileDictionary d;
+    d.Init("\xEF\xBB\xBF\"Open\"\r\n\"Auf\"\r\n\"Close\"\r\n\"Zu\"\r\n");
+    EXPECT_EQ("(null)", d["Open"]);
+    EXPECT_EQ("Close", d["Auf"]);
+}

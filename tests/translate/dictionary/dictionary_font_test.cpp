@@ -109,3 +109,16 @@ TEST_F(FontSettings, FailureBeforeTheEndLeavesTheFont) {
     EXPECT_EQ(0, d.Add("C:\\no\\such\\file.wld"));
     EXPECT_STREQ("MS Shell Dlg", d.m_szFontName);
 }
+
+TEST(DictionaryFontTest, AnEmptyNameInTheThreeSettingsLeavesDialogsTheirOwnFonts) {
+    ScratchDirectory directory;
+    CWld dictionary;
+    EXPECT_EQ(1, dictionary.m_bDialogFont);
+    EXPECT_EQ(1, dictionary.Init(directory
+                                     .Write("a.wld",
+                                            "\"DialogFontName\"\n\"\"\n\"DialogFontScript\"\n"
+                                            "\"0\"\n\"DialogFontSize\"\n\"8\"\n")
+                                     .c_str()));
+    EXPECT_EQ(0, dictionary.m_bDialogFont);
+    EXPECT_EQ(0u, dictionary.m_Contexts.count);
+}

@@ -96,3 +96,16 @@ TEST(LoadedModulesTest, AreFoundAsTheSystemFindsThem) {
     EXPECT_EQ(loaded.Find("view"), view.Handle());
     EXPECT_EQ(loaded.Find("other.arx"), other.Handle());
 }
+
+TEST(ModuleNameTest, AModuleMappedAsADataFileHasNoName) {
+    ModuleCopy view("View.dll");
+    ScratchDirectory directory;
+    char path[MAX_PATH];
+    GetModuleFileNameA(view.Handle(), path, MAX_PATH);
+    std::string copy = directory.PathOf("Data.dll");
+    ASSERT_TRUE(CopyFileA(path, copy.c_str(), TRUE));
+    HMODULE data = LoadLibraryExA(copy.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    EXPECT_NE(data, nullptr);
+    EXPECT_EQ(NameOf(data), "(none)");
+    FreeLibrary(data);
+}
