@@ -12,23 +12,23 @@ namespace qx {
 
 class ImageMemory {
 public:
-    explicit ImageMemory(void* base) : base(reinterpret_cast<uintptr_t>(base)) {
+    explicit ImageMemory(void* base) : m_base(reinterpret_cast<uintptr_t>(base)) {
         MEMORY_BASIC_INFORMATION info;
-        if (VirtualQuery(base, &info, sizeof info)) allocation = info.AllocationBase;
+        if (VirtualQuery(base, &info, sizeof info)) m_allocation = info.AllocationBase;
     }
 
     // The value at an offset from the base; false where the image's allocation has no readable
     // memory.
     template <class T>
     bool Read(int64_t offset, T* value) {
-        uintptr_t at = base + static_cast<uintptr_t>(offset);
+        uintptr_t at = m_base + static_cast<uintptr_t>(offset);
         if (!Covers(at, sizeof(T))) return false;
         memcpy(value, reinterpret_cast<const void*>(at), sizeof(T));
         return true;
     }
 
     void* At(int64_t offset) const {
-        return reinterpret_cast<void*>(base + static_cast<uintptr_t>(offset));
+        return reinterpret_cast<void*>(m_base + static_cast<uintptr_t>(offset));
     }
 
 private:
@@ -37,15 +37,15 @@ private:
     bool Covers(uintptr_t at, size_t size) {
         return (Holds(at) || Find(at)) && (Holds(at + size - 1) || Find(at + size - 1));
     }
-    bool Holds(uintptr_t at) const { return at >= begin && at < end; }
+    bool Holds(uintptr_t at) const { return at >= m_begin && at < m_end; }
     bool Find(uintptr_t at) {
         MEMORY_BASIC_INFORMATION info;
         if (!VirtualQuery(reinterpret_cast<const void*>(at), &info, sizeof info)) return false;
-        if (info.AllocationBase != allocation || info.State != MEM_COMMIT ||
+        if (info.AllocationBase != m_allocation || info.State != MEM_COMMIT ||
             !IsReadable(info.Protect))
             return false;
-        begin = reinterpret_cast<uintptr_t>(info.BaseAddress);
-        end = begin + info.RegionSize;
+        m_begin = reinterpret_cast<uintptr_t>(info.BaseAddress);
+        m_end = m_begin + info.RegionSize;
         return true;
     }
     static bool IsReadable(DWORD protection) {
@@ -55,10 +55,10 @@ private:
         return (protection & kReadable) != 0 && (protection & PAGE_GUARD) == 0;
     }
 
-    uintptr_t base;
-    void* allocation = nullptr;
-    uintptr_t begin = 0;  // the region found last
-    uintptr_t end = 0;
+    uintptr_t m_base;
+    void* m_allocation = nullptr;
+    uintptr_t m_begin = 0;  // the region found last
+    uintptr_t m_end = 0;
 };
 
 }  // namespace qx

@@ -3,6 +3,7 @@
 #include "translate/interception/image_memory.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace qx {
 
@@ -38,25 +39,26 @@ public:
 
 private:
     bool MakeWritable(uintptr_t slot) {
-        if (slot >= first && slot + sizeof(void*) <= last) return true;
+        if (slot >= m_first && slot + sizeof(void*) <= m_last) return true;
         Protect();
-        if (!VirtualProtect(reinterpret_cast<void*>(slot), sizeof(void*), PAGE_READWRITE, &old))
+        if (!VirtualProtect(reinterpret_cast<void*>(slot), sizeof(void*), PAGE_READWRITE, &m_old))
             return false;
-        first = slot / kPage * kPage;
-        last = first + kPage;
+        m_first = slot / kPage * kPage;
+        m_last = m_first + kPage;
         // A slot across two pages stands alone: the second page's protection is not the first one's
         // to restore.
-        if (slot + sizeof(void*) > last) first = slot, last = slot + sizeof(void*);
+        if (slot + sizeof(void*) > m_last) m_first = slot, m_last = slot + sizeof(void*);
         return true;
     }
     void Protect() {
-        if (first) VirtualProtect(reinterpret_cast<void*>(first), last - first, old, &old);
-        first = last = 0;
+        if (m_first)
+            VirtualProtect(reinterpret_cast<void*>(m_first), m_last - m_first, m_old, &m_old);
+        m_first = m_last = 0;
     }
 
-    uintptr_t first = 0;
-    uintptr_t last = 0;
-    DWORD old = 0;
+    uintptr_t m_first = 0;
+    uintptr_t m_last = 0;
+    DWORD m_old = 0;
 };
 
 // Where the import directory begins, from the image's base; false when the image is none.
@@ -100,6 +102,7 @@ void ForEachSlot(ImageMemory& image, int64_t directory, Visit visit) {
 }  // namespace
 
 void ExchangeImports(void* module, ImportWay way, ImportExchange* exchanges, size_t count) {
+    assert(module);
     ImageMemory image(module);
     int64_t directory;
     bool isImage = FindImportDirectory(image, &directory);

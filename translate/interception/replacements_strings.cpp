@@ -6,6 +6,7 @@
 #include <qxcore/dictionary.h>
 #include <qxcore/export.h>
 
+#include <cassert>
 #include <cstring>
 
 namespace qx {
@@ -19,6 +20,7 @@ constexpr unsigned kTextSize = 1024;
 // terminator, or 0 when they do not fit: the buffer holds as many as there is room for. REQUIRES:
 // size > 0.
 int WidenInto(const char* text, int length, wchar_t* buffer, int size) {
+    assert(size > 0);
     wchar_t wide[kTextSize];
     int characters = Widen(text, length, wide, kTextSize, MB_PRECOMPOSED);
     bool fits = characters < size;

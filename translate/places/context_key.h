@@ -29,12 +29,13 @@ class ResourceKey {
 public:
     // Empty when the module has no path.
     ResourceKey(ModuleName& module, const void* name, int kind) {
+        m_text[0] = 0;
         WriteResourceKey(module, name, m_text, sizeof m_text, kind);
     }
     operator const char*() const { return m_text; }
 
 private:
-    char m_text[1024] = "";  // the name of a module and a resource name; a longer one is cut
+    char m_text[1024];  // the name of a module and a resource name; a longer one is cut
 };
 
 // A place that texts are looked up for, and the intercepted call that is told to the observer, if

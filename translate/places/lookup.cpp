@@ -2,6 +2,8 @@
 
 #include <qxcore/hash.h>
 
+#include <cassert>
+
 namespace qx {
 
 constinit std::atomic<QXLookupObserver> g_observer = nullptr;
@@ -33,6 +35,7 @@ void Tell(const LookupCall& call, const char* source, const char* target, QXLook
 
 void TellLookup(const LookupCall& call, CWld& dictionary, const char* text,
                 std::optional<unsigned> place) {
+    assert(*text);
     QXTextHash hash = QXHashText(text);
     CContext* inPlace = place ? EntryOf(dictionary, hash.Behind(*place)) : nullptr;
     CContext* plain = EntryOf(dictionary, hash.hash);
