@@ -5,6 +5,9 @@
 // text can have a translation for one place only: its entry then begins with the place's context
 // key (MakeResourceKey), followed directly by the text.
 //
+// Texts are told apart by case, blanks and every other byte; names of modules in context keys too,
+// but not in the geometry of dialogs.
+//
 // Threading: no lock. Lookups only read, so any number of threads may translate while nobody adds.
 #ifndef QXCORE_DICTIONARY_H
 #define QXCORE_DICTIONARY_H
@@ -75,16 +78,20 @@ public:
     // Translates in place. At most size - 1 bytes, in whole characters; answers the bytes now in
     // the buffer.
     QXCORE_API unsigned int Translate(char* buffer, unsigned int size);
-    // Translates a menu with its submenus. Of an item's states only grayed and checked survive. 1.
+    // Translates a menu with its submenus, however deep. Of an item's states only grayed and checked
+    // survive, so one that is disabled without being grayed is enabled, also when its text stays;
+    // an item whose id is 0 keeps its text. An empty dictionary changes nothing. Always 1.
     QXCORE_API int Translate(HMENU menu);
-    // The same, where texts for the place `key` go first. 1.
+    // The same, where texts for the place `key` go first. Always 1.
     QXCORE_API int TranslateMenuInContext(HMENU menu, const char* key);
     // Translates the window's text. All its children get the dialog font, and those of the classes
-    // "STATIC" and "BUTTON" the texts of g_Wld. 1.
+    // "STATIC" and "BUTTON" the texts of g_Wld. Always 1.
     QXCORE_API int Translate(HWND window);
 
     // Answers the template itself with *size 0, or a new block from malloc with *size its length,
-    // which the caller releases with free. Null when memory ran out.
+    // which the caller releases with free. Null when memory ran out. Translated are the caption and
+    // the titles of buttons and statics, unless they have characters above 0xFF. The length of the
+    // template is not known here: it must be sound.
     QXCORE_API unsigned char* TranslateDlg(unsigned char* dialog, int* size, const char* key);
     // The same after applying the geometry kept under `hash` (HashResourceKey).
     QXCORE_API unsigned char* TranslateDlgPosition(unsigned char* dialog, int hash, int* size,
@@ -122,9 +129,9 @@ QXCORE_API unsigned int TranslateBufferInContext(char* buffer, unsigned int size
                                                  int bMeasureOnly);
 
 // Writes the context key of a resource: module file name, "#", kind, "#", id, and the bytes 0xFD
-// 0xFD. An id below 0x10000 is a number, any other the address of a narrow name; for a string table
-// it is the block, id / 16 + 1. Nothing is written when the module has no path. The buffer must
-// hold 280 bytes and the name.
+// 0xFD. An id below 0x10000 is a number, any other the address of a narrow name (of a wide name the
+// key gets the first letter only); for a string table it is the block, id / 16 + 1. Nothing is
+// written when the module has no path. The buffer must hold 280 bytes and the name.
 QXCORE_API void MakeResourceKey(HMODULE module, const void* id, char* buffer, int kind);
 template <class Id, class = std::enable_if_t<std::is_integral_v<Id>>>
 void MakeResourceKey(HMODULE module, Id id, char* buffer, int kind) {

@@ -1,14 +1,44 @@
 // The translated user interface of a host: one call at start-up, one more for each module of the
 // host's own.
 //
-//     Supp_Init("german.wld");                 // reads the dictionary, intercepts the class
-//     libraries Supp_InitResTranslation(GetModuleHandleA(nullptr));  // and this program
+//     if (Supp_Init("german.wld")) {  // reads the dictionary, intercepts the class libraries
+//         Supp_InitResTranslation(GetModuleHandleA(nullptr));  // and this program
+//     }
 //
 // From then on strings, menus, dialogs and message boxes that those modules load appear in the
-// target language.
+// target language. What counts is whose imports a call goes through: a patched module's calls are
+// intercepted whichever module's resources it asks for, and no other module's calls are seen, nor
+// calls through an address from GetProcAddress.
+//
+// In a patched module some calls answer otherwise than the system does:
+//
+//   LoadStringA     answers the whole length of the translation, which may be more than the buffer
+//                   holds; the buffer is then full and not terminated
+//   LoadStringW     counts the terminator; 0 means that the text in the buffer is cut; characters
+//                   that the code page lacks are lost; a buffer of size 0 gets the source text
+//   LoadMenu...     enables items that are disabled without being grayed
+//   FindResource... answers a handle of the library's own for dialogs, menus and string tables: it
+//                   serves LoadResource and SizeofResource in patched modules only. In a module
+//                   that is excluded, or with the switch off, the two Ex functions take type and
+//                   name in exchanged places
+//   LoadResource    answers null for a menu that a patched module found
+//   SizeofResource  answers 0 for such a handle before LoadResource, then the size of what is
+//                   loaded
+//   LockResource    answers its argument
+//   FreeResource    faults on null
+//   CreateDialogParam, DialogBoxParam   answer 0 for a dialog that is missing
+//   CreateDialogIndirectParam           keeps one translated template for each dialog made
+//   MessageBoxA     shows "Error", or its translation, for a null caption
+//   MessageBoxExA   stays in the source language
+//   MessageBoxIndirectA   takes a text pointer whose low half is the number of a string for that
+//                   string, and leaves the caller's block pointing at the translations
+//
+// The last error is always that of the system's function.
 //
 // Threading: nothing here takes a lock. Start and patch on the main thread, before the patched
-// modules are busy; resource loading for the user interface happens on one thread.
+// modules are busy. LoadStringA and LoadStringW, menus, message boxes and dialogs from a caller's
+// own template may then run on any thread while nobody adds to the dictionary; finding and loading
+// dialogs, menus and string tables as resources happens on one thread.
 #ifndef QXCORE_TRANSLATION_H
 #define QXCORE_TRANSLATION_H
 
@@ -18,21 +48,24 @@
 extern "C" {
 
 // Reads a dictionary into the process-wide one and patches the class libraries that are loaded.
-// Null means "app.wld". 0 when the file fails: nothing is patched then. A later call reads nothing,
-// but reaches class libraries loaded since.
+// Null means "app.wld" in the current directory. 1: the dictionary is there, whatever could be
+// patched. 0: the file cannot be read to its end or closed; nothing is patched then, and the host
+// goes on in the source language. A dictionary whose texts are all unusable still gives 1. A later
+// call reads nothing, but reaches class libraries loaded since.
 QXCORE_API int Supp_Init(const char* name);
 // Adds a further dictionary, whose texts never replace earlier ones; the first call acts as
 // Supp_Init. A later null adds nothing.
 QXCORE_API int Supp_AddWld(const char* name);
-// Intercepts the calls made from this module. Before unloading the module or the library the host
-// undoes it with _DeInitResTranslation: neither is tracked. 0 for null, else 1.
+// Intercepts the calls made from this module. It works with or without a dictionary. A plug-in that
+// comes late is loaded, then patched; before it or the library is unloaded the host undoes it with
+// _DeInitResTranslation, since neither is tracked. 0 for null, else 1.
 QXCORE_API int Supp_InitResTranslation(HINSTANCE module);
 
 // The master switch of the interception, 1 at the start. Supp_Translate does not look at it.
 QXCORE_API void Supp_SetTranslationEnable(int enable);
 QXCORE_API int Supp_IsTranslationEnable();
 
-// The dialog font of the target language; borrowed.
+// The dialog font of the target language; borrowed. The system's before a dictionary names one.
 QXCORE_API HFONT Supp_GetFont();
 // Always 0.
 QXCORE_API int Supp_GetFontHeigth();
