@@ -7,11 +7,9 @@
 
 #include <bit>
 #include <cstdint>
-
-#if defined(__SSE2__) || defined(_M_X64)
 #include <emmintrin.h>
-#define QXCORE_HASH_BLOCKS
-#endif
+
+namespace qx {
 
 namespace {
 
@@ -22,8 +20,6 @@ constexpr unsigned Power(unsigned base, unsigned exponent) {
     while (exponent--) power *= base;
     return power;
 }
-
-#if defined(QXCORE_HASH_BLOCKS)
 
 constexpr unsigned kBlock = 16;
 
@@ -120,36 +116,14 @@ QXTextHash Hash(const char* text) {
     return {hash * undo, power * Power(kBase, kBlock) * undo};
 }
 
-#else
-
-struct Plain {
-    static char Of(char byte) { return byte; }
-};
-struct Folded {
-    static char Of(char byte) {
-        return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
-    }
-};
-
-template <class Case>
-QXTextHash Hash(const char* text) {
-    QXTextHash hash{0, 1};
-    for (; *text; ++text) {
-        hash.hash =
-            hash.hash * kBase + static_cast<unsigned>(static_cast<signed char>(Case::Of(*text)));
-        hash.power *= kBase;
-    }
-    return hash;
-}
-
-#endif
-
 }  // namespace
 
+}  // namespace qx
+
 QXTextHash QXHashText(const char* text) noexcept {
-    return Hash<Plain>(text);
+    return qx::Hash<qx::Plain>(text);
 }
 
 QXTextHash QXHashFolded(const char* text) noexcept {
-    return Hash<Folded>(text);
+    return qx::Hash<qx::Folded>(text);
 }

@@ -17,9 +17,9 @@ bool QXMapIndex::Allocate(unsigned bits) noexcept {
     size_t size = size_t(1) << bits;
     auto fresh = new (std::nothrow) Slot[size]();
     if (!fresh) return false;
-    slots = fresh;
-    mask = static_cast<unsigned>(size - 1);
-    shift = kHashBits - bits;
+    m_slots = fresh;
+    m_mask = static_cast<unsigned>(size - 1);
+    m_shift = kHashBits - bits;
     return true;
 }
 
@@ -31,14 +31,14 @@ void QXMapIndex::Start(unsigned nodes) noexcept {
 
 void QXMapIndex::Put(const Slot& slot) {
     unsigned at = Home(slot.hash);
-    while (slots[at].node) at = (at + 1) & mask;
-    slots[at] = slot;
+    while (m_slots[at].node) at = (at + 1) & m_mask;
+    m_slots[at] = slot;
 }
 
 void QXMapIndex::Grow() noexcept {
-    Slot* old = slots;
-    unsigned oldMask = mask;
-    if (!Allocate(kHashBits - shift + 1)) {
+    Slot* old = m_slots;
+    unsigned oldMask = m_mask;
+    if (!Allocate(kHashBits - m_shift + 1)) {
         Drop();
         return;
     }
@@ -50,35 +50,37 @@ void QXMapIndex::Grow() noexcept {
 }
 
 void QXMapIndex::Add(unsigned hash, void* node, const void* target) noexcept {
-    if (used > mask / 2) Grow();
-    if (!slots) return;
+    assert(InUse());
+    if (m_used > m_mask / 2) Grow();
+    if (!m_slots) return;
     auto distance = reinterpret_cast<intptr_t>(target) - reinterpret_cast<intptr_t>(node);
     Put({node, hash, static_cast<int>(distance / kGrain)});
-    ++used;
+    ++m_used;
 }
 
 // Closes the gap, so that no search ends early: a later slot of the run moves up when its home does
 // not lie behind the gap.
 void QXMapIndex::Remove(unsigned hash) noexcept {
+    assert(InUse());
     unsigned gap = Home(hash);
-    while (slots[gap].hash != hash || !slots[gap].node) {
-        if (!slots[gap].node) return;
-        gap = (gap + 1) & mask;
+    while (m_slots[gap].hash != hash || !m_slots[gap].node) {
+        if (!m_slots[gap].node) return;
+        gap = (gap + 1) & m_mask;
     }
-    for (unsigned at = (gap + 1) & mask; slots[at].node; at = (at + 1) & mask) {
-        unsigned fromHome = (at - Home(slots[at].hash)) & mask;
-        unsigned fromGap = (at - gap) & mask;
+    for (unsigned at = (gap + 1) & m_mask; m_slots[at].node; at = (at + 1) & m_mask) {
+        unsigned fromHome = (at - Home(m_slots[at].hash)) & m_mask;
+        unsigned fromGap = (at - gap) & m_mask;
         if (fromHome < fromGap) continue;
-        slots[gap] = slots[at];
+        m_slots[gap] = m_slots[at];
         gap = at;
     }
-    slots[gap] = {};
-    --used;
+    m_slots[gap] = {};
+    --m_used;
 }
 
 void QXMapIndex::Drop() noexcept {
-    delete[] slots;
-    slots = nullptr;
-    mask = 0;
-    used = 0;
+    delete[] m_slots;
+    m_slots = nullptr;
+    m_mask = 0;
+    m_used = 0;
 }

@@ -4,6 +4,7 @@
 #include "core/system_heap.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 
@@ -114,6 +115,7 @@ int CHeap::Free(void* block) {
 }
 
 void* CHeap::Realloc(void* block, size_t newSize) {
+    assert(block && newSize >= kHeaderSize);
     MemoryLock lock;
     CHeap* heap = *OwnerOf(block);
     void* moved = heap->AllocLocked(newSize);

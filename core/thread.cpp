@@ -1,6 +1,7 @@
 #include <qxcore/platform.h>
 #include <qxcore/thread.h>
 
+#include <cassert>
 #include <cstdint>
 #include <cstdio>
 #include <process.h>
@@ -14,6 +15,7 @@ constexpr DWORD kHandShakeMilliseconds = 1000;
 
 // The name has two numbers; the thread's id, which every caller knows, is not one of them.
 void QXCreateObjName(const char* base, char* out, unsigned long) {
+    assert(out);
     int number = static_cast<int>(reinterpret_cast<intptr_t>(base));
     sprintf(out, "%i%i", number, static_cast<int>(GetCurrentProcessId()));
 }

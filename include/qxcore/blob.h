@@ -1,6 +1,14 @@
 // A counted block of bytes.
 //
-// Threading: a blob belongs to one thread at a time. Whatever allocates throws CXMemException.
+//     QXBlob pixels(640 * 480);  // zeros
+//     memset(pixels.data, 0xFF, pixels.size);
+//     CQXVariant value(pixels);  // a copy
+//
+// Ownership: a tagQXBLOB owns nothing by itself; a QXBlob and a variant own their data, which is a
+// block of the default heap.
+//
+// Errors: whatever allocates throws CXMemException; an assignment then leaves the blob empty.
+// Threading: a blob belongs to one thread at a time.
 #ifndef QXCORE_BLOB_H
 #define QXCORE_BLOB_H
 
@@ -14,6 +22,7 @@ struct tagQXBLOB {
 // Owns its data. Assigning a blob to itself empties it.
 class QXBlob : public tagQXBLOB {
 public:
+    // No bytes.
     QXBlob() : tagQXBLOB{0, nullptr} {}
     // `size` bytes of zero.
     QXCORE_API explicit QXBlob(unsigned long size);
@@ -26,6 +35,7 @@ public:
     // Frees the data; size 0, data null.
     QXCORE_API void Clear();
 
+    // As the constructors. The source may lie in the bytes that go.
     QXCORE_API QXBlob& operator=(const tagQXBLOB* source);
     QXBlob& operator=(const tagQXBLOB& source) { return *this = &source; }
     QXBlob& operator=(const QXBlob& source) {

@@ -1,7 +1,15 @@
 // The exceptions of the library: numbers, not texts. A host turns a code into words.
 //
+//     try {
+//         document.Save(path);
+//     } catch (CXFileException& e) {
+//         Show(TextOf(e.GetCode()), e.name);  // the host's texts
+//     } catch (CXException& e) {
+//         Show(TextOf(e.GetCode()));
+//     }
+//
 // Thrown by value, caught by reference; a catch of CXException& catches the family. Making one
-// never allocates.
+// never allocates. Lookups, queries and the factory throw nothing of this: they answer 0.
 #ifndef QXCORE_EXCEPTION_H
 #define QXCORE_EXCEPTION_H
 
@@ -29,6 +37,7 @@ enum : int {
     QXERR_INI_LINE = 34        // an ini line of NUL characters
 };
 
+// The root of the family, and a failure that needs no more than its code.
 class CXException {
 public:
     // The library's own module handle goes along with the code.
@@ -37,6 +46,7 @@ public:
     CXException& operator=(const CXException&) = default;
     virtual ~CXException() = default;
 
+    // One of QXERR_..., or a code of the host's own.
     virtual int GetCode() { return code; }
     // Does nothing here; a hook for a class that shows its failure.
     virtual void Report() {}
@@ -60,10 +70,10 @@ public:
 // What was under way when a file operation failed.
 enum : int {
     QXOP_OPEN = 0,
-    QXOP_READ = 1,
+    QXOP_READ = 1,  // a failed write of a storage's stream tells this too
     QXOP_WRITE = 2,
     QXOP_SEEK = 3,
-    QXOP_DELETE_ELEMENT = 4,
+    QXOP_DELETE_ELEMENT = 4,  // of a storage
     QXOP_UNLOCK = 5,
     QXOP_DELETE_FILE = 7,
     QXOP_COPY = 8,
@@ -97,7 +107,7 @@ class CXIFaceException : public CXException {
 public:
     explicit CXIFaceException(qx_type_info const& type) : CXException(QXERR_BAD_USE), type(&type) {}
 
-    qx_type_info const* type;
+    qx_type_info const* type;  // the interface that was missing
 };
 
 #endif

@@ -1,6 +1,7 @@
 // The text hashes of the library: 32 bits, h * 257 + the byte as a signed char, with wrap-around.
 //
-// Bytes above 127 thus subtract. Threading: any thread.
+// Bytes above 127 thus subtract. The bucket of a key is its hash modulo the number of buckets.
+// Threading: any thread.
 #ifndef QXCORE_HASH_H
 #define QXCORE_HASH_H
 

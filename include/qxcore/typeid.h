@@ -1,5 +1,14 @@
 // The identity of an interface: its decorated class name as text, interned across modules.
 //
+//     struct IClock : IQXUnknown { ... };
+//     QX_DECLARE_TYPEID(IClock, ".?AUIClock@@");
+//
+//     if (id == qx_typeid<IClock>()) ...
+//
+// Each module has records of its own. The first comparison of a record interns its name in a table
+// of the whole process; from then on two records are compared by a pointer.
+//
+// Errors: a comparison never throws; without memory to intern a name it compares the texts.
 // Threading: the first comparison of a record writes its cache word without a lock, so hosts
 // compare the common interfaces once, on the main thread.
 #ifndef QXCORE_TYPEID_H
@@ -12,8 +21,8 @@
 
 // One interned interface name. Items are never removed and live until the process ends.
 struct _TI_Item {
-    char* name;
-    QX_LISTITEM link;
+    char* name;        // a copy of the item's own
+    QX_LISTITEM link;  // in the table
 };
 
 // Has the layout of the platform's type_info record, so it lies in writable memory: `item` is

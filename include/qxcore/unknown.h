@@ -1,13 +1,38 @@
-// The root interface and the templates that implement it.
+// The root interface, and the templates that implement it.
 //
-// Ownership: a creator, QueryInterface and an out parameter each give the caller one reference. An
-// argument is borrowed; a callee that keeps it calls AddRef. Threading: counts are plain
-// increments; an object belongs to one thread at a time.
+// Every object that modules share is reached through an interface derived from IQXUnknown. An
+// interface, its identity and a class look like this:
+//
+//     struct IClock : IQXUnknown {
+//         virtual int Minutes() = 0;
+//     };
+//     QX_DECLARE_TYPEID(IClock, ".?AUIClock@@");  // at global scope
+//
+//     class CClock : public CQXUnknownImpl<IClock> {
+//     public:
+//         int Minutes() override { return 12 * 60; }
+//     };
+//
+//     IClock* clock = new CClock;                                  // with one reference
+//     IQXUnknown* other;
+//     if (clock->QueryInterface(qx_typeid<IAlarm>(), &other)) ...  // other has one of its own
+//     clock->Release();
+//
+// <qxcore/reference.h> has the class that owns such a reference for the length of a scope.
+//
+// Ownership: a creator, QueryInterface and an out parameter each give the caller one reference,
+// which he releases. An argument is borrowed; a callee that keeps it calls AddRef.
+//
+// Errors: counting and asking never throw. The last Release may raise what the object's end raises,
+// as that of a file does which cannot be closed.
+//
+// Threading: counts are plain increments; an object belongs to one thread at a time.
 #ifndef QXCORE_UNKNOWN_H
 #define QXCORE_UNKNOWN_H
 
 #include <qxcore/typeid.h>
 
+#include <cassert>
 #include <type_traits>
 #include <utility>
 
@@ -16,7 +41,9 @@ struct IQXUnknown {
     virtual unsigned AddRef() = 0;
     // Drops a reference. At zero the object destroys itself and the answer is 0.
     virtual unsigned Release() = 0;
-    // 1 and a reference in *out, or 0 and null there. A null out asks without taking a reference.
+    // Asks for the interface of that identity: 1 and a reference in *out, or 0 and null there. What
+    // *out holds is the interface asked for, as a pointer to its root. A null out asks without
+    // taking a reference.
     virtual int QueryInterface(qx_type_info const& id, IQXUnknown** out) = 0;
 
 protected:
@@ -26,13 +53,12 @@ QX_DECLARE_TYPEID(IQXUnknown, ".?AUIQXUnknown@@");
 
 // Answers a query with a candidate that may be null: the rule behind every QueryInterface of the
 // library.
-inline int QXAnswerQuery(IQXUnknown* candidate, IQXUnknown** out) {
-    if (!out) return candidate != nullptr;
-    *out = candidate;
-    if (!candidate) return 0;
-    candidate->AddRef();
-    return 1;
-}
+//
+//     int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+//         if (InternalQueryInterface(id, out)) return 1;
+//         return QXAnswerQuery(id == qx_typeid<IAlarm>() ? m_alarm : nullptr, out);
+//     }
+inline int QXAnswerQuery(IQXUnknown* candidate, IQXUnknown** out);
 
 // The standard implementation of one interface. A new object carries the creator's reference.
 //
@@ -56,18 +82,11 @@ public:
     virtual ~CQXUnknownImpl() = default;
 
     virtual unsigned InternalAddRef() { return ++m_refs; }
-    virtual unsigned InternalRelease() {
-        if (--m_refs != 0) return m_refs;
-        m_refs = 1;  // whom the destructor calls may query and release the object without ending it
-                     // twice
-        delete this;
-        return 0;
-    }
+    // While the object is being destroyed its count stands at 1: whom the destructor calls may take
+    // and drop references, and does not destroy the object a second time.
+    virtual unsigned InternalRelease();
     // Knows IQXUnknown and I.
-    virtual int InternalQueryInterface(qx_type_info const& id, IQXUnknown** out) {
-        bool known = id == qx_typeid<I>() || id == qx_typeid<IQXUnknown>();
-        return QXAnswerQuery(known ? this : nullptr, out);
-    }
+    virtual int InternalQueryInterface(qx_type_info const& id, IQXUnknown** out);
 
 private:
     unsigned m_refs = 1;
@@ -80,38 +99,18 @@ class CQXUnknownImplParent : public CQXUnknownImpl<I> {
 public:
     unsigned AddRef() override { return ++m_publicRefs; }
     // The last release lets go of the parent before the object is destroyed; what the parent's
-    // Release raises reaches the caller once the object is gone.
-    unsigned Release() override {
-        if (--m_publicRefs != 0) return m_publicRefs;
-        m_publicRefs = 1;  // as in CQXUnknownImpl, and for whom the parent's destructor calls
-        try {
-            ReleaseParent(nullptr);
-        } catch (...) {
-            delete this;
-            throw;
-        }
-        delete this;
-        return 0;
-    }
+    // Release raises reaches the caller once the object is gone. The count stands at 1 meanwhile,
+    // as in CQXUnknownImpl, and there is no parent any more.
+    unsigned Release() override;
 
     // Takes a reference on the new parent before dropping the old one; null makes the object a
-    // root.
-    virtual void SetParent(P* parent) {
-        if (parent) parent->AddRef();
-        ReleaseParent(parent);
-    }
+    // root. The new parent is in its place when the old one goes.
+    virtual void SetParent(P* parent);
     // The parent with a reference for the caller; null for a root.
-    virtual P* GetParent() {
-        if (m_parent) m_parent->AddRef();
-        return m_parent;
-    }
+    virtual P* GetParent();
 
 private:
-    // The new parent is in its place before the old one goes.
-    void ReleaseParent(P* newParent) {
-        P* old = std::exchange(m_parent, newParent);
-        if (old) old->Release();
-    }
+    void ReplaceParent(P* parent);
 
     unsigned m_publicRefs = 1;
     P* m_parent = nullptr;
@@ -149,7 +148,8 @@ public:
     }
 };
 
-// The controlling object around a T by value. It starts with one reference.
+// The controlling object around a T by value. It starts with one reference. Creators make it:
+// see QXCreateAggregate in <qxcore/registry.h>.
 template <class T>
 class CQXAggObject : public IQXUnknown {
 public:
@@ -160,23 +160,10 @@ public:
 
     // Answers the count from before the increment. It alone does so; callers ignore the result.
     unsigned AddRef() override { return m_refs++; }
-    unsigned Release() override {
-        if (--m_refs != 0) return m_refs;
-        m_refs = 1;  // as in CQXUnknownImpl
-        delete this;
-        return 0;
-    }
-    // REQUIRES: out is not null.
-    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
-        *out = nullptr;
-        if (id == qx_typeid<IQXUnknown>()) {
-            *out = this;
-            AddRef();
-        } else if (contained.ContainedQueryInterface(id, out)) {
-            return 1;
-        }
-        return *out != nullptr;
-    }
+    unsigned Release() override;
+    // IQXUnknown is this object, every other interface the contained one's. REQUIRES: out is not
+    // null.
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override;
     virtual ~CQXAggObject() = default;
 
 private:
@@ -188,6 +175,7 @@ public:
 };
 
 // A handle on its owner that extends no lifetime: counting does nothing, a query reaches the owner.
+// An object hands it to a callee that must find it but not keep it alive.
 class CUnknownInternal : public IQXUnknown {
 public:
     explicit CUnknownInternal(IQXUnknown* owner) : owner(owner) {}
@@ -199,7 +187,84 @@ public:
         return owner->QueryInterface(id, out);
     }
 
-    IQXUnknown* owner;
+    IQXUnknown* owner;  // not counted: the object that has the handle
 };
+
+// ------------------------------------------------------------------------------------------------
+
+inline int QXAnswerQuery(IQXUnknown* candidate, IQXUnknown** out) {
+    if (!out) return candidate != nullptr;
+    *out = candidate;
+    if (!candidate) return 0;
+    candidate->AddRef();
+    return 1;
+}
+
+template <class I>
+unsigned CQXUnknownImpl<I>::InternalRelease() {
+    if (--m_refs != 0) return m_refs;
+    m_refs = 1;
+    delete this;
+    return 0;
+}
+
+template <class I>
+int CQXUnknownImpl<I>::InternalQueryInterface(qx_type_info const& id, IQXUnknown** out) {
+    bool known = id == qx_typeid<I>() || id == qx_typeid<IQXUnknown>();
+    return QXAnswerQuery(known ? this : nullptr, out);
+}
+
+template <class I, class P>
+unsigned CQXUnknownImplParent<I, P>::Release() {
+    if (--m_publicRefs != 0) return m_publicRefs;
+    m_publicRefs = 1;
+    try {
+        ReplaceParent(nullptr);
+    } catch (...) {
+        delete this;
+        throw;
+    }
+    delete this;
+    return 0;
+}
+
+template <class I, class P>
+void CQXUnknownImplParent<I, P>::SetParent(P* parent) {
+    if (parent) parent->AddRef();
+    ReplaceParent(parent);
+}
+
+template <class I, class P>
+P* CQXUnknownImplParent<I, P>::GetParent() {
+    if (m_parent) m_parent->AddRef();
+    return m_parent;
+}
+
+template <class I, class P>
+void CQXUnknownImplParent<I, P>::ReplaceParent(P* parent) {
+    P* old = std::exchange(m_parent, parent);
+    if (old) old->Release();
+}
+
+template <class T>
+unsigned CQXAggObject<T>::Release() {
+    if (--m_refs != 0) return m_refs;
+    m_refs = 1;  // as in CQXUnknownImpl
+    delete this;
+    return 0;
+}
+
+template <class T>
+int CQXAggObject<T>::QueryInterface(qx_type_info const& id, IQXUnknown** out) {
+    assert(out);
+    *out = nullptr;
+    if (id == qx_typeid<IQXUnknown>()) {
+        *out = this;
+        AddRef();
+    } else if (contained.ContainedQueryInterface(id, out)) {
+        return 1;
+    }
+    return *out != nullptr;
+}
 
 #endif

@@ -37,28 +37,28 @@ struct tagRRECT {
     double left, top, right, bottom;
 };
 
-// The codes are part of file formats.
+// The type codes, which are part of file formats.
 enum : unsigned short {
     QXVT_EMPTY = 0,
-    QXVT_BOOL = 1,
-    QXVT_UI1 = 2,
-    QXVT_UI2 = 3,
-    QXVT_ULONG = 4,
-    QXVT_INT = 5,
-    QXVT_UINT = 6,
-    QXVT_LONG = 7,
-    QXVT_DOUBLE = 8,
-    QXVT_FLOAT = 9,
-    QXVT_STRING = 10,
-    QXVT_SIZE = 11,
+    QXVT_BOOL = 1,     // an int; the constructors make 0 or 1 of it
+    QXVT_UI1 = 2,      // 8 bits without sign
+    QXVT_UI2 = 3,      // 16 bits without sign
+    QXVT_ULONG = 4,    // 32 bits without sign, `unsigned long`
+    QXVT_INT = 5,      // 32 bits, `int`
+    QXVT_UINT = 6,     // 32 bits without sign, `unsigned int`
+    QXVT_LONG = 7,     // 32 bits, `long`
+    QXVT_DOUBLE = 8,   // 64 bits
+    QXVT_FLOAT = 9,    // 32 bits
+    QXVT_STRING = 10,  // narrow text with its NUL, owned
+    QXVT_SIZE = 11,    // the platform's size, point and rectangle, and their real-valued twins
     QXVT_RSIZE = 12,
     QXVT_POINT = 13,
     QXVT_RPOINT = 14,
     QXVT_RECT = 15,
     QXVT_RRECT = 16,
-    QXVT_BLOB = 17,
-    QXVT_UNKNOWN = 18,
-    QXVT_UNKNOWN_REF = 0x4000  // a borrowed pointer; only QXVariantChangeType makes one
+    QXVT_BLOB = 17,            // counted bytes, owned
+    QXVT_UNKNOWN = 18,         // an object, with a reference
+    QXVT_UNKNOWN_REF = 0x4000  // a borrowed object; only QXVariantChangeType makes one
 };
 
 // The value forms. Only the one of the current code is valid.
@@ -72,15 +72,15 @@ union tagQXVALUE {
     long longVal;
     double doubleVal;
     float floatVal;
-    char* string;
+    char* string;  // null in a variant made of a null text
     tagSIZE size;
     tagRSIZE rsize;
     tagPOINT point;
     tagRPOINT rpoint;
     tagRECT rect;
-    tagRRECT rrect;
+    tagRRECT rrect;  // the largest: 32 bytes
     tagQXBLOB blob;
-    IQXUnknown* unknown;
+    IQXUnknown* unknown;  // may be null
 };
 
 struct tagQXVARIANT {

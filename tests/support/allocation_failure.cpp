@@ -43,15 +43,22 @@ decltype(&HeapDestroy) realHeapDestroy;
 decltype(&malloc) realMalloc;
 decltype(&free) realFree;
 
+// A library whose runtime is linked in imports no malloc: what that gives comes from the process's
+// heap then, through the same import as the blocks of the library's heaps.
+Memory MemoryOf(HANDLE heap) {
+    return heap == GetProcessHeap() ? Memory::runtime : Memory::heaps;
+}
+
 void* WINAPI CountedHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
-    if (FailsNow(Memory::heaps)) return nullptr;
+    Memory memory = MemoryOf(heap);
+    if (FailsNow(memory)) return nullptr;
     void* block = realHeapAlloc(heap, flags, size);
-    if (block) ++Live(Memory::heaps);
+    if (block) ++Live(memory);
     return block;
 }
 
 BOOL WINAPI CountedHeapFree(HANDLE heap, DWORD flags, void* block) {
-    if (block) --Live(Memory::heaps);
+    if (block) --Live(MemoryOf(heap));
     return realHeapFree(heap, flags, block);
 }
 
