@@ -155,7 +155,7 @@ public:
     // unit, so that U+0120 is trimmed and U+3000 is not.
     QXCORE_API void TrimLeft();
     QXCORE_API void TrimRight();
-    // The runtime's case, of the locale that the program has set.
+    // As the runtime changes the case of a text.
     QXCORE_API void Upper();
     QXCORE_API void Lower();
     // A string resource: 1, or 0 when it is missing or empty; the text then stays.
@@ -257,7 +257,7 @@ private:
 };
 
 // Text in the runtime's multibyte code page. Conversions to and from wide text go through the
-// system's ANSI code page, which is the same unless the program changed one of them; characters
+// system's ANSI code page, which is the runtime's too unless the program chose another; characters
 // that it does not have become what the system puts in their place.
 class CXString : public CTString<CXString, char> {
 public:
