@@ -1,8 +1,20 @@
 // Documents: named streams and sub-storages in a compound file.
 //
-// Names are narrow text in the process's code page. A name that is empty or holds \ / : or ! is
-// refused with STG_E_INVALIDNAME. Threading: every operation shares static buffers, so all storages
-// of the process serve one thread at a time.
+//     qx::Reference<IXStorage> file(new_Storage("C:\\plans\\house.plan", 0));
+//     qx::Reference<IXStorage> floor(file->CreateStorage("ground floor", 0));
+//     qx::Reference<IXStream> walls(floor->CreateStream("walls"));
+//     walls->WriteLong(4);
+//
+// The last release of a storage commits what was written, and a sub-storage holds its parent, so
+// the file is whole when everything that came of it is released.
+//
+// Names are narrow text in the process's code page, of which the platform gets the first 512
+// characters (and takes 31 for an element). A name that is empty or holds \ / : or ! is refused
+// with STG_E_INVALIDNAME. Bytes of a file that come from elsewhere are no danger: a damaged file is
+// refused when it is opened.
+// Errors: CXFileException, or null where an operation says so.
+// Threading: every operation shares static buffers, so all storages of the process serve one thread
+// at a time.
 #ifndef QXCORE_STORAGE_H
 #define QXCORE_STORAGE_H
 
@@ -30,7 +42,8 @@ struct IXStorage : IQXUnknown {
     // Does nothing on a storage opened for reading only.
     virtual void Commit() = 0;
     virtual CTEnum<const char*>* EnumStreams() = 0;
-    // The root's file, also on a sub-storage; empty for a storage without a path.
+    // The root's file, also on a sub-storage; empty for a storage without a path. Lives as long as
+    // the storage.
     virtual const char* GetPath() = 0;
 
 protected:

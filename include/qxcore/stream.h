@@ -1,9 +1,26 @@
 // Byte channels: the one interface through which objects, variants and documents are written and
 // read.
 //
+//     qx::Reference<IXStream> stream(new_StreamOnMemory());
+//     stream->WriteLong(7);
+//     stream->WriteString("seven");
+//     stream->Seek(0, 0);
+//     unsigned number = stream->ReadLong();
+//
 // Values travel little-endian with no framing, padding or alignment: a stream holds exactly what
-// was written. Positions and lengths are 32 bits wide. Threading: no stream locks; a stream belongs
-// to one thread at a time.
+// was written. Positions and lengths are 32 bits wide. A variant is its type in 2 bytes and then
+// its value: 4 bytes also for an empty one, the plain values in their own width, a text as its
+// length with the terminator in 4 bytes and its characters, a block as its size in 4 bytes and its
+// bytes, an object as its frame (persist.h).
+//
+// There are memory streams, elements of storages (storage.h), wrappers of the platform's streams,
+// a stream that is always empty, and watched streams (document.h). They share this interface and
+// the encoding; where the interface says that they differ, code that takes any stream keeps to what
+// they have in common.
+// Errors: the typed reads and ReadString throw CXEofException at the end; an element of a storage
+// throws CXFileException for what the platform refuses, with operation 1 for reads and writes
+// alike and 3 for seeks, and with the element's name.
+// Threading: no stream locks; a stream belongs to one thread at a time.
 #ifndef QXCORE_STREAM_H
 #define QXCORE_STREAM_H
 
@@ -34,7 +51,7 @@ struct IXStream : IQXUnknown {
     // length with that last byte. How a full buffer ends differs: an element of a storage puts the
     // NUL at buffer[count] and answers count; a memory stream puts it at buffer[count + 1] and
     // answers count + 1; a stream over a foreign OLE stream ends at a NUL only and terminates
-    // nothing. REQUIRES: a buffer of count + 2 bytes.
+    // nothing. So the buffer has room for count + 2 bytes.
     virtual int ReadString(char* buffer, int count) = 0;
     // Replaces the variant by the next one; 0 at the end. A value cut off by the end comes back
     // with its missing bytes 0, and as 1 when anything of it was there. An unknown tag throws
@@ -74,9 +91,12 @@ protected:
 };
 QX_DECLARE_TYPEID(IMemBlock, ".?AUIMemBlock@@");
 
+// The makers give the caller the one reference, or null when the heap gives no memory.
+
 // A growing buffer. With a sink, each read and write ends with a look at IsCancelled, and a
 // non-zero answer throws CXException code 1; the bytes of that call have moved. Seeks are clamped
-// to the stream and never fail on range.
+// to the stream and never fail on range. What is read or written may be a part of the stream's own
+// block.
 QXCORE_API IXStream* new_StreamOnMemory();
 QXCORE_API IXStream* new_StreamOnMemory(IProgress* progress);
 // Swallows writes and reads as zeros. Its length is 1.
