@@ -8,19 +8,19 @@ namespace {
 struct FakeElement {
     explicit FakeElement(const char* name = "part") {
         fakeStorage.stream = &ole;
-        storage.Reset(new_StorageByOleStorage(&fakeStorage));
-        stream.Reset(storage->CreateStream(name));
+        storage = Reference<IXStorage>(new_StorageByOleStorage(&fakeStorage));
+        stream = Reference<IXStream>(storage->CreateStream(name));
     }
 
     FakeStream ole;
     FakeStorage fakeStorage;
-    Owned<IXStorage> storage;
-    Owned<IXStream> stream;
+    Reference<IXStorage> storage;
+    Reference<IXStream> stream;
 };
 
 struct FakeWrapper {
     FakeStream ole;
-    Owned<IXStream> stream{new_StreamByOleStream(&ole)};
+    Reference<IXStream> stream{new_StreamByOleStream(&ole)};
 };
 
 }  // namespace
@@ -135,7 +135,7 @@ TEST(ElementStreamTest, ASeekBehindTheEndIsNotClamped) {
 
 TEST(ElementStreamTest, AStringThatFillsTheCountLosesItsLastByteToTheTerminator) {
     ElementKind kind;
-    Fill(kind.stream, "ab\ncd");
+    Fill(kind.stream.Get(), "ab\ncd");
     char text[8] = "-------";
     EXPECT_EQ(kind.stream->ReadString(text, 3), 2);  // the line feed was byte 2 of 3
     EXPECT_EQ(std::string(text, 4), Bytes({'a', 'b', 0, '-'}));
@@ -144,7 +144,7 @@ TEST(ElementStreamTest, AStringThatFillsTheCountLosesItsLastByteToTheTerminator)
 
 TEST(ElementStreamTest, AStringWithoutAnEndIsTerminatedBehindItsCount) {
     ElementKind kind;
-    Fill(kind.stream, "abcdef");
+    Fill(kind.stream.Get(), "abcdef");
     char text[8] = "-------";
     EXPECT_EQ(kind.stream->ReadString(text, 3), 3);
     EXPECT_EQ(std::string(text, 5), Bytes({'a', 'b', 'c', 0, '-'}));
@@ -153,7 +153,7 @@ TEST(ElementStreamTest, AStringWithoutAnEndIsTerminatedBehindItsCount) {
 
 TEST(ElementStreamTest, AStringOfCountZeroIsEmptyAndReadsNothing) {
     ElementKind kind;
-    Fill(kind.stream, "abc");
+    Fill(kind.stream.Get(), "abc");
     char text[4] = "---";
     EXPECT_EQ(kind.stream->ReadString(text, 0), 0);
     EXPECT_EQ(std::string(text, 2), Bytes({0, '-'}));
@@ -165,14 +165,14 @@ TEST(ElementStreamTest, TheLastReferenceReleasesThePlatformsStreamAndCommitsNoth
     EXPECT_EQ(element.ole.references, 2u);
     std::string log;
     element.ole.log = &log;
-    element.stream.Reset();
+    element.stream.Release();
     EXPECT_EQ(element.ole.references, 1u);
     EXPECT_EQ(log, "Release ");
 }
 
 TEST(ElementStreamTest, ThePlatformsStreamIsHandedOutWithAReference) {
     FakeElement element;
-    EXPECT_EQ(Stream_GetOLEStream(element.stream), static_cast<IStream*>(&element.ole));
+    EXPECT_EQ(Stream_GetOLEStream(element.stream.Get()), static_cast<IStream*>(&element.ole));
     EXPECT_EQ(element.ole.references, 3u);
     element.ole.Release();
 }
@@ -181,7 +181,7 @@ TEST(WrapperStreamTest, RewindsAndReferencesTheStream) {
     FakeStream ole;
     ole.bytes = "abc";
     ole.position = 2;
-    Owned<IXStream> stream(new_StreamByOleStream(&ole));
+    Reference<IXStream> stream(new_StreamByOleStream(&ole));
     EXPECT_EQ(ole.references, 2u);
     EXPECT_EQ(ole.position, 0u);
     EXPECT_EQ(ole.lastMove, 0);
@@ -192,7 +192,7 @@ TEST(WrapperStreamTest, TheLastReferenceCommitsAndThenReleases) {
     FakeWrapper wrapper;
     std::string log;
     wrapper.ole.log = &log;
-    wrapper.stream.Reset();
+    wrapper.stream.Release();
     EXPECT_EQ(log, "Commit Release ");
     EXPECT_EQ(wrapper.ole.lastCommitFlags, 0u);
     EXPECT_EQ(wrapper.ole.references, 1u);
@@ -326,7 +326,7 @@ TEST(WrapperStreamTest, ItsLengthIsAlwaysZero) {
 
 TEST(WrapperStreamTest, ThePlatformsStreamIsHandedOutWithAReference) {
     FakeWrapper wrapper;
-    EXPECT_EQ(Stream_GetOLEStream(wrapper.stream), static_cast<IStream*>(&wrapper.ole));
+    EXPECT_EQ(Stream_GetOLEStream(wrapper.stream.Get()), static_cast<IStream*>(&wrapper.ole));
     EXPECT_EQ(wrapper.ole.references, 3u);
     wrapper.ole.Release();
 }

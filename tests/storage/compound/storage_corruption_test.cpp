@@ -16,11 +16,11 @@ protected:
     // A file with a large stream, small ones and a sub-storage.
     void SetUp() override {
         {
-            Owned<IXStorage> root(new_Storage(path.c_str(), 0)),
+            Reference<IXStorage> root(new_Storage(path.c_str(), 0)),
                 child(root->CreateStorage("child", 0));
-            PutStream(root, "large", std::string(20000, 'L'));
-            PutStream(root, "small", std::string(300, 's'));
-            PutStream(child, "leaf", "leaf");
+            PutStream(root.Get(), "large", std::string(20000, 'L'));
+            PutStream(root.Get(), "small", std::string(300, 's'));
+            PutStream(child.Get(), "leaf", "leaf");
         }
         HANDLE file =
             CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -72,9 +72,9 @@ protected:
     }
     std::string Opened() {
         std::string reading =
-            Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 1)); });
+            Thrown([&] { Reference<IXStorage> storage(open_Storage(path.c_str(), 1)); });
         std::string changing =
-            Thrown([&] { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); });
+            Thrown([&] { Reference<IXStorage> storage(open_Storage(path.c_str(), 0)); });
         EXPECT_EQ(reading, changing);
         return reading;
     }
@@ -178,12 +178,12 @@ TEST_F(CorruptStorageTest, AFileCutInItsTablesIsRefused) {
 TEST_F(CorruptStorageTest, ALargeFileWithListsOfTablesIsOpened) {
     std::string block(1 << 20, 'B');
     {
-        Owned<IXStorage> storage(new_Storage(path.c_str(), 0));
-        Owned<IXStream> stream(storage->CreateStream("big"));
+        Reference<IXStorage> storage(new_Storage(path.c_str(), 0));
+        Reference<IXStream> stream(storage->CreateStream("big"));
         for (int i = 0; i < 8; ++i) stream->Write(block.data(), 1 << 20);
     }
-    Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
-    Owned<IXStream> stream(storage->OpenStream("big"));
+    Reference<IXStorage> storage(open_Storage(path.c_str(), 1));
+    Reference<IXStream> stream(storage->OpenStream("big"));
     EXPECT_EQ(stream->GetLength(), 8 << 20);
 }
 
@@ -198,25 +198,25 @@ TEST_F(CorruptStorageTest, AFileOfLargeSectorsIsOpened) {
                                  reinterpret_cast<void**>(&ole)),
               S_OK);
     {
-        Owned<IXStorage> storage(new_StorageByOleStorage(ole));
-        PutStream(storage, "one", std::string(9000, '1'));
-        PutStream(storage, "two", "2");
+        Reference<IXStorage> storage(new_StorageByOleStorage(ole));
+        PutStream(storage.Get(), "one", std::string(9000, '1'));
+        PutStream(storage.Get(), "two", "2");
     }
     ole->Release();
-    Owned<IXStorage> storage(open_Storage(Path("v4.stg").c_str(), 1));
-    EXPECT_EQ(StreamOf(storage, "one"), std::string(9000, '1'));
-    EXPECT_EQ(StreamOf(storage, "two"), "2");
+    Reference<IXStorage> storage(open_Storage(Path("v4.stg").c_str(), 1));
+    EXPECT_EQ(StreamOf(storage.Get(), "one"), std::string(9000, '1'));
+    EXPECT_EQ(StreamOf(storage.Get(), "two"), "2");
 }
 
 TEST_F(CorruptStorageTest, AFileWithDeletedElementsIsOpened) {
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0));
+        Reference<IXStorage> storage(open_Storage(path.c_str(), 0));
         storage->DeleteStream("large");
         storage->DeleteStorage("child");
-        PutStream(storage, "after", std::string(5000, 'a'));
-        PutStream(storage, "empty", "");
+        PutStream(storage.Get(), "after", std::string(5000, 'a'));
+        PutStream(storage.Get(), "empty", "");
     }
-    Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
+    Reference<IXStorage> storage(open_Storage(path.c_str(), 1));
     EXPECT_EQ(Names(storage->EnumStreams()), (List{"after", "empty", "small"}));
 }
 
@@ -260,12 +260,12 @@ TEST_F(CorruptStorageTest, ListsOfTablesThatRunInACircleAreRefused) {
 // The look over a document leaves a lifted lock lifted until the platform has opened the file.
 TEST_F(StorageTest, ALockedDocumentOpensWhileItsLockIsLifted) {
     std::string path = Path("locked.stg");
-    Owned<IXStorage>(new_Storage(path.c_str(), 0));
+    Reference<IXStorage>(new_Storage(path.c_str(), 0));
     Fio_LockFile(path.c_str());
     ASSERT_EQ(Fio_LockCount(path.c_str()), 1);
     for (int readOnly : {0, 1}) {
         Fio_ChangeNELock(path.c_str(), 1);
-        EXPECT_EQ(Thrown([&] { Owned<IXStorage>(open_Storage(path.c_str(), readOnly)); }),
+        EXPECT_EQ(Thrown([&] { Reference<IXStorage>(open_Storage(path.c_str(), readOnly)); }),
                   "nothing");
         Fio_ChangeNELock(path.c_str(), 0);
     }
@@ -276,12 +276,12 @@ TEST_F(StorageTest, ALockedDocumentOpensWhileItsLockIsLifted) {
 // Two lifts and one restore leave the lock in place, and the platform is then refused the file.
 TEST_F(StorageTest, LiftsOfALockAreNotCounted) {
     std::string path = Path("locked.stg");
-    Owned<IXStorage>(new_Storage(path.c_str(), 0));
+    Reference<IXStorage>(new_Storage(path.c_str(), 0));
     Fio_LockFile(path.c_str());
     Fio_ChangeNELock(path.c_str(), 1);
     Fio_ChangeNELock(path.c_str(), 1);
     Fio_ChangeNELock(path.c_str(), 0);
-    EXPECT_EQ(Thrown([&] { Owned<IXStorage>(open_Storage(path.c_str(), 0)); }), "8 0 " + path);
+    EXPECT_EQ(Thrown([&] { Reference<IXStorage>(open_Storage(path.c_str(), 0)); }), "8 0 " + path);
     Fio_UnlockFile(path.c_str());
-    EXPECT_EQ(Thrown([&] { Owned<IXStorage>(open_Storage(path.c_str(), 0)); }), "nothing");
+    EXPECT_EQ(Thrown([&] { Reference<IXStorage>(open_Storage(path.c_str(), 0)); }), "nothing");
 }

@@ -24,19 +24,19 @@ const std::wstring kWideTable = L"\u8868";
 TEST_F(DoubleByteStorageTest, ElementsMayHoldABackslashAsASecondByte) {
     std::string path = Path(kTable + "\\" + kAbility);
     {
-        Owned<IXStorage> storage(new_Storage(path.c_str(), 0));
-        PutStream(storage, kTable.c_str(), "a table");
-        Owned<IXStorage> child(storage->CreateStorage(kAbility.c_str(), 0));
-        PutStream(child, kTable.c_str(), "within");
+        Reference<IXStorage> storage(new_Storage(path.c_str(), 0));
+        PutStream(storage.Get(), kTable.c_str(), "a table");
+        Reference<IXStorage> child(storage->CreateStorage(kAbility.c_str(), 0));
+        PutStream(child.Get(), kTable.c_str(), "within");
     }
-    Owned<IXStorage> storage(open_Storage(path.c_str(), 0));
+    Reference<IXStorage> storage(open_Storage(path.c_str(), 0));
     EXPECT_EQ(storage->GetPath(), path);
     EXPECT_EQ(Names(storage->EnumStreams()), List{kTable});
     EXPECT_EQ(Names(storage->EnumStorages()), List{kAbility});
-    EXPECT_EQ(StreamOf(storage, kTable.c_str()), "a table");
+    EXPECT_EQ(StreamOf(storage.Get(), kTable.c_str()), "a table");
     {
-        Owned<IXStorage> child(storage->OpenStorage(kAbility.c_str()));
-        EXPECT_EQ(StreamOf(child, kTable.c_str()), "within");
+        Reference<IXStorage> child(storage->OpenStorage(kAbility.c_str()));
+        EXPECT_EQ(StreamOf(child.Get(), kTable.c_str()), "within");
     }
     EXPECT_EQ(storage->DeleteStream(kTable.c_str()), S_OK);
     EXPECT_EQ(storage->DeleteStorage(kAbility.c_str()), S_OK);
@@ -44,7 +44,7 @@ TEST_F(DoubleByteStorageTest, ElementsMayHoldABackslashAsASecondByte) {
 }
 
 TEST_F(DoubleByteStorageTest, ABackslashBehindAWholeCharacterIsRefused) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
     EXPECT_EQ(storage->CreateStream((kTable + "\\").c_str()), nullptr);
     EXPECT_EQ(Thrown([&] { storage->OpenStorage((kTable + "\\a").c_str()); }),
               "7 0 " + kTable + "\\a");
@@ -54,9 +54,9 @@ TEST_F(DoubleByteStorageTest, ANameIsCutAfter512CharactersAndNotInOne) {
     FakeStream stream;
     FakeStorage ole;
     ole.stream = &stream;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
+    Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
     std::string name(511, 'n');
-    Owned<IXStream> element(storage->CreateStream((name + kTable + kAbility).c_str()));
+    Reference<IXStream> element(storage->CreateStream((name + kTable + kAbility).c_str()));
     EXPECT_EQ(ole.lastName, std::wstring(511, L'n') + kWideTable);
 }
 
@@ -64,9 +64,9 @@ TEST_F(DoubleByteStorageTest, AStreamKeepsTheFirst63BytesOfItsName) {
     FakeStream stream;
     FakeStorage ole;
     ole.stream = &stream;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
+    Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
     std::string name;
     for (int i = 0; i < 40; ++i) name += kTable;
-    Owned<IXStream> element(storage->CreateStream(name.c_str()));
+    Reference<IXStream> element(storage->CreateStream(name.c_str()));
     EXPECT_EQ(element->GetName(), name.substr(0, 63));
 }

@@ -50,7 +50,7 @@ void ExpectEveryStatus(const char* function, Function* failing, const std::strin
 
 TEST(StorageFailureTest, EveryStatusIsMapped) {
     FakeStorage ole;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
+    Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
     for (const StatusRow& row : FailingStatusRows()) {
         SCOPED_TRACE(row.status);
         ole.status = static_cast<HRESULT>(row.status);
@@ -77,7 +77,7 @@ TEST(StorageFailureTest, AForeignStorageThatTellsNothingIsRefusedWithoutAName) {
 
 TEST(StorageFailureTest, ADeletionAnswersTheStatus) {
     FakeStorage ole;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
+    Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
     ole.status = S_FALSE;
     EXPECT_EQ(storage->DeleteStream("part"), S_FALSE);
 }
@@ -103,7 +103,7 @@ TEST(StorageFailureTest, AMemoryStorageThatCannotBeMadeHasNoName) {
 
 TEST_F(StorageTest, AFileThatCannotBeOpenedIsNamed) {
     std::string path = Path("a.stg");
-    Owned<IXStorage>(new_Storage(path.c_str(), 0));
+    Reference<IXStorage>(new_Storage(path.c_str(), 0));
     for (int readOnly : {0, 1}) {
         ExpectEveryStatus("StgOpenStorage", FailingOpen, " 0 " + path,
                           [&] { open_Storage(path.c_str(), readOnly); });
@@ -111,8 +111,8 @@ TEST_F(StorageTest, AFileThatCannotBeOpenedIsNamed) {
 }
 
 TEST(StorageFailureTest, AnEnumerationWithoutTheTaskAllocatorIsAPlainException) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
-    PutStream(storage, "one", "1");
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
+    PutStream(storage.Get(), "one", "1");
     ExpectEveryStatus("CoGetMalloc", FailingAllocator, "", [&] { storage->EnumStreams(); });
     EXPECT_EQ(Names(storage->EnumStreams()), List{"one"});
 }

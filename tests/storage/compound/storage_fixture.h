@@ -55,15 +55,15 @@ inline std::vector<std::string> Names(CTEnum<const char*>* all) {
 using List = std::vector<std::string>;
 
 inline void PutStream(IXStorage* storage, const char* name, const std::string& bytes) {
-    Owned<IXStream> stream(storage->CreateStream(name));
+    Reference<IXStream> stream(storage->CreateStream(name));
     ASSERT_TRUE(stream.Get()) << name;
     stream->Write(bytes.data(), static_cast<int>(bytes.size()));
 }
 
 // The stream's bytes, or "(none)".
 inline std::string StreamOf(IXStorage* storage, const char* name) {
-    Owned<IXStream> stream(storage->OpenStream(name));
-    return stream ? BytesOf(stream) : "(none)";
+    Reference<IXStream> stream(storage->OpenStream(name));
+    return stream ? BytesOf(stream.Get()) : "(none)";
 }
 
 #endif

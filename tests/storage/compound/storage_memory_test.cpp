@@ -16,7 +16,7 @@ std::unique_ptr<Kind> Fresh() {
 
 template <class Kind>
 void CheckBefore(std::unique_ptr<Kind>& kind) {
-    EXPECT_EQ(BytesOf(kind->stream).substr(0, 6), "before");
+    EXPECT_EQ(BytesOf(kind->stream.Get()).substr(0, 6), "before");
 }
 
 // A stream that holds one variant.
@@ -34,16 +34,16 @@ void ReadOne(std::unique_ptr<MemoryKind>& kind) {
 }
 
 struct Document {
-    Owned<IXStorage> storage{new_Storage(nullptr, 0)};
+    Reference<IXStorage> storage{new_Storage(nullptr, 0)};
     Document() {
-        PutStream(storage, "one", "1");
-        PutStream(storage, "two", "2");
-        Owned<IXStorage>(storage->CreateStorage("sub", 0));
+        PutStream(storage.Get(), "one", "1");
+        PutStream(storage.Get(), "two", "2");
+        Reference<IXStorage>(storage->CreateStorage("sub", 0));
     }
 };
 
 void CheckDocument(std::unique_ptr<Document>& document) {
-    EXPECT_EQ(StreamOf(document->storage, "one"), "1");
+    EXPECT_EQ(StreamOf(document->storage.Get(), "one"), "1");
     EXPECT_EQ(Names(document->storage->EnumStreams()), (List{"one", "two"}));
 }
 
@@ -54,7 +54,7 @@ TEST(StreamMemoryTest, AGrowingWriteKeepsTheStreamWhenMemoryIsShort) {
     unsigned failures = FailEachAllocation(
         Fresh<MemoryKind>, [&](auto& kind) { kind->stream->Write(block.data(), 50000); },
         [](auto& kind) {
-            EXPECT_EQ(BytesOf(kind->stream), "before");
+            EXPECT_EQ(BytesOf(kind->stream.Get()), "before");
             EXPECT_EQ(kind->stream->Tell(), 6);
         });
     EXPECT_GE(failures, 1u);
@@ -81,10 +81,10 @@ TEST(StreamMemoryTest, EveryTypedWriteKeepsTheStreamWhenMemoryIsShort) {
     };
     for (const auto& write : writes) {
         unsigned failures = FailEachAllocation(
-            full, [&](auto& kind) { write(kind->stream); },
+            full, [&](auto& kind) { write(kind->stream.Get()); },
             [&](auto& kind) {
-                EXPECT_EQ(BytesOf(kind->stream), std::string(4096, 'x'));
-                write(kind->stream);
+                EXPECT_EQ(BytesOf(kind->stream.Get()), std::string(4096, 'x'));
+                write(kind->stream.Get());
                 EXPECT_GT(kind->stream->GetLength(), 4096);
             });
         EXPECT_EQ(failures, 1u);
@@ -118,7 +118,7 @@ TEST(StreamMemoryTest, SetDataKeepsTheOldBytesWhenMemoryIsShort) {
         [](auto& kind) {
             IQXUnknown* block = nullptr;
             kind->stream->QueryInterface(qx_typeid<IMemBlock>(), &block);
-            Owned<IMemBlock> owner(static_cast<IMemBlock*>(block));
+            Reference<IMemBlock> owner(static_cast<IMemBlock*>(block));
             owner->SetData("new", 3);
         },
         CheckBefore<MemoryKind>);
@@ -127,10 +127,11 @@ TEST(StreamMemoryTest, SetDataKeepsTheOldBytesWhenMemoryIsShort) {
 
 TEST(StreamMemoryTest, ANewStreamIsNullWhenMemoryIsShort) {
     unsigned failures = FailEachAllocation(
-        [] { return 0; }, [](int) { Owned<IXStream> stream(new_StreamOnMemory()); }, [](int) {},
+        [] { return 0; }, [](int) { Reference<IXStream> stream(new_StreamOnMemory()); }, [](int) {},
         true);
-    failures += FailEachAllocation(
-        [] { return 0; }, [](int) { Owned<IXStream> stream(new_EmptyStream()); }, [](int) {}, true);
+    failures += FailEachAllocation([] { return 0; },
+                                   [](int) { Reference<IXStream> stream(new_EmptyStream()); },
+                                   [](int) {}, true);
     EXPECT_EQ(failures, 2u);
     FailingAllocation failing(1);
     EXPECT_EQ(new_StreamOnMemory(), nullptr);
@@ -145,7 +146,7 @@ TEST(StreamMemoryTest, AVariantReadWithoutMemoryLeavesNothingBehind) {
     EXPECT_GE(failures, 2u);
     auto withProxy = [] {
         auto kind = std::make_unique<MemoryKind>();
-        Fill(kind->stream, Bytes({18, 0}) + "Absent" + Bytes({0, 2, 0, 0, 0, 'a', 'b'}));
+        Fill(kind->stream.Get(), Bytes({18, 0}) + "Absent" + Bytes({0, 2, 0, 0, 0, 'a', 'b'}));
         return kind;
     };
     EXPECT_GE(FailEachAllocation(withProxy, ReadOne, ReadOne),
@@ -165,15 +166,17 @@ TEST(StreamMemoryTest, AWrapperIsNullAndTakesNoReferenceWhenMemoryIsShort) {
 TEST(StorageMemoryTest, ElementsAreNullWhenMemoryIsShort) {
     unsigned failures = FailEachAllocation(
         std::make_unique<Document>,
-        [](auto& document) { Owned<IXStream> s(document->storage->OpenStream("one")); },
+        [](auto& document) { Reference<IXStream> s(document->storage->OpenStream("one")); },
         CheckDocument, true);
     failures += FailEachAllocation(
         std::make_unique<Document>,
-        [](auto& document) { Owned<IXStorage> s(document->storage->CreateStorage("child", 0)); },
+        [](auto& document) {
+            Reference<IXStorage> s(document->storage->CreateStorage("child", 0));
+        },
         CheckDocument, true);
     failures += FailEachAllocation(
         std::make_unique<Document>,
-        [](auto& document) { Owned<IXStorage> s(document->storage->OpenStorage("sub")); },
+        [](auto& document) { Reference<IXStorage> s(document->storage->OpenStorage("sub")); },
         CheckDocument, true);
     EXPECT_GE(failures, 3u);
 
@@ -196,14 +199,14 @@ TEST(StorageMemoryTest, AnEnumerationWithoutMemoryThrows) {
 
 TEST(StorageMemoryTest, ANewStorageWithoutMemoryIsNullOrThrows) {
     unsigned failures = FailEachAllocation(
-        [] { return 0; }, [](int) { Owned<IXStorage> storage(new_Storage(nullptr, 0)); },
+        [] { return 0; }, [](int) { Reference<IXStorage> storage(new_Storage(nullptr, 0)); },
         [](int) {}, true);
     EXPECT_GE(failures, 1u);
 }
 
 TEST_F(StorageTest, ANewFileIsFreeAgainAfterAFailedCreation) {
     std::string path = Path("folder\\a.stg");
-    auto create = [&](int) { Owned<IXStorage> storage(new_Storage(path.c_str(), 0)); };
+    auto create = [&](int) { Reference<IXStorage> storage(new_Storage(path.c_str(), 0)); };
     EXPECT_GE(FailEachAllocation([] { return 0; }, create, create, true),
               2u);  // the path, the object
 }
@@ -211,11 +214,11 @@ TEST_F(StorageTest, ANewFileIsFreeAgainAfterAFailedCreation) {
 TEST_F(StorageTest, ATemporaryStorageWithoutMemoryLeavesNoFile) {
     TemporaryFilesIn here(Directory());
     auto create = [](int) {
-        Owned<IXStorage> storage(new_Storage(nullptr, QXSTG_TEMPORARY));
+        Reference<IXStorage> storage(new_Storage(nullptr, QXSTG_TEMPORARY));
         if (!storage) return;
         char path[MAX_PATH];
         strcpy(path, storage->GetPath());
-        storage.Reset();
+        storage.Release();
         EXPECT_TRUE(DeleteFileA(path)) << path;
     };
     EXPECT_GE(FailEachAllocation([] { return 0; }, create, create, true), 1u);
@@ -224,7 +227,7 @@ TEST_F(StorageTest, ATemporaryStorageWithoutMemoryLeavesNoFile) {
 
 TEST(StorageMemoryTest, AForeignStorageIsNotReferencedWhenMemoryIsShort) {
     Document document;
-    auto ole = static_cast<IStorage*>(Storage_GetOLEStorage(document.storage));
+    auto ole = static_cast<IStorage*>(Storage_GetOLEStorage(document.storage.Get()));
     unsigned references = CountOf(ole);
     {
         FailingAllocation failing(1);
@@ -236,10 +239,10 @@ TEST(StorageMemoryTest, AForeignStorageIsNotReferencedWhenMemoryIsShort) {
 
 TEST_F(StorageTest, AFileIsFreeAgainAfterAFailedOpening) {
     std::string path = Path("a.stg");
-    Owned<IXStorage>(new_Storage(path.c_str(), 0));
+    Reference<IXStorage>(new_Storage(path.c_str(), 0));
     unsigned failures = FailEachAllocation(
-        [] { return 0; }, [&](int) { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); },
-        [&](int) { Owned<IXStorage> storage(open_Storage(path.c_str(), 0)); }, true);
+        [] { return 0; }, [&](int) { Reference<IXStorage> storage(open_Storage(path.c_str(), 0)); },
+        [&](int) { Reference<IXStorage> storage(open_Storage(path.c_str(), 0)); }, true);
     EXPECT_GE(failures, 1u);
 }
 
@@ -287,7 +290,7 @@ TEST(StorageMemoryTest, PropertyNamesWithoutMemoryAreNull) {
     Document document;
     IQXUnknown* out = nullptr;
     document.storage->QueryInterface(qx_typeid<IQXProperty>(), &out);
-    Owned<IQXProperty> properties(static_cast<IQXProperty*>(out));
+    Reference<IQXProperty> properties(static_cast<IQXProperty*>(out));
     {
         FailingAllocation failing(1);
         EXPECT_EQ(properties->EnumNames(), nullptr);

@@ -11,17 +11,17 @@ struct FakeNames {
     FakeNames() {
         ole.stream = &stream;
         ole.child = &child;
-        storage.Reset(new_StorageByOleStorage(&ole));
+        storage = Reference<IXStorage>(new_StorageByOleStorage(&ole));
     }
     FakeStream stream;
     FakeStorage ole, child;
-    Owned<IXStorage> storage;
+    Reference<IXStorage> storage;
 };
 
 }  // namespace
 
 TEST_F(StorageTest, RefusedNamesGiveNoStream) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
     for (const char* name : kRefused) {
         EXPECT_EQ(storage->CreateStream(name), nullptr) << name;
         EXPECT_EQ(storage->OpenStream(name), nullptr) << name;
@@ -30,7 +30,7 @@ TEST_F(StorageTest, RefusedNamesGiveNoStream) {
 }
 
 TEST_F(StorageTest, RefusedNamesOfStoragesAreCode7) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
     for (const char* name : kRefused) {
         EXPECT_EQ(Thrown([&] { storage->CreateStorage(name, 0); }), std::string("7 0 ") + name);
         EXPECT_EQ(Thrown([&] { storage->OpenStorage(name); }), std::string("7 0 ") + name);
@@ -60,19 +60,19 @@ TEST(StorageNameTest, ANullNameIsRefusedAsAnEmptyOne) {
 }
 
 TEST_F(StorageTest, ControlCharactersAndPunctuationAreNames) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
     for (const char* name : {"\005Special", "@", "a.b", "a b", "~#$%&'()+,-;=[]^_`{}", "*?\"<>|"}) {
-        PutStream(storage, name, name);
-        EXPECT_EQ(StreamOf(storage, name), name);
+        PutStream(storage.Get(), name, name);
+        EXPECT_EQ(StreamOf(storage.Get(), name), name);
     }
 }
 
 // The platform takes 31 characters.
 TEST_F(StorageTest, ANameOf31CharactersFitsAndOneOf32DoesNot) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
     std::string fits(31, 'a'), tooLong(32, 'a'), farTooLong(70, 'a');
-    PutStream(storage, fits.c_str(), "1");
-    EXPECT_EQ(StreamOf(storage, fits.c_str()), "1");
+    PutStream(storage.Get(), fits.c_str(), "1");
+    EXPECT_EQ(StreamOf(storage.Get(), fits.c_str()), "1");
     for (const std::string& name : {tooLong, farTooLong}) {
         EXPECT_EQ(storage->CreateStream(name.c_str()), nullptr);
         EXPECT_EQ(Thrown([&] { storage->CreateStorage(name.c_str(), 0); }), "7 0 " + name);
@@ -85,7 +85,7 @@ TEST(StorageNameTest, ANameIsCutAfter512Characters) {
     std::string name(511, 'n');
     for (const char* end : {"", "x", "xy", "xyz and a long rest"}) {
         std::string whole = name + end;
-        Owned<IXStream> stream(fake.storage->CreateStream(whole.c_str()));
+        Reference<IXStream> stream(fake.storage->CreateStream(whole.c_str()));
         EXPECT_EQ(fake.ole.lastName, Widen(whole.substr(0, 512)));
     }
 }
@@ -93,14 +93,14 @@ TEST(StorageNameTest, ANameIsCutAfter512Characters) {
 TEST(StorageNameTest, AForbiddenCharacterBehindTheCutIsNotSeen) {
     FakeNames fake;
     std::string name = std::string(512, 'n') + "\\";
-    Owned<IXStream> stream(fake.storage->CreateStream(name.c_str()));
+    Reference<IXStream> stream(fake.storage->CreateStream(name.c_str()));
     EXPECT_NE(stream.Get(), nullptr);
     EXPECT_EQ(fake.ole.lastName, std::wstring(512, L'n'));
 }
 
 TEST(StorageNameTest, AShortNameAfterALongOneHasNoRest) {
     FakeNames fake;
-    Owned<IXStream> first(fake.storage->CreateStream(std::string(400, 'n').c_str()));
-    Owned<IXStream> second(fake.storage->CreateStream("b"));
+    Reference<IXStream> first(fake.storage->CreateStream(std::string(400, 'n').c_str()));
+    Reference<IXStream> second(fake.storage->CreateStream("b"));
     EXPECT_EQ(fake.ole.lastName, L"b");
 }

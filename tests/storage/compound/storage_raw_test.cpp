@@ -46,12 +46,12 @@ TEST_F(StorageTest, WhatThePlatformWritesIsRead) {
         ASSERT_EQ(root->CreateStorage(L"sub", kWrite, 0, 0, &child.ole), S_OK);
         RawPut(child.ole, L"variant", Bytes({5, 0, 42, 0, 0, 0, 10, 0, 3, 0, 0, 0, 'o', 'k', 0}));
     }
-    Owned<IXStorage> root(open_Storage(path.c_str(), 1)), child(root->OpenStorage("sub"));
+    Reference<IXStorage> root(open_Storage(path.c_str(), 1)), child(root->OpenStorage("sub"));
     EXPECT_EQ(Names(root->EnumStreams()), (List{"large", "small"}));
     EXPECT_EQ(Names(root->EnumStorages()), List{"sub"});
-    EXPECT_EQ(StreamOf(root, "small"), "abc");
-    EXPECT_EQ(StreamOf(root, "large"), std::string(70000, 'L'));
-    Owned<IXStream> stream(child->OpenStream("variant"));
+    EXPECT_EQ(StreamOf(root.Get(), "small"), "abc");
+    EXPECT_EQ(StreamOf(root.Get(), "large"), std::string(70000, 'L'));
+    Reference<IXStream> stream(child->OpenStream("variant"));
     CQXVariant number, text;
     EXPECT_EQ(stream->ReadVariant(&number), 1);
     EXPECT_EQ(stream->ReadVariant(&text), 1);
@@ -62,9 +62,10 @@ TEST_F(StorageTest, WhatThePlatformWritesIsRead) {
 TEST_F(StorageTest, WhatWeWriteIsReadByThePlatform) {
     std::string path = Path("ours.stg");
     {
-        Owned<IXStorage> root(new_Storage(path.c_str(), 0)), child(root->CreateStorage("sub", 0));
-        PutStream(root, "large", std::string(70000, 'L'));
-        Owned<IXStream> stream(child->CreateStream("variant"));
+        Reference<IXStorage> root(new_Storage(path.c_str(), 0)),
+            child(root->CreateStorage("sub", 0));
+        PutStream(root.Get(), "large", std::string(70000, 'L'));
+        Reference<IXStream> stream(child->CreateStream("variant"));
         CQXVariant number(42), text("ok");
         stream->WriteVariant(&number);
         stream->WriteVariant(&text);
@@ -78,10 +79,10 @@ TEST_F(StorageTest, WhatWeWriteIsReadByThePlatform) {
 }
 
 TEST_F(StorageTest, TheStreamUnderAnElementIsThePlatforms) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
-    Owned<IXStream> stream(storage->CreateStream("one"));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStream> stream(storage->CreateStream("one"));
     stream->Write("abcdef", 6);
-    auto ole = static_cast<IStream*>(Stream_GetOLEStream(stream));
+    auto ole = static_cast<IStream*>(Stream_GetOLEStream(stream.Get()));
     STATSTG facts = {};
     EXPECT_EQ(ole->Stat(&facts, STATFLAG_DEFAULT), S_OK);
     EXPECT_STREQ(facts.pwcsName, L"one");
@@ -97,11 +98,11 @@ TEST_F(StorageTest, AStreamOfThePlatformIsWrappedAndCommittedOnClose) {
         ASSERT_EQ(StgCreateDocfile(Widen(path).c_str(), kWrite, 0, &root.ole), S_OK);
         IStream* ole = nullptr;
         ASSERT_EQ(root->CreateStream(L"one", kWrite, 0, 0, &ole), S_OK);
-        Owned<IXStream> stream(new_StreamByOleStream(ole));
+        Reference<IXStream> stream(new_StreamByOleStream(ole));
         ole->Release();
         stream->WriteString("wrapped");
         stream->WriteLong(0x01020304);
     }
-    Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
-    EXPECT_EQ(StreamOf(storage, "one"), std::string("wrapped") + Bytes({0, 4, 3, 2, 1}));
+    Reference<IXStorage> storage(open_Storage(path.c_str(), 1));
+    EXPECT_EQ(StreamOf(storage.Get(), "one"), std::string("wrapped") + Bytes({0, 4, 3, 2, 1}));
 }

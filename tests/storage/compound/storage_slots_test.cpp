@@ -13,7 +13,7 @@ auto Slot(void* object, int index) {
 
 TEST(StreamSlotsTest, AStreamHasItsOperationsInOrder) {
     MemoryKind kind;
-    IXStream* s = kind.stream;
+    IXStream* s = kind.stream.Get();
     EXPECT_EQ(Slot<unsigned(void*)>(s, 0)(s), 2u);  // AddRef
     EXPECT_EQ(Slot<unsigned(void*)>(s, 1)(s), 1u);  // Release
     EXPECT_EQ(
@@ -64,19 +64,21 @@ TEST(StreamSlotsTest, AMemoryBlockHasItsSixOperationsInOrder) {
 }
 
 TEST(StorageSlotsTest, AStorageHasItsOperationsInOrder) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 2));
-    IXStorage* s = storage;
+    Reference<IXStorage> storage(new_Storage(nullptr, 2));
+    IXStorage* s = storage.Get();
     EXPECT_EQ(Slot<unsigned(void*)>(s, 0)(s), 2u);
     EXPECT_EQ(Slot<unsigned(void*)>(s, 1)(s), 1u);
     EXPECT_EQ(
         Slot<int(void*, qx_type_info const&, void**)>(s, 2)(s, qx_typeid<IXStorage>(), nullptr), 1);
-    Owned<IXStorage> child(Slot<IXStorage*(void*, const char*, int)>(s, 3)(s, "child", 0));
-    EXPECT_EQ(Owned<IXStorage>(Slot<IXStorage*(void*)>(child, 6)(child)).Get(), s);  // GetParent
-    child.Reset();
-    child.Reset(Slot<IXStorage*(void*, const char*)>(s, 4)(s, "child"));  // OpenStorage
-    child.Reset();
-    Owned<IXStream>(Slot<IXStream*(void*, const char*)>(s, 8)(s, "leaf"));  // CreateStream
-    EXPECT_TRUE(Owned<IXStream>(Slot<IXStream*(void*, const char*)>(s, 9)(s, "leaf")).Get());
+    Reference<IXStorage> child(Slot<IXStorage*(void*, const char*, int)>(s, 3)(s, "child", 0));
+    EXPECT_EQ(Reference<IXStorage>(Slot<IXStorage*(void*)>(child.Get(), 6)(child.Get())).Get(),
+              s);  // GetParent
+    child.Release();
+    child = Reference<IXStorage>(
+        Slot<IXStorage*(void*, const char*)>(s, 4)(s, "child"));  // OpenStorage
+    child.Release();
+    Reference<IXStream>(Slot<IXStream*(void*, const char*)>(s, 8)(s, "leaf"));  // CreateStream
+    EXPECT_TRUE(Reference<IXStream>(Slot<IXStream*(void*, const char*)>(s, 9)(s, "leaf")).Get());
     EXPECT_EQ(Names(Slot<CTEnum<const char*>*(void*)>(s, 7)(s)), List{"child"});
     EXPECT_EQ(Names(Slot<CTEnum<const char*>*(void*)>(s, 12)(s)), List{"leaf"});
     EXPECT_STREQ(Slot<const char*(void*)>(s, 13)(s), "");  // GetPath
@@ -97,8 +99,8 @@ TEST(StorageSlotsTest, RevertAndTheReservedOperationStandLast) {
     constexpr int kDestructorSlots = 2;
 #endif
     constexpr int kRevert = 14 + kDestructorSlots + 3;
-    Owned<IXStorage> storage(new_Storage(nullptr, 2));
-    IXStorage* s = storage;
+    Reference<IXStorage> storage(new_Storage(nullptr, 2));
+    IXStorage* s = storage.Get();
     PutStream(s, "leaf", "1");
     Slot<void(void*)>(s, kRevert)(s);
     EXPECT_EQ(Names(s->EnumStreams()), List{});
@@ -106,7 +108,7 @@ TEST(StorageSlotsTest, RevertAndTheReservedOperationStandLast) {
 }
 
 TEST(PropertySlotsTest, PropertiesHaveTheirOperationsInOrder) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
     IQXUnknown* p = nullptr;
     ASSERT_EQ(storage->QueryInterface(qx_typeid<IQXProperty>(), &p), 1);
     EXPECT_EQ(Slot<unsigned(void*)>(p, 0)(p), 2u);

@@ -9,20 +9,21 @@ void Revert(IXStorage* storage) {
 }
 
 void MakeFile(const std::string& path) {
-    Owned<IXStorage> storage(new_Storage(path.c_str(), 0));
-    PutStream(storage, "one", "old");
-    Owned<IXStorage> child(storage->CreateStorage("child", 0));
-    PutStream(child, "leaf", "old leaf");
+    Reference<IXStorage> storage(new_Storage(path.c_str(), 0));
+    PutStream(storage.Get(), "one", "old");
+    Reference<IXStorage> child(storage->CreateStorage("child", 0));
+    PutStream(child.Get(), "leaf", "old leaf");
 }
 
 std::string ValueInFile(const std::string& path) {
-    Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
-    return StreamOf(storage, "one");
+    Reference<IXStorage> storage(open_Storage(path.c_str(), 1));
+    return StreamOf(storage.Get(), "one");
 }
 
 std::string LeafInFile(const std::string& path) {
-    Owned<IXStorage> storage(open_Storage(path.c_str(), 1)), child(storage->OpenStorage("child"));
-    return StreamOf(child, "leaf");
+    Reference<IXStorage> storage(open_Storage(path.c_str(), 1)),
+        child(storage->OpenStorage("child"));
+    return StreamOf(child.Get(), "leaf");
 }
 
 DWORD RawMode(IXStorage* storage) {
@@ -39,8 +40,8 @@ TEST_F(StorageTest, ClosingATransactedStorageCommits) {
     std::string path = Path("t.stg");
     MakeFile(path);
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0));
-        PutStream(storage, "one", "new");
+        Reference<IXStorage> storage(open_Storage(path.c_str(), 0));
+        PutStream(storage.Get(), "one", "new");
     }
     EXPECT_EQ(ValueInFile(path), "new");
 }
@@ -49,14 +50,14 @@ TEST_F(StorageTest, RevertIsTheWayOutOfATransaction) {
     std::string path = Path("t.stg");
     MakeFile(path);
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0));
-        PutStream(storage, "one", "new");
-        PutStream(storage, "two", "new too");
-        Revert(storage);
-        EXPECT_EQ(StreamOf(storage, "one"), "old");
+        Reference<IXStorage> storage(open_Storage(path.c_str(), 0));
+        PutStream(storage.Get(), "one", "new");
+        PutStream(storage.Get(), "two", "new too");
+        Revert(storage.Get());
+        EXPECT_EQ(StreamOf(storage.Get(), "one"), "old");
     }
     EXPECT_EQ(ValueInFile(path), "old");
-    Owned<IXStorage> storage(open_Storage(path.c_str(), 1));
+    Reference<IXStorage> storage(open_Storage(path.c_str(), 1));
     EXPECT_EQ(Names(storage->EnumStreams()), List{"one"});
 }
 
@@ -64,11 +65,11 @@ TEST_F(StorageTest, RevertGoesBackToTheLastCommit) {
     std::string path = Path("t.stg");
     MakeFile(path);
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0));
-        PutStream(storage, "one", "committed");
+        Reference<IXStorage> storage(open_Storage(path.c_str(), 0));
+        PutStream(storage.Get(), "one", "committed");
         storage->Commit();
-        PutStream(storage, "one", "dropped");
-        Revert(storage);
+        PutStream(storage.Get(), "one", "dropped");
+        Revert(storage.Get());
     }
     EXPECT_EQ(ValueInFile(path), "committed");
 }
@@ -76,9 +77,9 @@ TEST_F(StorageTest, RevertGoesBackToTheLastCommit) {
 TEST_F(StorageTest, RevertOfADirectStorageDoesNothing) {
     std::string path = Path("t.stg");
     {
-        Owned<IXStorage> storage(new_Storage(path.c_str(), 0));
-        PutStream(storage, "one", "kept");
-        Revert(storage);
+        Reference<IXStorage> storage(new_Storage(path.c_str(), 0));
+        PutStream(storage.Get(), "one", "kept");
+        Revert(storage.Get());
     }
     EXPECT_EQ(ValueInFile(path), "kept");
 }
@@ -87,9 +88,9 @@ TEST_F(StorageTest, AChildOfATransactionReachesTheFileWhenBothClose) {
     std::string path = Path("t.stg");
     MakeFile(path);
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0)),
+        Reference<IXStorage> storage(open_Storage(path.c_str(), 0)),
             child(storage->OpenStorage("child"));
-        PutStream(child, "leaf", "new leaf");
+        PutStream(child.Get(), "leaf", "new leaf");
     }
     EXPECT_EQ(LeafInFile(path), "new leaf");
 }
@@ -98,11 +99,11 @@ TEST_F(StorageTest, AChildRevertsAlone) {
     std::string path = Path("t.stg");
     MakeFile(path);
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0)),
+        Reference<IXStorage> storage(open_Storage(path.c_str(), 0)),
             child(storage->OpenStorage("child"));
-        PutStream(child, "leaf", "new leaf");
-        PutStream(storage, "one", "new");
-        Revert(child);
+        PutStream(child.Get(), "leaf", "new leaf");
+        PutStream(storage.Get(), "one", "new");
+        Revert(child.Get());
     }
     EXPECT_EQ(LeafInFile(path), "old leaf");
     EXPECT_EQ(ValueInFile(path), "new");
@@ -112,12 +113,12 @@ TEST_F(StorageTest, RevertOfTheRootDropsAClosedChildToo) {
     std::string path = Path("t.stg");
     MakeFile(path);
     {
-        Owned<IXStorage> storage(open_Storage(path.c_str(), 0));
+        Reference<IXStorage> storage(open_Storage(path.c_str(), 0));
         {
-            Owned<IXStorage> child(storage->OpenStorage("child"));
-            PutStream(child, "leaf", "new leaf");
+            Reference<IXStorage> child(storage->OpenStorage("child"));
+            PutStream(child.Get(), "leaf", "new leaf");
         }
-        Revert(storage);
+        Revert(storage.Get());
     }
     EXPECT_EQ(LeafInFile(path), "old leaf");
 }
@@ -125,27 +126,27 @@ TEST_F(StorageTest, RevertOfTheRootDropsAClosedChildToo) {
 TEST_F(StorageTest, ANewTransactedFileCommitsWhenItCloses) {
     std::string path = Path("t.stg");
     {
-        Owned<IXStorage> storage(new_Storage(path.c_str(), 2));
-        PutStream(storage, "one", "1");
+        Reference<IXStorage> storage(new_Storage(path.c_str(), 2));
+        PutStream(storage.Get(), "one", "1");
     }
     EXPECT_EQ(ValueInFile(path), "1");
 }
 
 TEST_F(StorageTest, TheReservedOperationAnswersZero) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
     EXPECT_EQ(static_cast<CStorage*>(storage.Get())->Reserved(nullptr, nullptr, nullptr, nullptr),
               0);
 }
 
 TEST_F(StorageTest, TheModesOfTheRootFollowTheBits) {
     std::string path = Path("m.stg");
-    EXPECT_EQ(RawMode(Owned<IXStorage>(new_Storage(path.c_str(), 0))) & ~STGM_CREATE,
+    EXPECT_EQ(RawMode(Reference<IXStorage>(new_Storage(path.c_str(), 0)).Get()) & ~STGM_CREATE,
               DWORD(STGM_SHARE_EXCLUSIVE | STGM_READWRITE));
-    EXPECT_EQ(RawMode(Owned<IXStorage>(new_Storage(path.c_str(), 2))) & ~STGM_CREATE,
+    EXPECT_EQ(RawMode(Reference<IXStorage>(new_Storage(path.c_str(), 2)).Get()) & ~STGM_CREATE,
               DWORD(STGM_SHARE_EXCLUSIVE | STGM_READWRITE | STGM_TRANSACTED));
-    EXPECT_EQ(RawMode(Owned<IXStorage>(open_Storage(path.c_str(), 1))),
+    EXPECT_EQ(RawMode(Reference<IXStorage>(open_Storage(path.c_str(), 1)).Get()),
               DWORD(STGM_SHARE_EXCLUSIVE | STGM_READ));
-    EXPECT_EQ(RawMode(Owned<IXStorage>(open_Storage(path.c_str(), 0))),
+    EXPECT_EQ(RawMode(Reference<IXStorage>(open_Storage(path.c_str(), 0)).Get()),
               DWORD(STGM_SHARE_EXCLUSIVE | STGM_READWRITE | STGM_TRANSACTED));
 }
 
@@ -166,16 +167,16 @@ TEST(StorageModeTest, ElementsInheritTheModeButStreamsAreNeverTransacted) {
         ole.stream = &stream;
         ole.child = &child;
         ole.mode = row.given | STGM_SHARE_EXCLUSIVE | STGM_DELETEONRELEASE;
-        Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
+        Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
         EXPECT_EQ(ole.lastStatFlags, DWORD(STATFLAG_NONAME));
         DWORD exclusive = STGM_SHARE_EXCLUSIVE;
-        Owned<IXStream>(storage->CreateStream("a"));
+        Reference<IXStream>(storage->CreateStream("a"));
         EXPECT_EQ(ole.lastMode, row.stream | exclusive | STGM_CREATE);
-        Owned<IXStream>(storage->OpenStream("a"));
+        Reference<IXStream>(storage->OpenStream("a"));
         EXPECT_EQ(ole.lastMode, row.stream | exclusive);
-        Owned<IXStorage>(storage->CreateStorage("a", 2));
+        Reference<IXStorage>(storage->CreateStorage("a", 2));
         EXPECT_EQ(ole.lastMode, row.storage | exclusive | STGM_CREATE);
-        Owned<IXStorage>(storage->OpenStorage("a"));
+        Reference<IXStorage>(storage->OpenStorage("a"));
         EXPECT_EQ(ole.lastMode, row.storage | exclusive);
     }
 }
@@ -196,7 +197,7 @@ TEST(StorageModeTest, OnlyFlagsOfExactlyOneKeepFromCommitting) {
         std::string log;
         ole.log = &log;
         {
-            Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
+            Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
             storage->Commit();
         }
         EXPECT_EQ(log, row.log);
@@ -207,9 +208,9 @@ TEST(StorageModeTest, OnlyFlagsOfExactlyOneKeepFromCommitting) {
 TEST(StorageModeTest, AFailedCommitIsNotInspected) {
     FakeStorage ole;
     ole.status = STG_E_MEDIUMFULL;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
+    Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
     EXPECT_NO_THROW(storage->Commit());
-    EXPECT_NO_THROW(storage.Reset());
+    EXPECT_NO_THROW(storage.Release());
 }
 
 TEST(StorageModeTest, OnlyATransactedStorageReverts) {
@@ -218,8 +219,8 @@ TEST(StorageModeTest, OnlyATransactedStorageReverts) {
         ole.mode = STGM_READWRITE | transacted;
         std::string log;
         ole.log = &log;
-        Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-        Revert(storage);
+        Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
+        Revert(storage.Get());
         EXPECT_EQ(log, transacted ? "Revert " : "");
     }
 }
@@ -231,13 +232,13 @@ TEST(StorageLifeTest, AChildClosesBeforeItsParent) {
     ole.log = child.log = &log;
     ole.name = "(root)";
     child.name = "(child)";
-    Owned<IXStorage> inner;
+    Reference<IXStorage> inner;
     {
-        Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-        inner.Reset(storage->OpenStorage("child"));
+        Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
+        inner = Reference<IXStorage>(storage->OpenStorage("child"));
     }
     log.clear();
-    inner.Reset();
+    inner.Release();
     EXPECT_EQ(log, "Commit(child) Release(child) Commit(root) Release(root) ");
 }
 
@@ -248,11 +249,11 @@ TEST_F(StorageTest, AForeignStorageIsReferencedAndHasNoPath) {
                                &ole),
               S_OK);
     {
-        Owned<IXStorage> storage(new_StorageByOleStorage(ole));
+        Reference<IXStorage> storage(new_StorageByOleStorage(ole));
         EXPECT_STREQ(storage->GetPath(), "");
         EXPECT_EQ(storage->GetParent(), nullptr);
-        PutStream(storage, "one", "1");
-        auto back = static_cast<IStorage*>(Storage_GetOLEStorage(storage));
+        PutStream(storage.Get(), "one", "1");
+        auto back = static_cast<IStorage*>(Storage_GetOLEStorage(storage.Get()));
         EXPECT_EQ(back, ole);
         back->Release();
     }
@@ -262,32 +263,32 @@ TEST_F(StorageTest, AForeignStorageIsReferencedAndHasNoPath) {
 
 TEST_F(StorageTest, AStorageThatIsDeletedWhileItIsOpenClosesWithoutHarm) {
     for (int flags : {0, QXSTG_TRANSACTED | 0}) {
-        Owned<IXStorage> root(new_Storage(nullptr, flags));
-        Owned<IXStorage> child(root->CreateStorage("child", 0)),
+        Reference<IXStorage> root(new_Storage(nullptr, flags));
+        Reference<IXStorage> child(root->CreateStorage("child", 0)),
             below(child->CreateStorage("a", 0));
-        PutStream(below, "leaf", "old leaf");
+        PutStream(below.Get(), "leaf", "old leaf");
         root->DeleteStorage("child");
         for (IXStorage* gone : {child.Get(), below.Get()}) {
             gone->Commit();
             Revert(gone);
             EXPECT_EQ(gone->OpenStream("leaf"), nullptr);
         }
-        child.Reset();
-        below.Reset();
-        PutStream(root, "one", "new");
-        EXPECT_EQ(StreamOf(root, "one"), "new");
+        child.Release();
+        below.Release();
+        PutStream(root.Get(), "one", "new");
+        EXPECT_EQ(StreamOf(root.Get(), "one"), "new");
     }
 }
 
 TEST_F(StorageTest, AStorageThatIsReplacedWhileItIsOpenLeavesTheNewOneAlone) {
     for (int flags : {0, QXSTG_TRANSACTED | 0}) {
-        Owned<IXStorage> root(new_Storage(nullptr, flags));
-        Owned<IXStorage> old(root->CreateStorage("child", 0));
-        PutStream(old, "leaf", "old leaf");
-        Owned<IXStorage> child(root->CreateStorage("child", 0));
-        PutStream(child, "leaf", "new leaf");
+        Reference<IXStorage> root(new_Storage(nullptr, flags));
+        Reference<IXStorage> old(root->CreateStorage("child", 0));
+        PutStream(old.Get(), "leaf", "old leaf");
+        Reference<IXStorage> child(root->CreateStorage("child", 0));
+        PutStream(child.Get(), "leaf", "new leaf");
         old->Commit();
-        old.Reset();
-        EXPECT_EQ(StreamOf(child, "leaf"), "new leaf");
+        old.Release();
+        EXPECT_EQ(StreamOf(child.Get(), "leaf"), "new leaf");
     }
 }

@@ -14,8 +14,8 @@ protected:
         FakeStream stream;
         FakeStorage ole;
         ole.stream = &stream;
-        Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-        Owned<IXStream> element(storage->CreateStream(name.c_str()));
+        Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
+        Reference<IXStream> element(storage->CreateStream(name.c_str()));
         return ole.lastName;
     }
 };
@@ -53,21 +53,21 @@ TEST_F(Utf8StorageTest, APathOfMoreThan512BytesIsCreatedAndOpened) {
     std::string path = directory + "\\" + Times(60, kHiragana) + ".stg";
     ASSERT_GT(path.size(), 600u);
     {
-        Owned<IXStorage> storage(new_Storage(path.c_str(), 0));
-        PutStream(storage, (kHiragana + kFace).c_str(), "1");
+        Reference<IXStorage> storage(new_Storage(path.c_str(), 0));
+        PutStream(storage.Get(), (kHiragana + kFace).c_str(), "1");
         storage->CreateStorage(kAccent.c_str(), 0)->Release();
     }
-    Owned<IXStorage> storage(open_Storage(path.c_str(), 0));
+    Reference<IXStorage> storage(open_Storage(path.c_str(), 0));
     EXPECT_EQ(storage->GetPath(), path);
     EXPECT_EQ(Names(storage->EnumStreams()), List{kHiragana + kFace});
     EXPECT_EQ(Names(storage->EnumStorages()), List{kAccent});
-    EXPECT_EQ(StreamOf(storage, (kHiragana + kFace).c_str()), "1");
+    EXPECT_EQ(StreamOf(storage.Get(), (kHiragana + kFace).c_str()), "1");
 }
 
 TEST_F(Utf8StorageTest, ANameThatIsEnumeratedIsNotCut) {
-    Owned<IXStorage> storage(new_Storage(nullptr, 0));
+    Reference<IXStorage> storage(new_Storage(nullptr, 0));
     std::string name = Times(31, kHiragana);
-    PutStream(storage, name.c_str(), "1");
+    PutStream(storage.Get(), name.c_str(), "1");
     EXPECT_EQ(Names(storage->EnumStreams()), List{name});
-    EXPECT_EQ(StreamOf(storage, name.c_str()), "1");
+    EXPECT_EQ(StreamOf(storage.Get(), name.c_str()), "1");
 }

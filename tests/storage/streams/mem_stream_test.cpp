@@ -4,10 +4,10 @@
 
 namespace {
 
-Owned<IMemBlock>& AskBlock(Owned<IMemBlock>& block, IXStream* stream) {
+Reference<IMemBlock>& AskBlock(Reference<IMemBlock>& block, IXStream* stream) {
     IQXUnknown* out = nullptr;
     EXPECT_EQ(stream->QueryInterface(qx_typeid<IMemBlock>(), &out), 1);
-    block.Reset(static_cast<IMemBlock*>(out));
+    block = Reference<IMemBlock>(static_cast<IMemBlock*>(out));
     return block;
 }
 
@@ -30,9 +30,9 @@ protected:
     // The capacity, as the heap that made the block knows it.
     size_t Capacity() { return Mem_DefaultHeap(0)->GetSize(block->GetData()); }
 
-    Owned<IXStream> stream{new_StreamOnMemory()};
-    Owned<IMemBlock> held;
-    Owned<IMemBlock>& block = AskBlock(held, stream);
+    Reference<IXStream> stream{new_StreamOnMemory()};
+    Reference<IMemBlock> held;
+    Reference<IMemBlock>& block = AskBlock(held, stream.Get());
 };
 
 }  // namespace
@@ -59,7 +59,7 @@ TEST_F(MemStreamTest, TheBlockIsASecondObjectThatSharesTheCount) {
 
 TEST_F(MemStreamTest, TheBlockKeepsTheStreamAlive) {
     stream->Write("abc", 3);
-    stream.Reset();
+    stream.Release();
     EXPECT_EQ(block->GetSize(), 3u);
     EXPECT_EQ(memcmp(block->GetData(), "abc", 3), 0);
 }
@@ -86,7 +86,7 @@ TEST_F(MemStreamTest, GrowthAddsStepsToTheOldCapacity) {
     EXPECT_EQ(Capacity(), 12288u);
     stream->Write(bytes.data(), 10000);  // 14097 needed: 12288 + (14097 / 4096 + 1) * 4096
     EXPECT_EQ(Capacity(), 28672u);
-    EXPECT_EQ(BytesOf(stream), std::string(14097, 'x'));
+    EXPECT_EQ(BytesOf(stream.Get()), std::string(14097, 'x'));
 }
 
 TEST_F(MemStreamTest, WriteAnswersTheCount) {
@@ -120,7 +120,7 @@ TEST_F(MemStreamTest, ASeekByTheLargestDistancesIsClampedToo) {
 }
 
 TEST_F(MemStreamTest, AFullStringIsTerminatedOneByteBehindItsCount) {
-    Fill(stream, "abcdef");
+    Fill(stream.Get(), "abcdef");
     char text[8] = "-------";
     EXPECT_EQ(stream->ReadString(text, 3), 4);
     EXPECT_EQ(std::string(text, 8), Bytes({'a', 'b', 'c', '-', 0, '-', '-', 0}));
@@ -128,7 +128,7 @@ TEST_F(MemStreamTest, AFullStringIsTerminatedOneByteBehindItsCount) {
 }
 
 TEST_F(MemStreamTest, AStringOfCountZeroReadsNothingAndAnswersOne) {
-    Fill(stream, "abc");
+    Fill(stream.Get(), "abc");
     char text[4] = "---";
     EXPECT_EQ(stream->ReadString(text, 0), 1);
     EXPECT_EQ(std::string(text, 4), Bytes({'-', 0, '-', 0}));
@@ -136,7 +136,7 @@ TEST_F(MemStreamTest, AStringOfCountZeroReadsNothingAndAnswersOne) {
 }
 
 TEST_F(MemStreamTest, AnEndInTheLastByteOfTheCountStaysThere) {
-    Fill(stream, "ab\nc");
+    Fill(stream.Get(), "ab\nc");
     char text[8] = "-------";
     EXPECT_EQ(stream->ReadString(text, 3), 3);
     EXPECT_EQ(std::string(text, 5), Bytes({'a', 'b', '\n', 0, '-'}));
@@ -151,12 +151,12 @@ TEST_F(MemStreamTest, SetDataReplacesTheBytesAndLeavesThePosition) {
     EXPECT_EQ(Capacity(), 3u);
     char byte;
     EXPECT_EQ(stream->Read(&byte, 1), 0);
-    EXPECT_EQ(BytesOf(stream), "abc");
+    EXPECT_EQ(BytesOf(stream.Get()), "abc");
 }
 
 TEST_F(MemStreamTest, SetDataWithoutBytesGivesZeros) {
     block->SetData(nullptr, 4);
-    EXPECT_EQ(BytesOf(stream), Bytes({0, 0, 0, 0}));
+    EXPECT_EQ(BytesOf(stream.Get()), Bytes({0, 0, 0, 0}));
 }
 
 TEST_F(MemStreamTest, AfterSetDataGrowthGoesInStepsOfItsSize) {
@@ -168,20 +168,20 @@ TEST_F(MemStreamTest, AfterSetDataGrowthGoesInStepsOfItsSize) {
     stream->Seek(0, 2);
     stream->Write("y", 1);  // 101 needed: 100 + (101 / 100 + 1) * 100
     EXPECT_EQ(Capacity(), 300u);
-    EXPECT_EQ(BytesOf(stream), hundred + "y");
+    EXPECT_EQ(BytesOf(stream.Get()), hundred + "y");
 }
 
 TEST_F(MemStreamTest, SetDataFromItsOwnBytesKeepsThem) {
     stream->Write("0123456789", 10);
     block->SetData(static_cast<char*>(block->GetData()) + 5, 5);
-    EXPECT_EQ(BytesOf(stream), "56789");
+    EXPECT_EQ(BytesOf(stream.Get()), "56789");
 }
 
 TEST_F(MemStreamTest, AWriteBehindShorterNewDataLeavesZerosBetween) {
     stream->Write("0123456789", 10);
     block->SetData("ab", 2);
     stream->Write("z", 1);
-    EXPECT_EQ(BytesOf(stream), Bytes({'a', 'b', 0, 0, 0, 0, 0, 0, 0, 0, 'z'}));
+    EXPECT_EQ(BytesOf(stream.Get()), Bytes({'a', 'b', 0, 0, 0, 0, 0, 0, 0, 0, 'z'}));
 }
 
 TEST_F(MemStreamTest, AnEmptyBlockHasNoData) {
@@ -226,34 +226,34 @@ TEST_F(MemStreamTest, ABlockBeyondTwoGigabytesIsRefusedAndNothingChanges) {
     EXPECT_THROW(block->SetData(nullptr, 0x80000000u), CXMemException);
     EXPECT_THROW(stream->Write("", INT_MAX), CXMemException);  // 3 + 2147483647 bytes
     EXPECT_EQ(stream->Tell(), 3);
-    EXPECT_EQ(BytesOf(stream), "abc");
+    EXPECT_EQ(BytesOf(stream.Get()), "abc");
 }
 
 TEST(MemStreamSinkTest, TheSinkIsHeldAndReleased) {
-    Owned<CancelSink> sink(new CancelSink(0));
-    Owned<IXStream> stream(new_StreamOnMemory(sink));
+    Reference<CancelSink> sink(new CancelSink(0));
+    Reference<IXStream> stream(new_StreamOnMemory(sink.Get()));
     EXPECT_EQ(CountOf(sink.Get()), 2u);
-    stream.Reset();
+    stream.Release();
     EXPECT_EQ(CountOf(sink.Get()), 1u);
     EXPECT_EQ(sink->ranges, 0);
 }
 
 TEST(MemStreamSinkTest, ANullSinkIsNoSink) {
-    Owned<IXStream> stream(new_StreamOnMemory(nullptr));
+    Reference<IXStream> stream(new_StreamOnMemory(nullptr));
     EXPECT_EQ(stream->Write("a", 1), 1);
 }
 
 TEST(MemStreamSinkTest, ACancelledFirstWriteHasWrittenItsBytes) {
-    Owned<CancelSink> sink(new CancelSink(1));
-    Owned<IXStream> stream(new_StreamOnMemory(sink));
+    Reference<CancelSink> sink(new CancelSink(1));
+    Reference<IXStream> stream(new_StreamOnMemory(sink.Get()));
     EXPECT_EQ(Thrown([&] { stream->Write("abc", 3); }), "1");
     EXPECT_EQ(stream->GetLength(), 3);
     EXPECT_EQ(stream->Tell(), 3);
 }
 
 TEST(MemStreamSinkTest, ACancelledReadHasDeliveredItsBytes) {
-    Owned<CancelSink> sink(new CancelSink(2));
-    Owned<IXStream> stream(new_StreamOnMemory(sink));
+    Reference<CancelSink> sink(new CancelSink(2));
+    Reference<IXStream> stream(new_StreamOnMemory(sink.Get()));
     stream->Write("abc", 3);
     stream->Seek(0, 0);
     char bytes[4] = {};
@@ -263,8 +263,8 @@ TEST(MemStreamSinkTest, ACancelledReadHasDeliveredItsBytes) {
 }
 
 TEST(MemStreamSinkTest, AReadAtTheEndDoesNotAskTheSink) {
-    Owned<CancelSink> sink(new CancelSink(1));
-    Owned<IXStream> stream(new_StreamOnMemory(sink));
+    Reference<CancelSink> sink(new CancelSink(1));
+    Reference<IXStream> stream(new_StreamOnMemory(sink.Get()));
     char byte;
     EXPECT_EQ(stream->Read(&byte, 1), 0);
     EXPECT_EQ(sink->polls, 0);
@@ -273,8 +273,8 @@ TEST(MemStreamSinkTest, AReadAtTheEndDoesNotAskTheSink) {
 }
 
 TEST(MemStreamSinkTest, TypedOperationsAskOnceAndSeeksNever) {
-    Owned<CancelSink> sink(new CancelSink(0));
-    Owned<IXStream> stream(new_StreamOnMemory(sink));
+    Reference<CancelSink> sink(new CancelSink(0));
+    Reference<IXStream> stream(new_StreamOnMemory(sink.Get()));
     stream->WriteLong(1);
     stream->WriteString("ab");
     EXPECT_EQ(sink->polls, 2);
@@ -291,7 +291,7 @@ TEST(MemStreamSinkTest, TypedOperationsAskOnceAndSeeksNever) {
 }
 
 TEST(EmptyStreamTest, ReadFillsWithZerosAndAnswersOne) {
-    Owned<IXStream> stream(new_EmptyStream());
+    Reference<IXStream> stream(new_EmptyStream());
     std::string bytes(100, 'x');
     EXPECT_EQ(stream->Read(bytes.data(), 100), 1);
     EXPECT_EQ(bytes, std::string(100, '\0'));
@@ -300,14 +300,14 @@ TEST(EmptyStreamTest, ReadFillsWithZerosAndAnswersOne) {
 }
 
 TEST(EmptyStreamTest, ItsLengthIsOne) {
-    Owned<IXStream> stream(new_EmptyStream());
+    Reference<IXStream> stream(new_EmptyStream());
     EXPECT_EQ(stream->GetLength(), 1);
     stream->Write("abcdef", 6);
     EXPECT_EQ(stream->GetLength(), 1);
 }
 
 TEST(EmptyStreamTest, SeeksAreClampedToOneByte) {
-    Owned<IXStream> stream(new_EmptyStream());
+    Reference<IXStream> stream(new_EmptyStream());
     EXPECT_EQ(stream->Seek(5, 0), 1);
     EXPECT_EQ(stream->Tell(), 1);
     EXPECT_EQ(stream->Seek(-1, 1), 0);
@@ -317,7 +317,7 @@ TEST(EmptyStreamTest, SeeksAreClampedToOneByte) {
 }
 
 TEST(EmptyStreamTest, TypedReadsAnswerZeroAndStay) {
-    Owned<IXStream> stream(new_EmptyStream());
+    Reference<IXStream> stream(new_EmptyStream());
     stream->Seek(1, 0);
     EXPECT_EQ(stream->ReadByte(), 0);
     EXPECT_EQ(stream->ReadShort(), 0);
@@ -327,14 +327,14 @@ TEST(EmptyStreamTest, TypedReadsAnswerZeroAndStay) {
 }
 
 TEST(EmptyStreamTest, AStringIsEmptyAndCountsOne) {
-    Owned<IXStream> stream(new_EmptyStream());
+    Reference<IXStream> stream(new_EmptyStream());
     char text[4] = "---";
     EXPECT_EQ(stream->ReadString(text, 0), 1);
     EXPECT_EQ(std::string(text, 4), Bytes({0, '-', '-', 0}));
 }
 
 TEST(EmptyStreamTest, AVariantIsClearedAndCountsAsRead) {
-    Owned<IXStream> stream(new_EmptyStream());
+    Reference<IXStream> stream(new_EmptyStream());
     CQXVariant variant("text");
     EXPECT_EQ(stream->ReadVariant(&variant), 1);
     EXPECT_EQ(variant.type, QXVT_EMPTY);
@@ -342,7 +342,7 @@ TEST(EmptyStreamTest, AVariantIsClearedAndCountsAsRead) {
 }
 
 TEST(EmptyStreamTest, WritesDoNothing) {
-    Owned<IXStream> stream(new_EmptyStream());
+    Reference<IXStream> stream(new_EmptyStream());
     CQXVariant variant(5);
     stream->WriteByte(1);
     stream->WriteShort(1);
@@ -365,48 +365,48 @@ TEST_F(MemStreamTest, AWriteFromItsOwnBlockMayGrowIt) {
         stream->Write(block->GetData(), stream->GetLength());
         bytes += bytes;
     }
-    EXPECT_TRUE(BytesOf(stream) == bytes);
+    EXPECT_TRUE(BytesOf(stream.Get()) == bytes);
 }
 
 TEST_F(MemStreamTest, AWriteFromItsOwnBlockMayOverlapWhatItReads) {
     for (int from : {0, 3}) {
         stream->Seek(0, 0);
-        Fill(stream, "0123456789");
+        Fill(stream.Get(), "0123456789");
         stream->Seek(3 - from, 0);
         stream->Write(static_cast<char*>(block->GetData()) + from, 6);
-        EXPECT_EQ(BytesOf(stream), from ? "3456786789" : "0120123459");
+        EXPECT_EQ(BytesOf(stream.Get()), from ? "3456786789" : "0120123459");
     }
 }
 
 TEST_F(MemStreamTest, AReadIntoItsOwnBlockMayOverlapWhatItReads) {
-    Fill(stream, "0123456789");
+    Fill(stream.Get(), "0123456789");
     stream->Read(static_cast<char*>(block->GetData()) + 3, 6);
-    EXPECT_EQ(BytesOf(stream), "0120123459");
+    EXPECT_EQ(BytesOf(stream.Get()), "0120123459");
 }
 
 TEST_F(MemStreamTest, AStringWrittenFromItsOwnBlockMayGrowIt) {
     std::string text(4000, 't');
     stream->WriteString(text.c_str());
     stream->WriteString(static_cast<char*>(block->GetData()));
-    EXPECT_TRUE(BytesOf(stream) == text + '\0' + text + '\0');
+    EXPECT_TRUE(BytesOf(stream.Get()) == text + '\0' + text + '\0');
 }
 
 // Nothing of the stream is touched behind the answer.
 TEST(MemStreamSinkTest, ASinkMayLetGoOfTheStreamInItsAnswer) {
     struct Forgetful final : CQXUnknownImpl<IProgress> {
         int IsCancelled() override {
-            stream.Reset();
+            stream.Release();
             return stop;
         }
         void SetRange(int, int) override {}
-        Owned<IXStream> stream;
+        Reference<IXStream> stream;
         int stop = 0;
     };
     for (int stop : {0, 1}) {
         auto sink = new Forgetful;
         sink->stop = stop;
-        sink->stream.Reset(new_StreamOnMemory(sink));
-        IXStream* stream = sink->stream;
+        sink->stream = Reference<IXStream>(new_StreamOnMemory(sink));
+        IXStream* stream = sink->stream.Get();
         EXPECT_EQ(Thrown([&] { EXPECT_EQ(stream->Write("four", 4), 4); }), stop ? "1" : "nothing");
         EXPECT_EQ(sink->Release(), 0u);
     }

@@ -15,7 +15,7 @@ template <class Kind>
 class EveryStreamTest : public testing::Test {
 protected:
     Kind kind;
-    IXStream* stream = kind.stream;
+    IXStream* stream = kind.stream.Get();
 };
 using AllKinds = testing::Types<MemoryKind, ElementKind, WrapperKind, EmptyKind>;
 TYPED_TEST_SUITE(EveryStreamTest, AllKinds);

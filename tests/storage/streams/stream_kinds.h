@@ -10,27 +10,7 @@
 #include <initializer_list>
 #include <string>
 
-// Releases at the end of its scope.
-template <class T>
-class Owned {
-public:
-    explicit Owned(T* object = nullptr) : m_object(object) {}
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
-    ~Owned() { Reset(); }
-
-    void Reset(T* object = nullptr) {
-        if (m_object) m_object->Release();
-        m_object = object;
-    }
-    T* Get() const { return m_object; }
-    T* operator->() const { return m_object; }
-    operator T*() const { return m_object; }
-    T** Out() { return &m_object; }
-
-private:
-    T* m_object;
-};
+using qx::Reference;
 
 // The count, read without changing it.
 template <class T>
@@ -42,14 +22,14 @@ unsigned CountOf(T* object) {
 struct MemoryKind {
     static constexpr const char* kName = "Memory stream";
     static constexpr bool kReadCounts = true;  // Read answers a count, not a success flag
-    Owned<IXStream> stream{new_StreamOnMemory()};
+    Reference<IXStream> stream{new_StreamOnMemory()};
 };
 
 struct ElementKind {
     static constexpr const char* kName = "element";
     static constexpr bool kReadCounts = true;
-    Owned<IXStorage> storage{new_Storage(nullptr, 0)};
-    Owned<IXStream> stream{storage->CreateStream("element")};
+    Reference<IXStorage> storage{new_Storage(nullptr, 0)};
+    Reference<IXStream> stream{storage->CreateStream("element")};
 };
 
 struct WrapperKind {
@@ -58,15 +38,15 @@ struct WrapperKind {
     WrapperKind() {
         IStream* ole = nullptr;
         CreateStreamOnHGlobal(nullptr, TRUE, &ole);
-        stream.Reset(new_StreamByOleStream(ole));
+        stream = Reference<IXStream>(new_StreamByOleStream(ole));
         ole->Release();
     }
-    Owned<IXStream> stream;
+    Reference<IXStream> stream;
 };
 
 struct EmptyKind {
     static constexpr const char* kName = "Empty stream";
-    Owned<IXStream> stream{new_EmptyStream()};
+    Reference<IXStream> stream{new_EmptyStream()};
 };
 
 // The bytes from the start to the end. The position ends up behind them.

@@ -91,7 +91,7 @@ protected:
     }
 
     Kind kind;
-    IXStream* stream = kind.stream;
+    IXStream* stream = kind.stream.Get();
 };
 using Kinds = testing::Types<MemoryKind, ElementKind, WrapperKind>;
 TYPED_TEST_SUITE(StreamVariantTest, Kinds);
@@ -284,7 +284,7 @@ TYPED_TEST(StreamVariantTest, AVariantCutOffByTheEndCountsAsReadWhenItsLastReadD
         for (size_t cut = 2; cut < row.wire.size(); ++cut) {
             SCOPED_TRACE(std::string(row.what) + " cut at " + std::to_string(cut));
             TypeParam fresh;
-            Fill(fresh.stream, row.wire.substr(0, cut));
+            Fill(fresh.stream.Get(), row.wire.substr(0, cut));
             CQXVariant variant;
             EXPECT_EQ(fresh.stream->ReadVariant(&variant), cut > payload && TypeParam::kReadCounts);
             EXPECT_EQ(variant.type, row.value.type);

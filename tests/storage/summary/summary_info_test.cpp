@@ -34,8 +34,8 @@ protected:
         return properties->SetProperty(name, value);
     }
 
-    Owned<IXStorage> storage{new_Storage(nullptr, 0)};
-    Owned<IQXProperty> properties{PropertiesOf(storage)};
+    Reference<IXStorage> storage{new_Storage(nullptr, 0)};
+    Reference<IQXProperty> properties{PropertiesOf(storage.Get())};
 };
 
 const List kNames = {"App name", "Author",      "Category", "Comments", "Company",
@@ -124,7 +124,7 @@ struct RawSets {
 }  // namespace
 
 TEST_F(SummaryInfoTest, EachQueryAnswersANewObject) {
-    Owned<IQXProperty> other(PropertiesOf(storage));
+    Reference<IQXProperty> other(PropertiesOf(storage.Get()));
     EXPECT_NE(other.Get(), properties.Get());
     EXPECT_EQ(CountOf(other.Get()), 1u);
     EXPECT_EQ(CountOf(storage.Get()), 1u);
@@ -146,39 +146,39 @@ TEST_F(SummaryInfoTest, AnswersItsTwoIdentities) {
 }
 
 TEST_F(SummaryInfoTest, AFreshDocumentHasNoTitleAndTheValueStays) {
-    EXPECT_EQ(Get(properties, "Title"), "0 (unchanged)");
+    EXPECT_EQ(Get(properties.Get(), "Title"), "0 (unchanged)");
 }
 
 TEST_F(SummaryInfoTest, SettingTheTitleMakesTheSet) {
-    EXPECT_EQ(RawSets(storage).Read(FMTID_SummaryInformation, 2), "(no set)");
-    EXPECT_EQ(Set(properties, "Title", "A plan"), 1);
-    EXPECT_EQ(Get(properties, "Title"), "1 A plan");
-    EXPECT_EQ(RawSets(storage).Read(FMTID_SummaryInformation, 2), "A plan");
+    EXPECT_EQ(RawSets(storage.Get()).Read(FMTID_SummaryInformation, 2), "(no set)");
+    EXPECT_EQ(Set(properties.Get(), "Title", "A plan"), 1);
+    EXPECT_EQ(Get(properties.Get(), "Title"), "1 A plan");
+    EXPECT_EQ(RawSets(storage.Get()).Read(FMTID_SummaryInformation, 2), "A plan");
 }
 
 TEST_F(SummaryInfoTest, EachNameLandsInItsSetUnderItsId) {
     for (const NameRow& row : kRows) {
         std::string text = std::string("the ") + row.name;
-        EXPECT_EQ(Set(properties, row.name, text.c_str()), 1) << row.name;
-        EXPECT_EQ(RawSets(storage).Read(*row.set, row.id), text);
+        EXPECT_EQ(Set(properties.Get(), row.name, text.c_str()), 1) << row.name;
+        EXPECT_EQ(RawSets(storage.Get()).Read(*row.set, row.id), text);
     }
     for (const NameRow& row : kRows)
-        EXPECT_EQ(Get(properties, row.name), std::string("1 the ") + row.name);
+        EXPECT_EQ(Get(properties.Get(), row.name), std::string("1 the ") + row.name);
 }
 
 TEST_F(SummaryInfoTest, ASecondTextReplacesTheFirst) {
-    Set(properties, "Author", "First");
-    EXPECT_EQ(Set(properties, "Author", "Second, longer"), 1);
-    EXPECT_EQ(Get(properties, "Author"), "1 Second, longer");
+    Set(properties.Get(), "Author", "First");
+    EXPECT_EQ(Set(properties.Get(), "Author", "Second, longer"), 1);
+    EXPECT_EQ(Get(properties.Get(), "Author"), "1 Second, longer");
 }
 
 TEST_F(SummaryInfoTest, AnEmptyTextIsRefusedAndChangesNothing) {
-    EXPECT_EQ(Set(properties, "Title", ""), 0);
-    EXPECT_EQ(RawSets(storage).Read(FMTID_SummaryInformation, 2), "(no set)");
-    Set(properties, "Title", "kept");
-    EXPECT_EQ(Set(properties, "Title", ""), 0);
-    EXPECT_EQ(Set(properties, "Title", nullptr), 0);
-    EXPECT_EQ(Get(properties, "Title"), "1 kept");
+    EXPECT_EQ(Set(properties.Get(), "Title", ""), 0);
+    EXPECT_EQ(RawSets(storage.Get()).Read(FMTID_SummaryInformation, 2), "(no set)");
+    Set(properties.Get(), "Title", "kept");
+    EXPECT_EQ(Set(properties.Get(), "Title", ""), 0);
+    EXPECT_EQ(Set(properties.Get(), "Title", nullptr), 0);
+    EXPECT_EQ(Get(properties.Get(), "Title"), "1 kept");
 }
 
 TEST_F(SummaryInfoTest, AVariantThatIsNoTextIsRefused) {
@@ -188,26 +188,26 @@ TEST_F(SummaryInfoTest, AVariantThatIsNoTextIsRefused) {
 }
 
 TEST_F(SummaryInfoTest, AnUnknownNameAnswersZero) {
-    EXPECT_EQ(Set(properties, "Colour", "red"), 0);
-    EXPECT_EQ(Get(properties, "Colour"), "0 (unchanged)");
-    EXPECT_EQ(Get(properties, "title"), "0 (unchanged)");
-    EXPECT_EQ(Get(properties, ""), "0 (unchanged)");
+    EXPECT_EQ(Set(properties.Get(), "Colour", "red"), 0);
+    EXPECT_EQ(Get(properties.Get(), "Colour"), "0 (unchanged)");
+    EXPECT_EQ(Get(properties.Get(), "title"), "0 (unchanged)");
+    EXPECT_EQ(Get(properties.Get(), ""), "0 (unchanged)");
 }
 
 TEST_F(SummaryInfoTest, APropertyOfAnotherTypeIsNoText) {
-    RawSets(storage).WriteNumber(FMTID_SummaryInformation, 2, 7);
-    EXPECT_EQ(Get(properties, "Title"), "0 (unchanged)");
+    RawSets(storage.Get()).WriteNumber(FMTID_SummaryInformation, 2, 7);
+    EXPECT_EQ(Get(properties.Get(), "Title"), "0 (unchanged)");
 }
 
 TEST_F(SummaryInfoTest, ASetThatIsOpenElsewhereAnswersZero) {
-    Set(properties, "Title", "T");
-    RawSets raw(storage);
+    Set(properties.Get(), "Title", "T");
+    RawSets raw(storage.Get());
     IPropertyStorage* set = nullptr;
     ASSERT_EQ(raw.sets->Open(FMTID_SummaryInformation, STGM_READ | STGM_SHARE_EXCLUSIVE, &set),
               S_OK);
-    EXPECT_EQ(Get(properties, "Title"), "0 (unchanged)");
+    EXPECT_EQ(Get(properties.Get(), "Title"), "0 (unchanged)");
     set->Release();
-    EXPECT_EQ(Get(properties, "Title"), "1 T");
+    EXPECT_EQ(Get(properties.Get(), "Title"), "1 T");
 }
 
 TEST_F(SummaryInfoTest, TheKnownNamesAreEnumerated) {
@@ -215,28 +215,28 @@ TEST_F(SummaryInfoTest, TheKnownNamesAreEnumerated) {
 }
 
 TEST_F(SummaryInfoTest, RemoveNameMakesItUnknownForThisObjectOnly) {
-    Set(properties, "Title", "T");
+    Set(properties.Get(), "Title", "T");
     EXPECT_EQ(properties->RemoveName("Title"), 1);
     EXPECT_EQ(properties->RemoveName("Title"), 0);
-    EXPECT_EQ(Get(properties, "Title"), "0 (unchanged)");
-    EXPECT_EQ(Set(properties, "Title", "new"), 0);
-    Owned<IQXProperty> other(PropertiesOf(storage));
-    EXPECT_EQ(Get(other, "Title"), "1 T");
+    EXPECT_EQ(Get(properties.Get(), "Title"), "0 (unchanged)");
+    EXPECT_EQ(Set(properties.Get(), "Title", "new"), 0);
+    Reference<IQXProperty> other(PropertiesOf(storage.Get()));
+    EXPECT_EQ(Get(other.Get(), "Title"), "1 T");
 }
 
 TEST_F(SummaryInfoTest, WithoutNamesNothingIsKnownOrEnumerated) {
-    Owned<CTEnum<const char*>> before(properties->EnumNames());
+    Reference<CTEnum<const char*>> before(properties->EnumNames());
     properties->RemoveAllNames();
     EXPECT_EQ(properties->EnumNames(), nullptr);
-    EXPECT_EQ(Set(properties, "Title", "T"), 0);
+    EXPECT_EQ(Set(properties.Get(), "Title", "T"), 0);
     EXPECT_EQ(properties->RemoveName("Author"), 0);
     const char* name;
     EXPECT_EQ(before->Next(1, &name, nullptr), 0);
 }
 
 TEST_F(SummaryInfoTest, AnEnumeratorOutlivesItsObjectAndIsEmptyThen) {
-    Owned<CTEnum<const char*>> names(properties->EnumNames());
-    properties.Reset();
+    Reference<CTEnum<const char*>> names(properties->EnumNames());
+    properties.Release();
     const char* name;
     unsigned fetched = 9;
     EXPECT_EQ(names->Next(1, &name, &fetched), 0);
@@ -249,45 +249,45 @@ TEST_F(SummaryInfoTest, TheReservedOperationsDoNothing) {
 }
 
 TEST_F(SummaryInfoTest, ThePropertiesOutliveTheStorageObject) {
-    storage.Reset();
-    EXPECT_NO_THROW(Get(properties, "Title"));
+    storage.Release();
+    EXPECT_NO_THROW(Get(properties.Get(), "Title"));
 }
 
 TEST_F(SummaryInfoTest, AValueReachesTheFileWithTheStoragesCommit) {
     std::string path = Path("doc.stg");
     {
-        Owned<IXStorage> document(new_Storage(path.c_str(), 0));
-        Owned<IQXProperty> all(PropertiesOf(document));
-        EXPECT_EQ(Set(all, "Company", "Ours"), 1);
+        Reference<IXStorage> document(new_Storage(path.c_str(), 0));
+        Reference<IQXProperty> all(PropertiesOf(document.Get()));
+        EXPECT_EQ(Set(all.Get(), "Company", "Ours"), 1);
     }
     {
-        Owned<IXStorage> document(open_Storage(path.c_str(), 0));
-        Owned<IQXProperty> all(PropertiesOf(document));
-        EXPECT_EQ(Get(all, "Company"), "1 Ours");
-        EXPECT_EQ(Set(all, "Company", "Dropped"), 1);
-        all.Reset();
+        Reference<IXStorage> document(open_Storage(path.c_str(), 0));
+        Reference<IQXProperty> all(PropertiesOf(document.Get()));
+        EXPECT_EQ(Get(all.Get(), "Company"), "1 Ours");
+        EXPECT_EQ(Set(all.Get(), "Company", "Dropped"), 1);
+        all.Release();
         static_cast<CStorage*>(document.Get())->Revert();
     }
-    Owned<IXStorage> document(open_Storage(path.c_str(), 1));
-    Owned<IQXProperty> all(PropertiesOf(document));
-    EXPECT_EQ(Get(all, "Company"), "1 Ours");
-    EXPECT_EQ(Set(all, "Company", "refused"), 0);
+    Reference<IXStorage> document(open_Storage(path.c_str(), 1));
+    Reference<IQXProperty> all(PropertiesOf(document.Get()));
+    EXPECT_EQ(Get(all.Get(), "Company"), "1 Ours");
+    EXPECT_EQ(Set(all.Get(), "Company", "refused"), 0);
 }
 
 TEST(SummaryInfoWithoutSetsTest, AStorageThatRefusesKnowsNoNames) {
     FakeStorage ole;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-    Owned<IQXProperty> properties(PropertiesOf(storage));
-    ExpectNoProperties(properties);
+    Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
+    Reference<IQXProperty> properties(PropertiesOf(storage.Get()));
+    ExpectNoProperties(properties.Get());
     EXPECT_EQ(properties->RemoveName("Title"), 0);
     EXPECT_EQ(Names(properties->EnumNames()), List{});
 }
 
 TEST(SummaryInfoFailureTest, AnExceptionOfTheSetsIsAnsweredByZero) {
     StorageWithThrowingSets ole;
-    Owned<IXStorage> storage(new_StorageByOleStorage(&ole));
-    Owned<IQXProperty> properties(PropertiesOf(storage));
-    ExpectNoProperties(properties);
-    properties.Reset();
+    Reference<IXStorage> storage(new_StorageByOleStorage(&ole));
+    Reference<IQXProperty> properties(PropertiesOf(storage.Get()));
+    ExpectNoProperties(properties.Get());
+    properties.Release();
     EXPECT_EQ(ole.sets.references, 1u);
 }
