@@ -28,6 +28,7 @@ class Runner:
         self.top, self.tool = top, binaries / "qxtranslate.exe"
         self.out = top / "build" / "end_to_end"
         self.out.mkdir(parents=True, exist_ok=True)
+        subprocess.run([top / "scripts/wine-prefix", top / "build/wine"], check=True)
         subprocess.run([top / "scripts/make-locale", LOCALE, top / "build/locales"], check=True)
 
     def run(self, *words, language="C"):
