@@ -3,6 +3,8 @@
 #include "file/platform/file_error.h"
 #include "file/platform/temp_name.h"
 
+#include <cassert>
+
 namespace qx {
 
 namespace {
@@ -71,6 +73,7 @@ void CXFile::MapFirst(int flags) {
 
 // REQUIRES: nothing is mapped. Length 0 is the file's own.
 bool CXFile::CreateMapping(uint64_t length) {
+    assert(!m_view);
     DWORD protection = m_mode == QXOP_READ ? PAGE_READONLY : PAGE_READWRITE;
     m_mapping = KernelHandle(CreateFileMappingA(m_file.Get(), nullptr, protection,
                                                 DWORD(length >> 32), DWORD(length), nullptr));

@@ -4,6 +4,7 @@
 
 #include <qxcore/platform.h>
 
+#include <cassert>
 #include <utility>
 
 namespace qx {
@@ -46,6 +47,7 @@ public:
     unsigned char* Base() const { return m_base; }
     // REQUIRES: nothing is mapped.
     bool Map(const KernelHandle& mapping, DWORD access, unsigned long long offset, size_t length) {
+        assert(!m_base);
         m_base = static_cast<unsigned char*>(
             MapViewOfFile(mapping.Get(), access, DWORD(offset >> 32), DWORD(offset), length));
         return m_base != nullptr;

@@ -1,6 +1,11 @@
 // One object shape for every kind of file: on a disk, in memory ("fmem::ADDRESS,SIZE"), behind a
-// URL.
+// URL (see <qxcore/url.h>).
 //
+//     qx::Reference<IXOutFile> file(Fio_OpenOut("letters.txt", 0));
+//     file->WriteString("Dear Sir");
+//     file->Commit();  // until then letters.txt is what it was
+//
+// Ownership: what opens a file gives the caller one reference, and the last Release closes it.
 // Failures are CXFileException; its `operation` is 1 on a file open for input and 2 on one open for
 // output. Threading: no object here locks; a file belongs to one thread at a time.
 #ifndef QXCORE_FILE_H
@@ -38,8 +43,8 @@ struct IXFile : IQXUnknown {
     // Reads up to and with the next line feed, at most count bytes, and puts a NUL behind what was
     // read. The answer leaves out the line feed, which stays in the buffer unless it was byte
     // number count: the NUL then takes its place. Where the file ends first, the cell behind the
-    // last byte keeps what it held and the NUL stands behind it. REQUIRES: the buffer has room for
-    // count + 1 bytes; count is positive.
+    // last byte keeps what it held and the NUL stands behind it. The buffer must have room for
+    // count + 1 bytes.
     virtual int ReadLine(char* buffer, int count) = 0;
     virtual void WriteByte(unsigned char value) = 0;
     virtual void WriteShort(unsigned short value) = 0;
@@ -69,14 +74,15 @@ QX_DECLARE_TYPEID(IXOutFile, ".?AUIXOutFile@@");
 
 // Opens a file; one reference for the caller. Null only when the heap gives no memory. A null path
 // makes a temporary file. The last Release closes; it raises code 2 when the file cannot be closed
-// or cut to its length.
+// or cut to its length. A URL is brought whole, and the call waits for it without a time-out.
 QXCORE_API IXFile* Fio_Open(const char* path, int flags);
 // Opens a file that replaces the target on Commit, through a temporary file in the target's
 // directory. QXFIO_KEEP starts with the old content, at its end. QXFIO_TEMPORARY loses the target:
 // Commit finds nothing to rename. A target that exists is locked (Fio_LockFile); Commit, or the
 // last Release without it, unlocks a target that exists then, so one that vanished meanwhile stays
 // locked. Null only when the heap gives no memory. A target that may not be written is CXException
-// code 9; a directory in which no temporary file can be made is CXException 9, 13, 7 or 2.
+// code 9; a directory in which no temporary file can be made is CXException 9, 13, 7 or 2. A URL
+// starts empty, and its Commit does not tell whether the server took the file.
 QXCORE_API IXOutFile* Fio_OpenOut(const char* path, int flags);
 
 // 1 when the path starts with "fmem::", in any case. Nothing looks at the rest.

@@ -2,8 +2,12 @@
 // here.
 //
 // Where a function sorts paths, memory files ("fmem::...") come first, then URLs, and the rest is
-// local. Failures are CXFileException with the path as name and the operation named at the
-// function. Threading: the lock functions belong to one thread of the program.
+// local. With a URL a function meets the server (see <qxcore/url.h>), and waits for it without a
+// time-out of its own; Fio_DeleteFile then does not tell whether the server did it.
+//
+// Errors: failures are CXFileException with the path as name and the operation named at the
+// function. Questions answer 1 or 0 and never raise. Threading: the lock functions belong to one
+// thread of the program.
 #ifndef QXCORE_FILEOPS_H
 #define QXCORE_FILEOPS_H
 
@@ -23,7 +27,8 @@ struct FioFileInfo {
     unsigned year;
 };
 
-// 1 when Fio_GetFileInfo has an answer. Never throws; a memory file always exists.
+// 1 when Fio_GetFileInfo has an answer. Never throws; a memory file always exists, and a server
+// that cannot be reached has no files.
 QXCORE_API int Fio_IsFileExist(const char* path);
 // A memory file gives its size only; the other fields stay as they are. QXOP_GET_INFORMATION.
 QXCORE_API void Fio_GetFileInfo(const char* path, FioFileInfo* info);
@@ -35,7 +40,7 @@ QXCORE_API void Fio_DeleteFile(const char* path);
 // QXOP_RENAME, with the old name.
 QXCORE_API void Fio_RenameFile(const char* from, const char* to);
 // Makes every missing level; a path that exists, or is null or empty, is done.
-// QXOP_CREATE_DIRECTORY.
+// QXOP_CREATE_DIRECTORY. Behind a URL one level only.
 QXCORE_API void Fio_CreateDirectory(const char* path);
 // An empty directory only. QXOP_DELETE_DIRECTORY.
 QXCORE_API void Fio_DeleteDirectory(const char* path);

@@ -103,7 +103,7 @@ TEST_F(FileAllocationTest, AnOpenFileNeedsNoMoreMemory) {
         file->Commit();
         EXPECT_FALSE(failing.Happened());
     }
-    file.reset();
+    file.Release();
     EXPECT_EQ(SizeOnDisk(path), 400000u);
 }
 

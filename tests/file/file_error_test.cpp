@@ -157,7 +157,7 @@ TEST_F(FileErrorTest, ADiskThatIsFullWhileAFileGrowsKeepsWhatWasWritten) {
         EXPECT_EQ(file->GetLength(), kChunk);
     }
     file->Write(text.data() + kChunk, 10);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")) == text, true);
 }
 
@@ -169,7 +169,7 @@ TEST_F(FileErrorTest, AFullDiskUnderOpenOutLeavesTheTargetAsItWas) {
         ReplacedImport failing("CreateFileMappingA", Address(&FailingCreateMapping));
         g_error = ERROR_DISK_FULL;
         EXPECT_EQ(FailureOf([&] { file->Write(text.data(), kChunk + 10); }).code, QXERR_DISK_FULL);
-        file.reset();
+        file.Release();
     }
     EXPECT_EQ(ContentOf(path), "old");
     EXPECT_EQ(Names(), std::vector<std::string>{"f"});
@@ -223,7 +223,7 @@ TEST_F(FileErrorTest, AnOutputFileThatCannotBeClosedWholeIsAbandonedByCommit) {
         EXPECT_EQ(FailureOf([&] { file->Commit(); }).code, QXERR_MEMORY);
     }
     file->Commit();
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(path), "old");
     EXPECT_EQ(Names(), std::vector<std::string>{"f"});
     EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
@@ -235,7 +235,7 @@ TEST_F(FileErrorTest, AnAbandonedFileThatCannotBeClosedWholeGoesAllTheSame) {
     file->WriteByte(1);
     ReplacedImport failing("SetEndOfFile", Address(&FailingCall));
     g_error = ERROR_DISK_FULL;
-    EXPECT_EQ(FailureOf([&] { file.reset(); }), Failure{});
+    EXPECT_EQ(FailureOf([&] { file.Release(); }), Failure{});
     EXPECT_EQ(Names(), std::vector<std::string>{"f"});
     EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
 }

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 #include <qxcore.h>
+#include <qxcore/reference.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -53,11 +53,8 @@ DWORD TryOpen(const std::string& path, DWORD access, DWORD sharing);
 // Text in which every position is recognised: no two of its 8-byte groups are alike.
 std::string Pattern(size_t size, unsigned seed = 1);
 
-struct ReleaseFile {
-    void operator()(IXFile* file) const { file->Release(); }
-};
-using File = std::unique_ptr<IXFile, ReleaseFile>;
-using OutFile = std::unique_ptr<IXOutFile, ReleaseFile>;
+using File = qx::Reference<IXFile>;
+using OutFile = qx::Reference<IXOutFile>;
 
 inline File Open(const std::string& path, int flags = 0) {
     return File(Fio_Open(path.c_str(), flags));

@@ -7,7 +7,7 @@ namespace {
 
 class FileOpsTest : public FileTest {};
 
-constexpr Failure kNone;
+const Failure kNone;
 
 }  // namespace
 
@@ -205,7 +205,7 @@ TEST_F(FileOpsTest, OnlyTheReadOnlyAttributeMakesAFileNotWritable) {
     EXPECT_EQ(Fio_IsWritableFile(nullptr), 1);
     File held = Open(path, QXFIO_OUTPUT);
     EXPECT_EQ(Fio_IsWritableFile(path.c_str()), 1);
-    held.reset();
+    held.Release();
     SetReadOnly(path, true);
     EXPECT_EQ(Fio_IsWritableFile(path.c_str()), 0);
 }

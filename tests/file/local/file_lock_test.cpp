@@ -105,13 +105,13 @@ TEST_F(FileLockTest, OpeningALockedFileLiftsTheLockForTheLifeOfTheFile) {
     File file = Open(path, QXFIO_OUTPUT | QXFIO_KEEP);
     file->WriteByte('X');
     EXPECT_EQ(Count(path), 1);
-    file.reset();
+    file.Release();
     EXPECT_TRUE(IsHeld(path));
     EXPECT_EQ(ContentOf(path), "Xbc");
 
     file = Open(path);
     EXPECT_FALSE(IsHeld(path));
-    file.reset();
+    file.Release();
     EXPECT_TRUE(IsHeld(path));
     Unlock(path);
 }

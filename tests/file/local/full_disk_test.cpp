@@ -67,14 +67,14 @@ TEST_F(FullDiskTest, ADiskThatFillsUpWhileSavingLosesNothing) {
         OutFile file;
         Failure failure = FailureOf([&] {
             file = OpenOut(kDocument);
-            Save(*file, content);
+            Save(*file.Get(), content);
         });
         // Wine extends a file by a hole, which may then have no page for a byte; Windows refuses to
         // extend it.
         EXPECT_TRUE(failure.code == QXERR_DISK_FULL || failure.code == QXERR_DEVICE)
             << failure.code;
         EXPECT_EQ(failure.operation, 2);
-        file.reset();
+        file.Release();
         FreeDisk();
         EXPECT_EQ(ContentOf(kDocument) == m_old, true);
         EXPECT_EQ(Names(), std::vector<std::string>{"document"});
@@ -85,10 +85,10 @@ TEST_F(FullDiskTest, OnceThereIsRoomTheSameFileGoesOn) {
     FillDisk(kChunk + 8192);
     std::string content = Pattern(600000, 3);
     OutFile file = OpenOut(kDocument);
-    EXPECT_NE(FailureOf([&] { Save(*file, content); }).code, 0);
+    EXPECT_NE(FailureOf([&] { Save(*file.Get(), content); }).code, 0);
     FreeDisk();
     file->Seek(0, 0);
-    Save(*file, content);
+    Save(*file.Get(), content);
     EXPECT_EQ(ContentOf(kDocument) == content, true);
 }
 

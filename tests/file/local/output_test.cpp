@@ -21,7 +21,7 @@ TEST_F(OutputTest, TenBytesLieInAFileOfOneChunkUntilTheLastRelease) {
     file->Write("0123456789", 10);
     EXPECT_GE(SizeOnDisk(Path("f")), kChunk);
     EXPECT_EQ(file->GetLength(), 10u);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), "0123456789");
 }
 
@@ -50,8 +50,8 @@ TEST_F(OutputTest, AWriteAcrossTheChunksLandsWhole) {
     file->Write(text.data(), unsigned(text.size()));
     EXPECT_EQ(file->Tell(), text.size() + 1);
     EXPECT_EQ(SizeOnDisk(Path("f")) % kChunk, 0u);
-    EXPECT_EQ(ReadBack(*file), ">" + text);
-    file.reset();
+    EXPECT_EQ(ReadBack(*file.Get()), ">" + text);
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), ">" + text);
 }
 
@@ -65,7 +65,7 @@ TEST_F(OutputTest, AFileOfExactlyOneChunkNeedsNoSecond) {
     EXPECT_EQ(SizeOnDisk(Path("f")), kChunk);
     file->WriteByte('x');
     EXPECT_EQ(SizeOnDisk(Path("f")), 2 * kChunk);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), text + "x");
 }
 
@@ -77,7 +77,7 @@ TEST_F(OutputTest, TypedWritesPutLittleEndianBytes) {
     file->WriteDouble(-2.5);
     file->WriteString("text");
     file->WriteString("");
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), std::string("\x81\x02\x83\x04\x05\x06\x87"
                                                 "\0\0\0\0\0\0\x04\xC0"
                                                 "text\0"
@@ -104,7 +104,7 @@ TEST_F(OutputTest, AnOverwriteInTheMiddleKeepsTheLength) {
     file->Write("xyz", 3);
     EXPECT_EQ(file->GetLength(), 10u);
     EXPECT_EQ(file->Tell(), 6u);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), "012xyz6789");
 }
 
@@ -117,7 +117,7 @@ TEST_F(OutputTest, ASeekBehindTheEndIsAcceptedAndTheGapReadsAsZeros) {
     EXPECT_EQ(file->Read(&byte, 1), 0u);
     file->Write("cd", 2);
     EXPECT_EQ(file->GetLength(), 2 * kChunk + 7u);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), "ab" + std::string(2 * kChunk + 3, '\0') + "cd");
 }
 
@@ -138,7 +138,7 @@ TEST_F(OutputTest, AWriteWhereNoFileCanReachIsAFailureAndTheFileGoesOn) {
     EXPECT_EQ(file->GetLength(), 2u);
     file->Seek(0, 2);
     file->WriteByte('c');
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), "abc");
 }
 
@@ -150,7 +150,7 @@ TEST_F(OutputTest, KeepLeavesWhatExistsAndStartsAtItsBeginning) {
     file->Write("ab", 2);
     file->Seek(0, 2);
     file->Write("cd", 2);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), "ab23456789cd");
 }
 
@@ -162,7 +162,7 @@ TEST_F(OutputTest, KeepOnALongFileChangesOnlyWhatIsWritten) {
     file->WriteShort(0x4241);
     file->Seek(0, 0);
     file->WriteByte('!');
-    file.reset();
+    file.Release();
     text.replace(2 * kChunk - 1, 2, "AB");
     text[0] = '!';
     EXPECT_EQ(ContentOf(Path("f")), text);
@@ -178,7 +178,7 @@ TEST_F(OutputTest, ATemporaryFileGoesWhenItIsClosed) {
     File file = Open(Path("f"), QXFIO_OUTPUT | QXFIO_TEMPORARY);
     file->WriteLong(1);
     EXPECT_TRUE(Exists(Path("f")));
-    file.reset();
+    file.Release();
     EXPECT_FALSE(Exists(Path("f")));
 }
 
@@ -207,7 +207,7 @@ TEST_F(OutputTest, ABadSourceIsADeviceFailureInEveryWidthAndTheLengthStays) {
             << width;
     }
     EXPECT_EQ(file->Tell(), 2u);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), "ab");
 }
 
@@ -232,7 +232,7 @@ TEST_F(OutputTest, AFileOfMoreThanFourGibibytesIsReachedInItsFullLength) {
     EXPECT_EQ(file->GetLength(), kFar + 4);
     file->Seek(0, 0);
     file->WriteByte('<');
-    file.reset();
+    file.Release();
     EXPECT_EQ(SizeOnDisk(Path("f")), kFar + 4);
 
     FioFileInfo info = {};

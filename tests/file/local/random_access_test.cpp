@@ -44,7 +44,7 @@ TEST_F(RandomAccessTest, EveryWidthReadsAcrossEverySeam) {
                     if (before > seam || seam - before > size) continue;
                     unsigned at = seam - before;
                     file->Seek(at, 0);
-                    ASSERT_EQ(Take(*file, width) == Expected(copy, at, width), true)
+                    ASSERT_EQ(Take(*file.Get(), width) == Expected(copy, at, width), true)
                         << "size " << size << " at " << at << " width " << width;
                     ASSERT_EQ(file->Tell(), std::min(at + width, size));
                 }
@@ -98,7 +98,7 @@ TEST_F(RandomAccessTest, SequentialReadsInOddPiecesGiveTheWholeFile) {
     for (unsigned width : {3u, 1000u, 4096u, 65536u, 100003u}) {
         File file = Open(path);
         std::string all;
-        for (std::string part; !(part = Take(*file, width)).empty();) all += part;
+        for (std::string part; !(part = Take(*file.Get(), width)).empty();) all += part;
         EXPECT_EQ(all == copy, true) << width;
     }
 }
@@ -122,11 +122,11 @@ TEST_F(RandomAccessTest, ReadsAndWritesAtRandomAgreeWithAReferenceCopy) {
                          bytes.substr(0, at < copy.size() ? width : 0));
         } else {
             std::string expected = Expected(copy, at, width);
-            ASSERT_EQ(Take(*file, width) == expected, true)
+            ASSERT_EQ(Take(*file.Get(), width) == expected, true)
                 << "step " << step << " at " << at << " width " << width;
         }
         ASSERT_EQ(file->GetLength(), copy.size()) << "step " << step;
     }
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")) == copy, true);
 }

@@ -53,11 +53,11 @@ TEST_F(XFileTest, AnEmptyFileHasNothingToRead) {
 
 TEST_F(XFileTest, ReadAnswersWhatIsLeftAndThenNothing) {
     File file = Open(MakeFile("f", "abcdefg"));
-    EXPECT_EQ(ReadUpTo(*file, 0), "");
-    EXPECT_EQ(ReadUpTo(*file, 3), "abc");
+    EXPECT_EQ(ReadUpTo(*file.Get(), 0), "");
+    EXPECT_EQ(ReadUpTo(*file.Get(), 3), "abc");
     EXPECT_EQ(file->Tell(), 3u);
-    EXPECT_EQ(ReadUpTo(*file, 100), "defg");
-    EXPECT_EQ(ReadUpTo(*file, 100), "");
+    EXPECT_EQ(ReadUpTo(*file.Get(), 100), "defg");
+    EXPECT_EQ(ReadUpTo(*file.Get(), 100), "");
     EXPECT_EQ(file->Tell(), 7u);
 }
 
@@ -216,7 +216,7 @@ TEST_F(XFileTest, AFileOpenForInputTakesNoBytes) {
     EXPECT_EQ(FailureOf([&] { file->WriteString(""); }), refused);
     EXPECT_EQ(FailureOf([&] { file->Write("x", 0); }), Failure{});
     EXPECT_EQ(file->Tell(), 0u);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(path), "abc");
     File empty = Open(MakeFile("empty", ""));
     EXPECT_EQ(FailureOf([&] { empty->Write("x", 1); }).code, QXERR_DEVICE);
@@ -260,7 +260,7 @@ TEST_F(XFileTest, TheLookupKnowsIXFileAndTheRootOnly) {
     File file = Open(MakeFile("f", "abc"));
     IQXUnknown* out = nullptr;
     EXPECT_EQ(file->QueryInterface(qx_typeid<IXFile>(), &out), 1);
-    EXPECT_EQ(out, file.get());
+    EXPECT_EQ(out, file.Get());
     out->Release();
     EXPECT_EQ(file->QueryInterface(qx_typeid<IQXUnknown>(), &out), 1);
     out->Release();
@@ -280,8 +280,8 @@ TEST_F(XFileTest, SeveralReadersAndAForeignWriterShareTheFile) {
 TEST_F(XFileTest, BothAccessHintsReadTheSameBytes) {
     std::string text = Pattern(3 * kChunk + 5);
     std::string path = MakeFile("f", text);
-    EXPECT_EQ(ReadUpTo(*Open(path), 4 * kChunk), text);
-    EXPECT_EQ(ReadUpTo(*Open(path, QXFIO_RANDOM), 4 * kChunk), text);
+    EXPECT_EQ(ReadUpTo(*Open(path).Get(), 4 * kChunk), text);
+    EXPECT_EQ(ReadUpTo(*Open(path, QXFIO_RANDOM).Get(), 4 * kChunk), text);
 }
 
 // A page of the mapping whose bytes are gone raises the platform's in-page error.

@@ -15,7 +15,7 @@ void Put(IXFile& file, const std::string& text) {
 
 TEST_F(OutFileTest, CommitPutsANewFileInPlace) {
     OutFile file = OpenOut(Path("f"));
-    Put(*file, "new content");
+    Put(*file.Get(), "new content");
     EXPECT_FALSE(Exists(Path("f")));
     EXPECT_EQ(Names().size(), 1u);
     EXPECT_EQ(_strnicmp(Names()[0].c_str(), "QXP", 3), 0);  // three letters of the prefix are used
@@ -27,10 +27,10 @@ TEST_F(OutFileTest, CommitPutsANewFileInPlace) {
 TEST_F(OutFileTest, CommitReplacesTheTarget) {
     MakeFile("f", "old content, which is longer");
     OutFile file = OpenOut(Path("f"));
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     EXPECT_EQ(ContentOf(Path("f")), "old content, which is longer");
     file->Commit();
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), "new");
     EXPECT_EQ(Names(), std::vector<std::string>{"f"});
     EXPECT_EQ(Fio_LockCount(Path("f").c_str()), 0);
@@ -38,7 +38,7 @@ TEST_F(OutFileTest, CommitReplacesTheTarget) {
 
 TEST_F(OutFileTest, ASecondCommitDoesNothing) {
     OutFile file = OpenOut(Path("f"));
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     file->Commit();
     Overwrite(Path("f"), "changed since");
     file->Commit();
@@ -48,9 +48,9 @@ TEST_F(OutFileTest, ASecondCommitDoesNothing) {
 TEST_F(OutFileTest, ReleaseWithoutCommitLeavesTheTargetAndRemovesTheTemporary) {
     MakeFile("f", "old");
     OutFile file = OpenOut(Path("f"));
-    Put(*file, std::string(3 * kChunk, 'n'));
+    Put(*file.Get(), std::string(3 * kChunk, 'n'));
     EXPECT_EQ(Fio_LockCount(Path("f").c_str()), 1);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(Path("f")), "old");
     EXPECT_EQ(Names(), std::vector<std::string>{"f"});
     EXPECT_EQ(Fio_LockCount(Path("f").c_str()), 0);
@@ -59,8 +59,8 @@ TEST_F(OutFileTest, ReleaseWithoutCommitLeavesTheTargetAndRemovesTheTemporary) {
 
 TEST_F(OutFileTest, ReleaseWithoutCommitOfAMissingTargetLeavesNothing) {
     OutFile file = OpenOut(Path("f"));
-    Put(*file, "new");
-    file.reset();
+    Put(*file.Get(), "new");
+    file.Release();
     EXPECT_EQ(Names(), std::vector<std::string>{});
 }
 
@@ -70,7 +70,7 @@ TEST_F(OutFileTest, KeepStartsWithTheOldContentAndAppends) {
     OutFile file = OpenOut(Path("f"), QXFIO_KEEP);
     EXPECT_EQ(file->Tell(), old.size());
     EXPECT_EQ(file->GetLength(), old.size());
-    Put(*file, "appended");
+    Put(*file.Get(), "appended");
     file->Seek(0, 0);
     EXPECT_EQ(file->ReadByte(), static_cast<unsigned char>(old[0]));
     EXPECT_EQ(ContentOf(Path("f")) == old, true);
@@ -81,14 +81,14 @@ TEST_F(OutFileTest, KeepStartsWithTheOldContentAndAppends) {
 TEST_F(OutFileTest, KeepWithAMissingTargetStartsEmpty) {
     OutFile file = OpenOut(Path("f"), QXFIO_KEEP);
     EXPECT_EQ(file->GetLength(), 0u);
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     file->Commit();
     EXPECT_EQ(ContentOf(Path("f")), "new");
 }
 
 TEST_F(OutFileTest, AbandoningAKeptFileLeavesTheOldContent) {
     MakeFile("f", "old");
-    Put(*OpenOut(Path("f"), QXFIO_KEEP), "lost");
+    Put(*OpenOut(Path("f"), QXFIO_KEEP).Get(), "lost");
     EXPECT_EQ(ContentOf(Path("f")), "old");
     EXPECT_EQ(Names(), std::vector<std::string>{"f"});
 }
@@ -161,7 +161,7 @@ TEST_F(OutFileTest, APathWithoutDirectoryMakesItsTemporaryInTheCurrentOne) {
     SetCurrentDirectoryA(Directory().c_str());
     OutFile file = OpenOut("f");
     EXPECT_EQ(Names().size(), 1u);
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     file->Commit();
     SetCurrentDirectoryA(old);
     EXPECT_EQ(ContentOf(Path("f")), "new");
@@ -182,7 +182,7 @@ TEST_F(OutFileTest, AfterCommitTheLockOfOthersHoldsTheNewFile) {
     Fio_LockFile(path.c_str());
     OutFile file = OpenOut(path);
     EXPECT_EQ(Fio_LockCount(path.c_str()), 2);
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     file->Commit();
     EXPECT_EQ(Fio_LockCount(path.c_str()), 1);
     EXPECT_EQ(ContentOf(path), "new");
@@ -195,13 +195,13 @@ TEST_F(OutFileTest, AfterCommitTheLockOfOthersHoldsTheNewFile) {
 TEST_F(OutFileTest, ATargetThatAnotherProcessHoldsStaysAndTheNewContentStaysBesideIt) {
     std::string path = MakeFile("f", "old");
     OutFile file = OpenOut(path);
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     HANDLE other = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                0, nullptr);
     Failure failure = FailureOf([&] { file->Commit(); });
     EXPECT_EQ(failure, (Failure{QXERR_SHARING, QXOP_DELETE_FILE, path}));
     CloseHandle(other);
-    file.reset();
+    file.Release();
     EXPECT_EQ(ContentOf(path), "old");
     ASSERT_EQ(Names().size(), 2u);
     EXPECT_EQ(ContentOf(Path(Names()[0] == "f" ? Names()[1] : Names()[0])), "new");
@@ -211,7 +211,7 @@ TEST_F(OutFileTest, ATargetThatAnotherProcessHoldsStaysAndTheNewContentStaysBesi
 TEST_F(OutFileTest, ATargetThatVanishedIsMadeByCommitAndKeepsTheLockOfTheFile) {
     std::string path = MakeFile("f", "old");
     OutFile file = OpenOut(path);
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     Fio_ChangeNELock(path.c_str(), 1);
     DeleteFileA(path.c_str());
     file->Commit();
@@ -226,7 +226,7 @@ TEST_F(OutFileTest, ATargetThatVanishedKeepsTheLockOfAnAbandonedFileToo) {
     OutFile file = OpenOut(path);
     Fio_ChangeNELock(path.c_str(), 1);
     DeleteFileA(path.c_str());
-    file.reset();
+    file.Release();
     EXPECT_TRUE(Names().empty());
     EXPECT_EQ(Fio_LockCount(path.c_str()), 1);
     Fio_UnlockFile(path.c_str());
@@ -236,7 +236,7 @@ TEST_F(OutFileTest, ATargetThatAppearedIsReplacedAndLosesOneLock) {
     std::string path = Path("f");
     Fio_LockFile(path.c_str());
     OutFile file = OpenOut(path);
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     MakeFile("f", "of somebody else");
     file->Commit();
     EXPECT_EQ(ContentOf(path), "new");
@@ -249,7 +249,7 @@ TEST_F(OutFileTest, ATargetThatIsOpenElsewhereIsReplacedOnceItIsClosed) {
     HANDLE reader = CreateFileA(path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr);
     OutFile file = OpenOut(path);
     EXPECT_EQ(Fio_LockCount(path.c_str()), 0);
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     CloseHandle(reader);
     file->Commit();
     EXPECT_EQ(ContentOf(path), "new");
@@ -261,11 +261,11 @@ TEST_F(OutFileTest, ATargetThatIsOpenElsewhereIsReplacedOnceItIsClosed) {
 TEST_F(OutFileTest, TheTemporaryFlagLosesTheFileOnCommit) {
     MakeFile("f", "old");
     OutFile file = OpenOut(Path("f"), QXFIO_TEMPORARY);
-    Put(*file, "new");
+    Put(*file.Get(), "new");
     Failure failure = FailureOf([&] { file->Commit(); });
     EXPECT_EQ(failure.code, QXERR_NOT_FOUND);
     EXPECT_EQ(failure.operation, int(QXOP_RENAME));
-    file.reset();
+    file.Release();
     EXPECT_EQ(Names(), std::vector<std::string>{});
 }
 
@@ -273,7 +273,7 @@ TEST_F(OutFileTest, TheLookupKnowsIXOutFileAndTheRootOnly) {
     OutFile file = OpenOut(Path("f"));
     IQXUnknown* out = nullptr;
     EXPECT_EQ(file->QueryInterface(qx_typeid<IXOutFile>(), &out), 1);
-    EXPECT_EQ(out, file.get());
+    EXPECT_EQ(out, file.Get());
     out->Release();
     EXPECT_EQ(file->QueryInterface(qx_typeid<IQXUnknown>(), &out), 1);
     out->Release();

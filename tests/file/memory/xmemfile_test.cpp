@@ -48,7 +48,7 @@ TEST(MemFileTest, ThePrefixIsKnownInAnyCaseAndNothingElseIsLookedAt) {
     LowBlock block("abcd");
     std::string capitals = block.Path();
     capitals.replace(0, 6, "FMEM::");
-    EXPECT_EQ(ReadAll(*Open(capitals)), "abcd");
+    EXPECT_EQ(ReadAll(*Open(capitals).Get()), "abcd");
 }
 
 TEST(MemFileTest, AReadOfTenFromFourBytesAnswersFour) {
@@ -65,11 +65,11 @@ TEST(MemFileTest, AReadOfTenFromFourBytesAnswersFour) {
 TEST(MemFileTest, SeparatorsAreAnyMixOfCommasAndPoints) {
     LowBlock block("abcd");
     for (const char* separator : {",", ".", ",,", "..", ",.,.", ".,"}) {
-        EXPECT_EQ(ReadAll(*Open(block.Path(separator))), "abcd") << separator;
+        EXPECT_EQ(ReadAll(*Open(block.Path(separator)).Get()), "abcd") << separator;
     }
     std::string address = std::to_string(reinterpret_cast<size_t>(block.bytes));
-    EXPECT_EQ(ReadAll(*Open("fmem::,." + address + ",3.,7,x")), "abc");
-    EXPECT_EQ(ReadAll(*Open("fmem:: " + address + ", 3 bytes")), "abc");
+    EXPECT_EQ(ReadAll(*Open("fmem::,." + address + ",3.,7,x").Get()), "abc");
+    EXPECT_EQ(ReadAll(*Open("fmem:: " + address + ", 3 bytes").Get()), "abc");
 }
 
 TEST(MemFileTest, AMissingNumberLeavesAnEmptyFile) {
@@ -79,7 +79,7 @@ TEST(MemFileTest, AMissingNumberLeavesAnEmptyFile) {
           std::string("fmem::,.,"), std::string("fmem::x,y")}) {
         File file = Open(path);
         EXPECT_EQ(file->GetLength(), 0u) << path;
-        EXPECT_EQ(ReadAll(*file), "") << path;
+        EXPECT_EQ(ReadAll(*file.Get()), "") << path;
         EXPECT_STREQ(file->GetPath(), path.c_str());
     }
 }
@@ -145,13 +145,13 @@ TEST(MemFileTest, EverythingWrittenIsSilentlyLost) {
     EXPECT_EQ(file->Flush(), 1);
     file->Commit();
     file->Commit();
-    EXPECT_EQ(ReadAll(*file), "abcd");
+    EXPECT_EQ(ReadAll(*file.Get()), "abcd");
 }
 
 TEST(MemFileTest, TheFlagsMeanNothing) {
     LowBlock block("abcd");
-    EXPECT_EQ(ReadAll(*Open(block.Path(), QXFIO_OUTPUT)), "abcd");
-    EXPECT_EQ(ReadAll(*OpenOut(block.Path(), QXFIO_KEEP | QXFIO_TEMPORARY)), "abcd");
+    EXPECT_EQ(ReadAll(*Open(block.Path(), QXFIO_OUTPUT).Get()), "abcd");
+    EXPECT_EQ(ReadAll(*OpenOut(block.Path(), QXFIO_KEEP | QXFIO_TEMPORARY).Get()), "abcd");
 }
 
 // Though Fio_Open gives it as an IXFile, the lookup knows the interface it implements and the root.

@@ -15,7 +15,7 @@ protected:
     }
 };
 
-constexpr Failure kNone;
+const Failure kNone;
 const char* const kUnreachable = "ftp://127.0.0.2/name.txt";  // nothing listens there
 
 }  // namespace

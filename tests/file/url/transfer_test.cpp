@@ -140,3 +140,21 @@ TEST_F(TransferTest, TheCacheTakesUrlsOnly) {
     EXPECT_EQ(Fio_DownloadToCacheFile(""), nullptr);
     EXPECT_EQ(Fio_DownloadToCacheFile("c:\\name"), nullptr);
 }
+
+TEST_F(TransferTest, ALargeFileGoesThereAndBack) {
+#ifdef QXCORE_SLOW_BUILD
+    constexpr size_t kMegabytes = 5;
+#else
+    constexpr size_t kMegabytes = 100;
+#endif
+    std::string content;
+    content.reserve(kMegabytes << 20);
+    for (size_t i = 0; i < kMegabytes; ++i) content += Pattern(1 << 20, unsigned(i));
+    server.MakeDirectory("dir.d");
+    server.Put("dir.d\\large.bin", content);
+    std::string local = Path("local");
+    EXPECT_NE(Fio_DownloadToFile(Url("dir.d/large.bin"), local.c_str()), 0);
+    EXPECT_TRUE(ContentOf(local) == content);
+    EXPECT_NE(Fio_UrlPutFile(Url("dir.d/back.bin"), local.c_str()), 0);
+    EXPECT_TRUE(server.ContentOf("dir.d\\back.bin") == content);
+}

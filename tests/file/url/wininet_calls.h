@@ -15,6 +15,9 @@ public:
     ~WinInetCalls();
     WinInetCalls(const WinInetCalls&) = delete;
 
+    // From here on the calls go to the platform unseen.
+    void Stop() { m_replaced.clear(); }
+
     // Each call with its arguments, but for handles and buffers: "InternetOpenA(null, 0, null,
     // null, 0)".
     const std::vector<std::string>& Texts() const;

@@ -1,0 +1,121 @@
+// Files behind urls when memory runs out or a local copy cannot be closed, and what exceptions say.
+#include "file/url/ftp_fixture.h"
+#include "support/allocation_failure.h"
+
+namespace {
+
+class UrlFailureTest : public FtpTest {
+protected:
+    void SetUp() override {
+        calls.Stop();  // watching takes memory
+        server.MakeDirectory("dir.d");
+        server.Put("dir.d\\a.txt", "old");
+    }
+
+    // With each allocation failing, the operation raises CXMemException or answers "no".
+    template <class Act, class Check>
+    static unsigned FailEach(Act act, Check check) {
+        constexpr bool kMayDoWithout = true;
+        return FailEachAllocation([] { return 0; }, [&](int) { act(); }, [&](int) { check(); },
+                                  kMayDoWithout);
+    }
+    template <class Act>
+    static unsigned FailEach(Act act) {
+        return FailEach(act, [] {});
+    }
+};
+
+BOOL WINAPI FailingCall(HANDLE) {
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+}  // namespace
+
+TEST_F(UrlFailureTest, AUrlThatFindsNoMemoryForItsPartsChangesNothing) {
+    char* url = Url("dir.d/a.txt");
+    std::string before = url;
+    EXPECT_GT(FailEach([&] {
+                  CXString host, user, password, path;
+                  Fio_UrlCrack(url, host, user, password, path);
+              }),
+              0u);
+    EXPECT_EQ(url, before);
+}
+
+TEST_F(UrlFailureTest, TransfersThatFindNoMemoryLoseNothing) {
+    char* url = Url("dir.d/a.txt");
+    std::string local = Path("local");
+    EXPECT_GT(FailEach([&] { Fio_DownloadToFile(url, local.c_str()); }), 0u);
+    EXPECT_EQ(ContentOf(local), "old");
+    std::string fresh = MakeFile("fresh", "new");
+    EXPECT_GT(FailEach([&] { Fio_UrlPutFile(url, fresh.c_str()); }), 0u);
+    EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), "new");
+    EXPECT_EQ(server.Names("dir.d"), std::vector<std::string>{"a.txt"});
+}
+
+TEST_F(UrlFailureTest, QuestionsThatFindNoMemoryLeaveNothing) {
+    char* url = Url("dir.d/a.txt");
+    EXPECT_GT(FailEach([&] { Fio_IsFileExist(url); }), 0u);
+    EXPECT_GT(FailEach([&] { Fio_UrlIsWritableFile(url); }), 0u);
+    EXPECT_EQ(server.Names("dir.d"), std::vector<std::string>{"a.txt"});
+}
+
+TEST_F(UrlFailureTest, AUrlThatFindsNoMemoryToOpenIsNullAndLeavesNoFile) {
+    char* url = Url("dir.d/a.txt");
+    auto open = [&] {
+        File file(Fio_Open(url, 0));
+        if (!file) throw CXMemException();
+    };
+    EXPECT_GT(FailEach(open, [&] { EXPECT_TRUE(TempFiles().empty()); }), 0u);
+    RemoveTempFiles();  // of the opening that needed no more
+    EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), "old");
+}
+
+TEST_F(UrlFailureTest, SavingThatFindsNoMemoryLeavesTheOldFileOrTheNew) {
+    char* url = Url("dir.d/a.txt");
+    auto save = [&] {
+        OutFile file(Fio_OpenOut(url, 0));
+        if (!file) throw CXMemException();
+        file->Write("new", 3);
+        file->Commit();
+    };
+    auto check = [&] {
+        std::string content = server.ContentOf("dir.d\\a.txt");
+        EXPECT_TRUE(content == "old" || content == "new") << content;
+        server.Put("dir.d\\a.txt", "old");
+        RemoveTempFiles();
+    };
+    EXPECT_GT(FailEach(save, check), 0u);
+    EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), "new");
+}
+
+TEST_F(UrlFailureTest, WhatClosingTheLocalCopyRaisesReachesTheLastRelease) {
+    long before = LiveBlocks();
+    IXFile* file = Fio_UrlOpen(Url("dir.d/a.txt"), QXFIO_OUTPUT | QXFIO_KEEP);
+    {
+        ReplacedImport failing("SetEndOfFile", reinterpret_cast<void*>(&FailingCall));
+        Failure failure = FailureOf([&] { file->Release(); });
+        EXPECT_EQ(failure.code, QXERR_MEMORY);
+        EXPECT_EQ(failure.operation, QXOP_WRITE);
+    }
+    RemoveTempFiles();
+    EXPECT_LE(LiveBlocks(), before + 2);  // the texts of the failure
+}
+
+TEST_F(UrlFailureTest, APasswordStandsInNoExceptionButWhereTheUrlDoes) {
+    auto saysPassword = [](const Failure& failure) {
+        return failure.name.find("secret") != std::string::npos;
+    };
+    {
+        File file(Fio_UrlOpen(Url("dir.d/a.txt"), 0));
+        EXPECT_FALSE(saysPassword(FailureOf([&] { file->Seek(99, QXSEEK_START); })));
+        EXPECT_FALSE(saysPassword(FailureOf([&] { file->ReadDouble(); })));
+        OutFile out(Fio_UrlOpenOut(Url("dir.d/b.txt"), 0));
+        EXPECT_FALSE(saysPassword(FailureOf([&] { out->Seek(0, 9); })));
+        out->Commit();
+        EXPECT_FALSE(saysPassword(FailureOf([&] { out->Commit(); })));
+    }
+    EXPECT_FALSE(saysPassword(FailureOf([&] { Fio_UrlOpenOut(Url("a.txt"), 0); })));
+    RemoveTempFiles();
+}
