@@ -10,16 +10,21 @@ namespace qx {
 
 namespace {
 
-const char* NewTempFile(const char* url) {
-    const char* temp = Fio_GetTempFileName();
-    if (!*temp) RaiseFileError(url, QXOP_OPEN);
-    return temp;
-}
-
 void DeleteQuietly(const char* path) {
     try {
         Fio_DeleteFile(path);
     } catch (CXException&) {
+    }
+}
+
+CXString NewTempFile(const char* url) {
+    const char* temp = Fio_GetTempFileName();
+    if (!*temp) RaiseFileError(url, QXOP_OPEN);
+    try {
+        return temp;
+    } catch (...) {
+        DeleteQuietly(temp);
+        throw;
     }
 }
 

@@ -147,9 +147,10 @@ TEST_F(TransferTest, ALargeFileGoesThereAndBack) {
 #else
     constexpr size_t kMegabytes = 100;
 #endif
+    const std::string megabyte = Pattern(1 << 20);
     std::string content;
     content.reserve(kMegabytes << 20);
-    for (size_t i = 0; i < kMegabytes; ++i) content += Pattern(1 << 20, unsigned(i));
+    for (size_t i = 0; i < kMegabytes; ++i) content += std::to_string(i) + megabyte;
     server.MakeDirectory("dir.d");
     server.Put("dir.d\\large.bin", content);
     std::string local = Path("local");

@@ -43,21 +43,16 @@ TEST_F(UrlFailureTest, AUrlThatFindsNoMemoryForItsPartsChangesNothing) {
     EXPECT_EQ(url, before);
 }
 
-TEST_F(UrlFailureTest, TransfersThatFindNoMemoryLoseNothing) {
+TEST_F(UrlFailureTest, ADownloadThatFindsNoMemoryLosesNothing) {
     char* url = Url("dir.d/a.txt");
     std::string local = Path("local");
     EXPECT_GT(FailEach([&] { Fio_DownloadToFile(url, local.c_str()); }), 0u);
     EXPECT_EQ(ContentOf(local), "old");
-    std::string fresh = MakeFile("fresh", "new");
-    EXPECT_GT(FailEach([&] { Fio_UrlPutFile(url, fresh.c_str()); }), 0u);
-    EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), "new");
-    EXPECT_EQ(server.Names("dir.d"), std::vector<std::string>{"a.txt"});
 }
 
 TEST_F(UrlFailureTest, QuestionsThatFindNoMemoryLeaveNothing) {
     char* url = Url("dir.d/a.txt");
     EXPECT_GT(FailEach([&] { Fio_IsFileExist(url); }), 0u);
-    EXPECT_GT(FailEach([&] { Fio_UrlIsWritableFile(url); }), 0u);
     EXPECT_EQ(server.Names("dir.d"), std::vector<std::string>{"a.txt"});
 }
 
@@ -70,24 +65,6 @@ TEST_F(UrlFailureTest, AUrlThatFindsNoMemoryToOpenIsNullAndLeavesNoFile) {
     EXPECT_GT(FailEach(open, [&] { EXPECT_TRUE(TempFiles().empty()); }), 0u);
     RemoveTempFiles();  // of the opening that needed no more
     EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), "old");
-}
-
-TEST_F(UrlFailureTest, SavingThatFindsNoMemoryLeavesTheOldFileOrTheNew) {
-    char* url = Url("dir.d/a.txt");
-    auto save = [&] {
-        OutFile file(Fio_OpenOut(url, 0));
-        if (!file) throw CXMemException();
-        file->Write("new", 3);
-        file->Commit();
-    };
-    auto check = [&] {
-        std::string content = server.ContentOf("dir.d\\a.txt");
-        EXPECT_TRUE(content == "old" || content == "new") << content;
-        server.Put("dir.d\\a.txt", "old");
-        RemoveTempFiles();
-    };
-    EXPECT_GT(FailEach(save, check), 0u);
-    EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), "new");
 }
 
 TEST_F(UrlFailureTest, WhatClosingTheLocalCopyRaisesReachesTheLastRelease) {
