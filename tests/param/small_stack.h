@@ -6,15 +6,13 @@
 
 #include <functional>
 
-// Levels that no stack would hold a call for each of. Under guard pages each block of the heap
-// takes pages of its own.
+// Levels that no stack would hold a call for each of, and enough of them where each is walked
+// several times. Under guard pages each block of the heap takes pages of its own.
 #if defined(QXCORE_GUARD_HEAP)
-inline constexpr int kManyLevels = 4000;
+inline constexpr int kManyLevels = 1000, kTooManyCalls = 300;
 #else
-inline constexpr int kManyLevels = 100000;
+inline constexpr int kManyLevels = 100000, kTooManyCalls = 25000;
 #endif
-// Enough of them where each is walked several times.
-inline constexpr int kTooManyCalls = kManyLevels / 4;
 
 inline void OnSmallStack(const std::function<void()>& work, size_t stack = 128 * 1024) {
     auto run = [](void* work) -> DWORD {

@@ -288,6 +288,6 @@ TEST(DumpParamTest, AMissingEnumeratorIsAMissingInterface) {
 }
 
 TEST(DumpParamTest, ATreeOfAnyDepthIsWalked) {
-    ParamPtr tree = Chain(3000);
+    ParamPtr tree = Chain(kTooManyCalls);
     OnSmallStack([&] { Dump_Param(tree.get()); });
 }
