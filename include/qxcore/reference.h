@@ -17,8 +17,8 @@
 // on:
 //
 //     qx::Reference<IXFile> file(Fio_Open(path, QXFIO_RANDOM));
-//     WriteAll(file.Get());  // if this raises, the file is closed and the caller learns this
-//     failure file.Release();        // the caller learns that closing fails
+//     WriteAll(file.Get());  // what this raises reaches the caller; the file is closed
+//     file.Release();        // the caller learns that closing fails
 //
 // I is an interface derived from IQXUnknown, a class that implements one, or an interface of the
 // platform that has AddRef and Release. A Reference is as large as a pointer and, like what it

@@ -1,7 +1,5 @@
 #include "storage/document/doc_storage.h"
 
-#include "storage/document/doc_stream.h"
-
 #include <qxcore/document.h>
 
 #include <cassert>

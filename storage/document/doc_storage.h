@@ -5,6 +5,7 @@
 #include "storage/forwarding/forwarding_storage.h"
 
 #include <qxcore/progress.h>
+#include <qxcore/stream.h>
 
 namespace qx {
 
@@ -37,6 +38,10 @@ private:
     Reference<IProgress> m_progress;
     int m_flag;
 };
+
+// Of the class in doc_stream.cpp: a new wrapper of the stream, with one reference; null when the
+// heap gives no memory. The storage may be null.
+IXStream* NewDocStream(CIXDocStorage* storage, Reference<IXStream> stream, int flag);
 
 }  // namespace qx
 

@@ -1,5 +1,4 @@
-#include "storage/document/doc_stream.h"
-
+// The stream that asks its document's sink whether to go on.
 #include "storage/document/doc_storage.h"
 #include "storage/forwarding/forwarding_stream.h"
 
