@@ -151,9 +151,9 @@ TEST_F(ReplacedModuleTest, WhileItsModuleStaysARecordIsTheSameForEverySpellingOf
     auto find = CALL(caller, FindResourceA);
     EXPECT_EQ(find(view, "#200", MAKEINTRESOURCEA(5)), found);
     EXPECT_EQ(CALL(caller, FindResourceW)(view, L"#200", MAKEINTRESOURCEW(5)), found);
-    HRSRC named = find(caller, "WideName", MAKEINTRESOURCEA(5));
-    EXPECT_EQ(find(caller, "WIDENAME", MAKEINTRESOURCEA(5)), named);
-    EXPECT_EQ(CALL(caller, FindResourceW)(caller, L"WideName", MAKEINTRESOURCEW(5)), named);
+    HRSRC named = find(caller, "TwoSpellings", MAKEINTRESOURCEA(5));
+    EXPECT_EQ(find(caller, "TWOSPELLINGS", MAKEINTRESOURCEA(5)), named);
+    EXPECT_EQ(CALL(caller, FindResourceW)(caller, L"TwoSpellings", MAKEINTRESOURCEW(5)), named);
 }
 
 TEST_F(ReplacedModuleTest, StringsOfModulesLoadedAsDataHaveThePlaceOfTheirOwnModule) {
