@@ -1,5 +1,6 @@
 #include <qxcore/storage.h>
 
+#include "file/platform/temp_name.h"
 #include "storage/compound/compound_check.h"
 #include "storage/compound/ole_failure.h"
 #include "storage/compound/ole_name.h"
@@ -17,7 +18,6 @@ namespace qx {
 namespace {
 
 constexpr SIZE_T kMemoryStorageSize = 100000;  // spares early reallocations of the block
-constexpr DWORD kTempPathSize = 512;
 
 void Check(HRESULT status, const char* path) {
     if (FAILED(status)) throw CXFileException(CodeOfStatus(status), path, QXOP_OPEN);
@@ -37,11 +37,7 @@ HRESULT CreateInMemory(DWORD mode, IStorage** out) {
 // Goes again unless somebody keeps it.
 class TemporaryFile {
 public:
-    TemporaryFile() {
-        char directory[kTempPathSize] = {};
-        GetTempPathA(kTempPathSize, directory);
-        GetTempFileNameA(directory, "QXPR", 0, m_path);
-    }
+    TemporaryFile() { MakeSystemTempFile(m_path); }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     ~TemporaryFile() {
@@ -52,7 +48,7 @@ public:
     void Keep() { m_kept = true; }
 
 private:
-    char m_path[kTempPathSize] = {};
+    char m_path[kTempNameSize];
     bool m_kept = false;
 };
 

@@ -225,7 +225,8 @@ PropertySetState StateOf(Bytes bytes) {
 }  // namespace
 
 PropertySetState StateOfPropertySet(IStorage* storage, const FMTID& format) {
-    OLECHAR name[CWCSTORAGENAME];
+    constexpr size_t kNameSize = 32;  // of an element, with its terminator
+    OLECHAR name[kNameSize];
     Reference<IStream> stream;
     if (FAILED(FmtIdToPropStgName(&format, name)) ||
         FAILED(storage->OpenStream(name, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0,
