@@ -86,7 +86,10 @@ void MakeDeadly(std::integer_sequence<int, N...>) {
 
 int Save(const char* path, int step) {
     qx::Reference<IParam> tree(new_MemParam());
-    for (int i = 0; i < 20000; ++i) SetInt(tree.Get(), ("value" + std::to_string(i)).c_str(), i);
+    for (int i = 0; i < 200; ++i) {
+        CQXVariant text(std::string(2000, 'x').c_str());
+        tree->SetValue(("value" + std::to_string(i)).c_str(), &text);
+    }
     MakeDeadly(std::make_integer_sequence<int, int(sizeof kCalls / sizeof kCalls[0])>());
     g_deadlyStep = step;
     return Param_Param2IniFile(tree.Get(), path) == 1 ? 0 : 1;
