@@ -26,7 +26,10 @@ TEST(ParamFullDiskTest, ATreeThatFindsNoRoomLeavesTheOldFileAndNothingElse) {
     ParamPtr tree(new_MemParam());
     SetInt(tree.get(), "old", 1);
     ASSERT_EQ(Param_Param2IniFile(tree.get(), kFile), 1);
-    for (int i = 0; i < 20000; ++i) SetInt(tree.get(), ("value" + std::to_string(i)).c_str(), i);
+    for (int i = 0; i < 200; ++i) {
+        CQXVariant text(std::string(2000, 'x').c_str());
+        tree->SetValue(("value" + std::to_string(i)).c_str(), &text);
+    }
     for (unsigned left : {0u, 8192u, 131072u, 262144u}) {
         FillDisk(left);
         try {
