@@ -8,6 +8,7 @@
 #include <commctrl.h>
 #include <tlhelp32.h>
 
+#include <memory>
 #include <vector>
 
 #include "../host/resource.h"
@@ -52,10 +53,34 @@ HWND DialogWith(Sitter const& sitter, int control) {
     });
 }
 
+// Whether the dialog has drawn what its work has told. A lock that the held work has may keep it
+// from that.
+bool HasCaughtUp(HWND dialog) {
+    constexpr DWORD kTimerAndMore = 80;
+    constexpr UINT kHung = 500;
+    Sleep(kTimerAndMore);
+    DWORD_PTR answer;
+    return SendMessageTimeoutA(dialog, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, kHung, &answer) != 0;
+}
+
 bool IsHalfWay(HWND bar) {
     auto done = SendMessageA(bar, PBM_GETPOS, 0, 0);
     auto total = SendMessageA(bar, PBM_GETRANGE, FALSE, 0);
     return total > 0 && done * 2 >= total;
+}
+
+// Lets the work run for moments until the bar is half way, and holds it there; null when the dialog
+// goes before.
+std::unique_ptr<HeldWork> HoldHalfWay(DWORD process, HWND dialog) {
+    constexpr DWORD kMoment = 10;
+    HWND bar = GetDlgItem(dialog, IDC_PROGRESS_BAR);
+    while (IsWindow(dialog)) {
+        auto held = std::make_unique<HeldWork>(process, dialog);
+        if (HasCaughtUp(dialog) && IsHalfWay(bar)) return held;
+        held.reset();
+        Sleep(kMoment);
+    }
+    return nullptr;
 }
 
 }  // namespace
@@ -75,14 +100,12 @@ int main(int count, char** words) {
 
     HWND progress = DialogWith(sitter, IDC_PROGRESS_BAR);
     if (!progress) return Fail("no progress is shown");
+    auto held = HoldHalfWay(sitter.ProcessId(), progress);
+    if (!held) return Fail("the bar does not come half way");
     Place(progress, 60, 60);
-    HWND bar = GetDlgItem(progress, IDC_PROGRESS_BAR);
-    if (!WaitFor([bar] { return IsHalfWay(bar); })) return Fail("the bar does not come half way");
-    {
-        HeldWork held(sitter.ProcessId(), progress);
-        Settle(progress);
-        if (!WaitForPicture(words[1])) return Fail("nobody takes the first picture");
-    }
+    Settle(progress);
+    if (!WaitForPicture(words[1])) return Fail("nobody takes the first picture");
+    held.reset();
     PostMessageA(progress, WM_COMMAND, IDCANCEL, 0);
     if (!WaitFor([progress] { return !IsWindow(progress); })) return Fail("Cancel does not help");
     Settle(window);
