@@ -79,7 +79,7 @@ TEST(DeepTreeTest, OpeningDropsTheFirstMissingLevelOfALongPath) {
 
 TEST(DeepTreeTest, AHeaderAndAKeyOfEmptyLevelsAreRead) {
     ScratchDirectory directory;
-    std::string levels(6000, '\\');
+    std::string levels(kLevelsOfALine, '\\');
     std::string path =
         directory.Write("deep.ini", "[\\" + levels + "\r\n" + levels + "=i1\r\n[\\]\r\nk=i5\r\n");
     OnSmallStack([&] {

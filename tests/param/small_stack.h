@@ -7,11 +7,12 @@
 #include <functional>
 
 // Levels that no stack would hold a call for each of, and enough of them where each is walked
-// several times. Under guard pages each block of the heap takes pages of its own.
+// several times; and what a line of an ini text has room for. Under guard pages each block of the
+// heap takes pages of its own.
 #if defined(QXCORE_GUARD_HEAP)
-inline constexpr int kManyLevels = 1000, kTooManyCalls = 300;
+inline constexpr int kManyLevels = 1000, kTooManyCalls = 300, kLevelsOfALine = 500;
 #else
-inline constexpr int kManyLevels = 100000, kTooManyCalls = 25000;
+inline constexpr int kManyLevels = 100000, kTooManyCalls = 25000, kLevelsOfALine = 6000;
 #endif
 
 inline void OnSmallStack(const std::function<void()>& work, size_t stack = 128 * 1024) {

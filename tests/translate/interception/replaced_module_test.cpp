@@ -66,6 +66,15 @@ protected:
     CallerModule caller;
 };
 
+// What is taught for a place stays for the tests that follow, so those places have other modules.
+template <DWORD flags = 0>
+Plugin* FirstTaught() {
+    return new Plugin("plugin_first.dll", "taught_one.dll", flags);
+}
+template <DWORD flags = 0>
+Plugin* SecondTaught() {
+    return new Plugin("plugin_second.dll", "taught_two.dll", flags);
+}
 template <DWORD flags = 0>
 Plugin* FirstOne() {
     return new Plugin("plugin_first.dll", "one.dll", flags);
@@ -105,11 +114,11 @@ TEST_F(ReplacedModuleTest, TheSameBytesUnderAnotherNumberHaveTheirOwnPlace) {
 }
 
 TEST_F(ReplacedModuleTest, ADialogFoundAndNeverLoadedLeavesNothingToTheNextModule) {
-    Teach("one.dll#1#200\xFD\xFD" "First", "in one");
-    Teach("two.dll#1#200\xFD\xFD" "Later", "in two");
+    Teach("taught_one.dll#1#200\xFD\xFD" "First", "in one");
+    Teach("taught_two.dll#1#200\xFD\xFD" "Later", "in two");
     HRSRC old = nullptr;
     InTurn(
-        FirstOne, [&](HMODULE m) { old = Find(m, 200); }, SecondTwo,
+        FirstTaught, [&](HMODULE m) { old = Find(m, 200); }, SecondTaught,
         [&](HMODULE m) {
             EXPECT_NE(Find(m, 200), old);
             EXPECT_EQ(Caption(m, 200), L"in two");
@@ -158,10 +167,10 @@ TEST_F(ReplacedModuleTest, WhileItsModuleStaysARecordIsTheSameForEverySpellingOf
 
 TEST_F(ReplacedModuleTest, StringsOfModulesLoadedAsDataHaveThePlaceOfTheirOwnModule) {
     // The loader tells of no such module, neither of its coming nor of its going.
-    Teach("one.dll#3#1\xFD\xFD" "First", "in one");
-    Teach("two.dll#3#1\xFD\xFD" "Later", "in two");
+    Teach("taught_one.dll#3#1\xFD\xFD" "First", "in one");
+    Teach("taught_two.dll#3#1\xFD\xFD" "Later", "in two");
     InTurn(
-        FirstOne<kData>, [&](HMODULE m) { EXPECT_EQ(String(m), "in one"); }, SecondTwo<kData>,
+        FirstTaught<kData>, [&](HMODULE m) { EXPECT_EQ(String(m), "in one"); }, SecondTaught<kData>,
         [&](HMODULE m) { EXPECT_EQ(String(m), "in two"); });
 }
 
