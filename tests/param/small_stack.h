@@ -10,7 +10,7 @@
 // several times; and what a line of an ini text has room for. Under guard pages each block of the
 // heap takes pages of its own.
 #if defined(QXCORE_GUARD_HEAP)
-inline constexpr int kManyLevels = 1000, kTooManyCalls = 300, kLevelsOfALine = 500;
+inline constexpr int kManyLevels = 400, kTooManyCalls = 200, kLevelsOfALine = 300;
 #else
 inline constexpr int kManyLevels = 100000, kTooManyCalls = 25000, kLevelsOfALine = 6000;
 #endif
