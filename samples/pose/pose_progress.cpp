@@ -72,7 +72,7 @@ bool IsHalfWay(HWND bar) {
 // Lets the work run for moments until the bar is half way, and holds it there; null when the dialog
 // goes before.
 std::unique_ptr<HeldWork> HoldHalfWay(DWORD process, HWND dialog) {
-    constexpr DWORD kMoment = 10;
+    constexpr DWORD kMoment = 5;
     HWND bar = GetDlgItem(dialog, IDC_PROGRESS_BAR);
     while (IsWindow(dialog)) {
         auto held = std::make_unique<HeldWork>(process, dialog);

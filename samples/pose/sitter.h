@@ -32,7 +32,7 @@ auto WaitFor(Ready ready) {
     auto answer = ready();
     for (DWORD start = GetTickCount(); !answer && GetTickCount() - start < g_patience;
          answer = ready())
-        Sleep(20);
+        Sleep(1);
     return answer;
 }
 
