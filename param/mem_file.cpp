@@ -25,7 +25,7 @@ CMemFile::~CMemFile() {
 unsigned CMemFile::Read(void* buffer, unsigned count) {
     if (!buffer) return 0;
     size_t size = std::min<size_t>(count, m_used - m_position);
-    memcpy(buffer, m_block + m_position, size);
+    if (size) memcpy(buffer, m_block + m_position, size);
     m_position += size;
     return static_cast<unsigned>(size);
 }
@@ -49,7 +49,7 @@ void CMemFile::Grow(size_t needed) {
     size_t size = m_size + (missing + m_growth - 1) / m_growth * m_growth;
     auto block = static_cast<char*>(m_heap->Alloc(size));
     if (m_block) {
-        memcpy(block, m_block, m_used);
+        if (m_used) memcpy(block, m_block, m_used);
         m_heap->Free(m_block);
     }
     m_block = block;
