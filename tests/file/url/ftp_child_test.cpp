@@ -70,7 +70,7 @@ TEST_F(FtpChildTest, AProcessKilledInAnUploadLeavesItsFirstBytesOnTheServer) {
     std::string content = Pattern(100000);
     std::string local = MakeFile("local", content);
     server.SetFault("hold 5000");
-    EXPECT_EQ(OutcomeOf("upload", ServedFiles::Url("dir.d/a.txt"), local, 5), "hangs");
+    EXPECT_EQ(OutcomeOf("upload", ServedFiles::Url("dir.d/a.txt"), local, 10), "hangs");
     EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), content.substr(0, 5000));
     EXPECT_EQ(ContentOf(local), content);
 }
