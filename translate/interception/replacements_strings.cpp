@@ -72,11 +72,14 @@ int WINAPI NewLoadStringA(HINSTANCE module, UINT id, char* buffer, int size) {
     ModuleName name(module);
     bool isActive = IsTranslationActive(name);
     int length = real(module, id, buffer, size);
-    if (length <= 0 || size <= 0) return length;
+    if (length < 0 || size <= 0 || !buffer) return length;
     if (!isActive) {
-        if (IsObserved()) Tell(QX_CALL(LoadStringA, module), buffer, nullptr, WhyNotActive());
+        if (IsObserved() && length)
+            Tell(QX_CALL(LoadStringA, module), buffer, nullptr, WhyNotActive());
         return length;
     }
+    // A missing string counts as an empty one, for which a place alone may have a translation.
+    if (!length) *buffer = 0;
     PlaceHash place;
     if (id < kFirstIdWithoutKey) place = PlaceOfStrings(name, ToldPlace::BlockOf(id));
     auto room = static_cast<unsigned>(size);

@@ -48,6 +48,15 @@ TEST_F(StringsInterceptionTest, AMissingStringEmptiesTheBufferAndAnswers0) {
     EXPECT_EQ(answer, 0);
 }
 
+TEST_F(StringsInterceptionTest, AMissingStringHasTheTranslationOfItsPlace) {
+    // The text of no characters is looked up like any other: what is found is the place alone.
+    Teach("caller.dll#3#625\xFD\xFD", "nothing here");
+    EXPECT_EQ(Load(9999), "nothing here");
+    EXPECT_EQ(answer, 12);
+    EXPECT_EQ(Load(9000), "");
+    EXPECT_EQ(answer, 0);
+}
+
 TEST_F(StringsInterceptionTest, TheSixteenStringsOfABlockShareItsKey) {
     // Id 1 is in block 1 and id 16 in block 2, and both are the text Open.
     Teach("caller.dll#3#1\xFD\xFDOpen", "block one");
