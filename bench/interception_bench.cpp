@@ -105,6 +105,29 @@ void CompareStrings() {
         [&] { bench::Keep(wide.real(g_self, 1, buffer, 256)); });
 }
 
+// Resources of a plug-in: one that is patched, and one of which only the resources are used.
+void ComparePlugin(const char* what, DWORD flags) {
+    HMODULE plugin = LoadLibraryExA("bench_plugin.dll", nullptr, flags);
+    if (!flags) _InitResTranslation(plugin);
+    auto row = [what](const char* call) { return std::string(call) + ", " + what; };
+    auto call = CALL_OF(LoadStringA);
+    CompareLoad(row("LoadStringA, translated").c_str(), call, plugin, 1);
+    CompareLoad(row("LoadStringA, no such string").c_str(), call, plugin, 9999);
+    auto find = CALL_OF(FindResourceA);
+    auto load = CALL_OF(LoadResource);
+    auto compareFind = [&](const char* name, const char* type, const char* title) {
+        load.patched(plugin, find.patched(plugin, name, type));
+        bench::Compare(
+            row(title).c_str(), "the real call",
+            [&] { bench::Keep(find.patched(plugin, name, type)); },
+            [&] { bench::Keep(find.real(plugin, name, type)); });
+    };
+    compareFind(MAKEINTRESOURCEA(200), RT_DIALOG, "FindResourceA, dialog");
+    compareFind(MAKEINTRESOURCEA(300), RT_RCDATA, "FindResourceA, raw data");
+    _DeInitResTranslation(plugin);
+    FreeLibrary(plugin);
+}
+
 // The cheapest call that there is, so the difference is what the way to it costs.
 void CompareSize(const char* what, HMODULE module, HRSRC resource) {
     auto call = CALL_OF(SizeofResource);
@@ -305,6 +328,8 @@ int main() {
     FillDictionary();
     _InitResTranslation(g_self);
     CompareStrings();
+    ComparePlugin("patched plug-in", 0);
+    ComparePlugin("resource module", DONT_RESOLVE_DLL_REFERENCES);
     CompareExcluded();
     CompareResources();
     CompareMenus();

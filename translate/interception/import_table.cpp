@@ -117,8 +117,11 @@ void ExchangeImports(void* module, ImportWay way, ImportExchange* exchanges, siz
             ImportExchange& e = exchanges[i];
             void* from = way == ImportWay::Patch ? e.result : e.replacement;
             if (value != from || !e.result) continue;
-            if (!writer.Write(image.At(slot), way == ImportWay::Patch ? e.replacement : e.result))
+            if (writer.Write(image.At(slot), way == ImportWay::Patch ? e.replacement : e.result)) {
+                e.slot = image.At(slot);
+            } else {
                 e.result = nullptr;
+            }
             return;
         }
     });
@@ -128,13 +131,6 @@ void* PatchImportTable(void* module, const char* dll, const char* function, void
     if (!module) return reinterpret_cast<void*>(&NothingToCall);
     ImportExchange exchange = {dll, function, replacement, nullptr};
     ExchangeImports(module, ImportWay::Patch, &exchange, 1);
-    return exchange.result;
-}
-
-void* RestoreImportTable(void* module, const char* dll, const char* function, void* replacement) {
-    if (!module) return reinterpret_cast<void*>(&NothingToCall);
-    ImportExchange exchange = {dll, function, replacement, nullptr};
-    ExchangeImports(module, ImportWay::Restore, &exchange, 1);
     return exchange.result;
 }
 

@@ -14,6 +14,7 @@ struct ImportExchange {
     // The function's real address. Null when the system has no such function, when what lies at
     // the module's address is no 64-bit image, or when a slot cannot be made writable.
     void* result;
+    void* slot = nullptr;  // one that was exchanged, if any was
 };
 
 enum class ImportWay {
@@ -26,10 +27,9 @@ enum class ImportWay {
 // null.
 void ExchangeImports(void* module, ImportWay way, ImportExchange* exchanges, size_t count);
 
-// A single exchange; answers its result. A null module gives the address of a function that returns
+// A single patch; answers its result. A null module gives the address of a function that returns
 // 0.
 void* PatchImportTable(void* module, const char* dll, const char* function, void* replacement);
-void* RestoreImportTable(void* module, const char* dll, const char* function, void* replacement);
 
 }  // namespace qx
 

@@ -36,6 +36,16 @@ void TellModule(HMODULE module) {
     OutputDebugStringA(line);
 }
 
+// By a slot that was exchanged. One that was patched before has its mark.
+void MarkPatched(HMODULE module, const InterceptedImports& imports) {
+    for (const ImportExchange& row : imports.rows) {
+        if (!row.slot) continue;
+        ModuleName name(module);
+        if (name.Text()) MarkModule(module, name.Text(), row.slot, row.replacement);
+        return;
+    }
+}
+
 void UnpatchListedModules() {
     LoadedModules loaded;
     for (const char* name : g_aPatchModules) {
@@ -53,12 +63,16 @@ void PatchModule(HMODULE module) {
     TellModule(module);
     // The library's own imports are its way to the real functions.
     if (module == OwnModule()) return;
+    // The mark of a module that is gone is not to be found again in the slots of this one.
+    if (!ModuleName(module).Life()) UnmarkModule(module);
     InterceptedImports imports;
     ExchangeImports(module, ImportWay::Patch, imports.rows, kInterceptedCount);
     for (int i = 0; i < kInterceptedCount; ++i) g_RealProcs[i] = imports.rows[i].result;
+    MarkPatched(module, imports);
 }
 
 void UnpatchModule(HMODULE module) {
+    UnmarkModule(module);
     InterceptedImports imports;
     ExchangeImports(module, ImportWay::Restore, imports.rows, kInterceptedCount);
 }
@@ -71,6 +85,7 @@ void StartInterception() {
 void StopInterception() {
     FreeResourceRecords();
     if (g_Wld.m_bInit) UnpatchListedModules();
+    FreeKnownModules();
 }
 
 }  // namespace qx

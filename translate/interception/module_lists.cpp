@@ -1,5 +1,7 @@
 #include "translate/interception/module_lists.h"
 
+#include "translate/interception/interception.h"
+
 namespace qx {
 
 constinit ListedModule g_aExcludeModules[5] = {
@@ -33,6 +35,7 @@ bool IsExcluded(ModuleName& module) {
             continue;
         }
         if (isAtRow) return true;
+        KeptLastError kept;
         row.Find(LoadedModules());
         if (row.IsAt(module.Module())) return true;
     }

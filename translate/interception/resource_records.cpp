@@ -49,10 +49,11 @@ int KeyKind(uint64_t type) {
     }
 }
 
-// A resource as it was when its record was loaded.
+// A resource as it was when its record was loaded, and the module that it was last seen in.
 struct LoadedSource {
     void* bytes;
     size_t size;
+    unsigned life;
 };
 
 // Of any length, unlike the field.
@@ -98,7 +99,7 @@ QX_RESITEM* AddRecord(HRSRC handle, HMODULE module, const char* key, uint64_t ty
 LoadedSource ResourceBytes(HMODULE module, HRSRC handle) {
     HGLOBAL loaded = QX_REAL(LoadResource)(module, handle);
     void* bytes = loaded ? QX_REAL(LockResource)(loaded) : nullptr;
-    return {bytes, bytes ? QX_REAL(SizeofResource)(module, handle) : 0};
+    return {bytes, bytes ? QX_REAL(SizeofResource)(module, handle) : 0, 0};
 }
 
 // Keeps what a block was made from. Without memory nothing is kept, and the next find makes a new
@@ -107,7 +108,9 @@ void KeepSource(QX_RESITEM* record) {
     LoadedSource now = ResourceBytes(record->module, record->handle);
     void* copy = LocalAlloc(LMEM_FIXED, now.size + 1);
     if (copy) memcpy(copy, now.bytes, now.size);
-    SourceOf(record) = {copy, now.size};
+    LoadedSource& source = SourceOf(record);
+    source.bytes = copy;
+    source.size = now.size;
 }
 
 bool HasSameBytes(QX_RESITEM* record) {
@@ -172,14 +175,18 @@ HRSRC WrapResource(HRSRC handle, ModuleName& module, const void* name, const voi
     HMODULE base = module.Module();
     QX_RESITEM* record =
         FindRecord([&](QX_RESITEM* r) { return r->handle == handle && r->module == base; });
-    if (record && module.IsProgram()) return reinterpret_cast<HRSRC>(record);
+    unsigned life = module.Life();
+    if (record && life && SourceOf(record).life == life) return reinterpret_cast<HRSRC>(record);
     ResourceKey named(module, name, KeyKind(typeId));
     const char* key = name ? named : static_cast<const char*>("");
-    if (record && IsStillOf(record, module, key)) return reinterpret_cast<HRSRC>(record);
-    // The record is of a module that is gone, so no find is to meet it again.
-    if (record) record->handle = nullptr;
-    record = AddRecord(handle, base, key, typeId);
-    return record ? reinterpret_cast<HRSRC>(record) : handle;
+    if (!record || !IsStillOf(record, module, key)) {
+        // A record of a module that is gone is not to be met again.
+        if (record) record->handle = nullptr;
+        record = AddRecord(handle, base, key, typeId);
+        if (!record) return handle;
+    }
+    SourceOf(record).life = life;
+    return reinterpret_cast<HRSRC>(record);
 }
 
 QX_RESITEM* SearchRecord(const void* handle) {

@@ -6,6 +6,7 @@
 
 #include <psapi.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -17,10 +18,7 @@ namespace {
 
 constinit char g_programName[260 + 1] = "";
 constinit std::optional<unsigned> g_programHash;
-
-bool IsSeparator(wchar_t c) {
-    return c == L':' || c == L'\\' || c == L'/';
-}
+constinit bool g_canLearn = false;
 
 // Four characters at a time: paths are long beside the names at their ends.
 bool IsAscii(const wchar_t* text, size_t length) {
@@ -45,6 +43,7 @@ void StartModuleNames() {
     strcpy(g_programName, name.Text());
     g_programHash = name.Hash();
     g_program = program;
+    g_canLearn = LearnModule(program, g_programName);
 }
 
 const char* ModuleName::Text() {
@@ -56,8 +55,15 @@ const char* ModuleName::Text() {
 std::optional<unsigned> ModuleName::Hash() {
     if (IsProgram()) return g_programHash;
     if (!m_isAsked) Ask();
+    if (m_found.row) return m_found.row->hash;
     if (!m_text) return std::nullopt;
     return QXHashText(m_text).hash;
+}
+
+unsigned ModuleName::Life() {
+    if (IsProgram()) return kLifeOfProgram;
+    if (!m_isAsked) Ask();
+    return m_found.life;
 }
 
 bool ModuleName::Is(const char* name) {
@@ -65,11 +71,27 @@ bool ModuleName::Is(const char* name) {
     return text && !_stricmp(text, name);
 }
 
+void ModuleName::Ask() {
+    m_isAsked = true;
+    m_found = FindKnownModule(m_module);
+    if (m_found.row) {
+        m_text = m_found.row->name;
+    } else {
+        AskTheSystem();
+        if (m_text && g_canLearn) Keep();
+    }
+}
+
+// The loader spells ASCII names only as the code page does.
+void ModuleName::Keep() const {
+    auto isAscii = [](char c) { return static_cast<signed char>(c) >= 0; };
+    if (std::all_of(m_text, m_text + strlen(m_text), isAscii)) LearnModule(m_module, m_text);
+}
+
 // The wide path comes at less than half the cost of the narrow one, and says the same where all of
 // it is ASCII.
-void ModuleName::Ask() {
+void ModuleName::AskTheSystem() {
     DWORD lastError = GetLastError();
-    m_isAsked = true;
     wchar_t path[kPathSize];
     DWORD length = GetModuleFileNameW(m_module, path, kPathSize);
     if (length < kPathSize && IsAscii(path, length)) {

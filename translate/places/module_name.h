@@ -2,9 +2,11 @@
 //
 // An address may mean another module at any time: one is unloaded and the next comes to its place,
 // and the loader does not tell of every module. So what is known of a module is asked for anew in
-// each call, but for the program, which stays.
+// each call, or proved, but for the program, which stays.
 #ifndef QXCORE_TRANSLATE_PLACES_MODULE_NAME_H
 #define QXCORE_TRANSLATE_PLACES_MODULE_NAME_H
+
+#include "translate/places/known_modules.h"
 
 #include <qxcore/platform.h>
 
@@ -12,7 +14,8 @@
 
 namespace qx {
 
-// From here on the program's name is known without asking for it.
+// From here on the program's name is known without asking for it, and those of other modules are
+// asked for once.
 void StartModuleNames();
 
 extern HMODULE g_program;  // null before the start
@@ -30,6 +33,9 @@ public:
     HMODULE Module() const { return m_module; }
     // Whether the module surely stays as long as the process.
     bool IsProgram() const { return g_program && (!m_module || m_module == g_program); }
+    // Another one for every module that is or was at this address; 0 where nothing tells them
+    // apart.
+    unsigned Life();
 
     // Null when the module has no path with a separator.
     const char* Text();
@@ -42,11 +48,14 @@ private:
     static constexpr DWORD kPathSize = 260;
 
     void Ask();
+    void AskTheSystem();
+    void Keep() const;
     void AskForNarrowPath();
     void TakeAsciiPath(const wchar_t* path, size_t length);
 
     HMODULE m_module;
     bool m_isAsked = false;
+    FoundModule m_found;
     const char* m_text = nullptr;
     char m_path[kPathSize + 1];
 };

@@ -114,8 +114,14 @@ TEST_F(ReplacedModuleTest, TheSameBytesUnderAnotherNumberHaveTheirOwnPlace) {
 }
 
 TEST_F(ReplacedModuleTest, ADialogFoundAndNeverLoadedLeavesNothingToTheNextModule) {
-    Teach("taught_one.dll#1#200\xFD\xFD" "First", "in one");
-    Teach("taught_two.dll#1#200\xFD\xFD" "Later", "in two");
+    Teach(
+        "taught_one.dll#1#200\xFD\xFD"
+        "First",
+        "in one");
+    Teach(
+        "taught_two.dll#1#200\xFD\xFD"
+        "Later",
+        "in two");
     HRSRC old = nullptr;
     InTurn(
         FirstTaught, [&](HMODULE m) { old = Find(m, 200); }, SecondTaught,
@@ -167,8 +173,14 @@ TEST_F(ReplacedModuleTest, WhileItsModuleStaysARecordIsTheSameForEverySpellingOf
 
 TEST_F(ReplacedModuleTest, StringsOfModulesLoadedAsDataHaveThePlaceOfTheirOwnModule) {
     // The loader tells of no such module, neither of its coming nor of its going.
-    Teach("taught_one.dll#3#1\xFD\xFD" "First", "in one");
-    Teach("taught_two.dll#3#1\xFD\xFD" "Later", "in two");
+    Teach(
+        "taught_one.dll#3#1\xFD\xFD"
+        "First",
+        "in one");
+    Teach(
+        "taught_two.dll#3#1\xFD\xFD"
+        "Later",
+        "in two");
     InTurn(
         FirstTaught<kData>, [&](HMODULE m) { EXPECT_EQ(String(m), "in one"); }, SecondTaught<kData>,
         [&](HMODULE m) { EXPECT_EQ(String(m), "in two"); });
@@ -180,6 +192,54 @@ TEST_F(ReplacedModuleTest, DialogsOfModulesLoadedAsDataAreTheirOwn) {
         SecondTwo<kData>, [&](HMODULE m) { EXPECT_EQ(Caption(m, 200), L"Zweiter"); });
 }
 
+// A patched module is known by its slots, which go with it.
+TEST_F(ReplacedModuleTest, DialogsOfPatchedModulesAreTheirOwn) {
+    for (bool isNextPatched : {true, false}) {
+        for (bool isRestored : {true, false}) {
+            InTurn(
+                FirstView,
+                [&](HMODULE m) {
+                    _InitResTranslation(m);
+                    HRSRC found = Find(m, 200);
+                    EXPECT_EQ(Caption(m, 200), L"Erster");
+                    EXPECT_EQ(CALL(caller, FindResourceA)(m, "#200", MAKEINTRESOURCEA(5)), found);
+                    if (isRestored) _DeInitResTranslation(m);
+                    EXPECT_EQ(Find(m, 200), found);
+                },
+                SecondView,
+                [&](HMODULE m) {
+                    if (isNextPatched) _InitResTranslation(m);
+                    EXPECT_EQ(Caption(m, 200), L"Zweiter");
+                    EXPECT_EQ(String(m), "Zweiter");
+                });
+        }
+    }
+}
+
+TEST_F(ReplacedModuleTest, StringsOfPatchedModulesHaveThePlaceOfTheirOwnModule) {
+    Teach(
+        "taught_one.dll#3#1\xFD\xFD"
+        "First",
+        "in one");
+    Teach(
+        "taught_two.dll#3#1\xFD\xFD"
+        "Later",
+        "in two");
+    for (bool isNextPatched : {true, false}) {
+        InTurn(
+            FirstTaught,
+            [&](HMODULE m) {
+                _InitResTranslation(m);
+                EXPECT_EQ(String(m), "in one");
+            },
+            SecondTaught,
+            [&](HMODULE m) {
+                if (isNextPatched) _InitResTranslation(m);
+                EXPECT_EQ(String(m), "in two");
+            });
+    }
+}
+
 TEST_F(ReplacedModuleTest, AnExcludedModuleLoadedAsDataIsExcludedFromItsLoadOn) {
     EXPECT_EQ(String(caller), "Open");  // the search for late modules has been done once
     Plugin late("plugin_first.dll", "acopm.arx", kData);
@@ -188,13 +248,12 @@ TEST_F(ReplacedModuleTest, AnExcludedModuleLoadedAsDataIsExcludedFromItsLoadOn) 
 }
 
 TEST_F(ReplacedModuleTest, AModuleInThePlaceOfAnExcludedOneIsTranslated) {
-    InTurn(
-        [] { return new Plugin("plugin_first.dll", "acopm.arx", kData); },
-        [&](HMODULE m) { EXPECT_EQ(String(m), "First"); }, SecondTwo<kData>,
-        [&](HMODULE m) {
-            EXPECT_EQ(String(m), "Zweiter");
-            EXPECT_EQ(Caption(m, 200), L"Zweiter");
-        });
+    InTurn([] { return new Plugin("plugin_first.dll", "acopm.arx", kData); },
+           [&](HMODULE m) { EXPECT_EQ(String(m), "First"); }, SecondTwo<kData>,
+           [&](HMODULE m) {
+               EXPECT_EQ(String(m), "Zweiter");
+               EXPECT_EQ(Caption(m, 200), L"Zweiter");
+           });
 }
 
 TEST_F(ReplacedModuleTest, AnExcludedModuleThatComesAgainElsewhereIsExcluded) {

@@ -11,11 +11,11 @@
 // A copy in a directory of its own, loaded as long as the object lives.
 class ModuleCopy {
 public:
-    explicit ModuleCopy(const char* name) {
+    explicit ModuleCopy(const char* name, DWORD flags = 0) {
         std::string path = m_directory.PathOf(name);
         if (!CopyFileA(SourcePath().c_str(), path.c_str(), TRUE))
             throw std::runtime_error("cannot copy to " + path);
-        m_module = LoadLibraryA(path.c_str());
+        m_module = LoadLibraryExA(path.c_str(), nullptr, flags);
         if (!m_module) throw std::runtime_error("cannot load " + path);
     }
     ModuleCopy(const ModuleCopy&) = delete;
@@ -23,6 +23,12 @@ public:
     ~ModuleCopy() { FreeLibrary(m_module); }
 
     HMODULE Handle() const { return m_module; }
+    // A place in the module's memory that may be written.
+    void** Slot() const {
+        auto slot = reinterpret_cast<void**>(GetProcAddress(m_module, "NamedModuleSlot"));
+        if (!slot) throw std::runtime_error("no slot");
+        return slot;
+    }
 
 private:
     static std::string SourcePath() {

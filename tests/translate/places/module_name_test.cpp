@@ -6,11 +6,20 @@
 #include <gtest/gtest.h>
 #include <qxcore/hash.h>
 
+#include <atomic>
+#include <set>
+#include <thread>
+#include <vector>
+
 namespace {
 
 std::string NameOf(const void* module) {
     qx::ModuleName name(module);
     return name.Text() ? name.Text() : "(none)";
+}
+
+unsigned LifeOf(const void* module) {
+    return qx::ModuleName(module).Life();
 }
 
 unsigned HashOf(const void* module) {
@@ -72,17 +81,91 @@ TEST(ModuleNameTest, OfAModuleWithLettersBeyondAsciiIsTheNarrowOne) {
               "ffnen.dll");
 }
 
-TEST(ModuleNameTest, AnotherModuleAtTheSameAddressHasItsOwnName) {
+// Names are asked for anew before the start, and known from their first use on after it.
+class KnownNameTest : public testing::TestWithParam<DWORD> {
+protected:
+    void SetUp() override { qx::StartModuleNames(); }
+    void TearDown() override { qx::g_program = nullptr; }
+};
+INSTANTIATE_TEST_SUITE_P(Loads, KnownNameTest, testing::Values(0u, DONT_RESOLVE_DLL_REFERENCES));
+
+TEST_P(KnownNameTest, AnotherModuleAtTheSameAddressHasItsOwnName) {
     HMODULE seen = nullptr;
     int reused = 0;
-    for (int i = 0; i < 20; ++i) {
-        std::string name = "Module" + std::to_string(i) + ".dll";
-        ModuleCopy module(name.c_str());
+    for (int i = 0; i < 12; ++i) {
+        // Of one length, and some of them come back.
+        std::string name = "Module" + std::to_string(i * 7 % 10) + ".dll";
+        ModuleCopy module(name.c_str(), GetParam());
         reused += module.Handle() == seen;
         seen = module.Handle();
-        EXPECT_EQ(NameOf(module.Handle()), name);
+        for (int again = 0; again < 3; ++again) EXPECT_EQ(NameOf(module.Handle()), name);
     }
+    EXPECT_EQ(NameOf(seen), "(none)") << "the last module is gone";
     EXPECT_GT(reused, 0) << "the loader never reused an address, so nothing was shown";
+}
+
+TEST_P(KnownNameTest, ModulesOfOneNameInTwoFoldersAreBothKnown) {
+    ModuleCopy first("View.dll", GetParam()), second("VIEW.dll", GetParam());
+    for (int again = 0; again < 3; ++again) {
+        EXPECT_EQ(NameOf(first.Handle()), "View.dll");
+        EXPECT_EQ(NameOf(second.Handle()), "VIEW.dll");
+    }
+}
+
+TEST_P(KnownNameTest, NamesAreRightInEveryThreadWhileModulesComeAndGo) {
+    ModuleCopy stays("Stays.dll", GetParam());
+    std::atomic<bool> done = false;
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([&] {
+            while (!done) wrong += NameOf(stays.Handle()) != "Stays.dll";
+        });
+    }
+    for (int i = 0; i < 8; ++i) {
+        std::string name = "Goes" + std::to_string(i) + ".dll";
+        ModuleCopy goes(name.c_str(), GetParam());
+        EXPECT_EQ(NameOf(goes.Handle()), name);
+    }
+    done = true;
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_P(KnownNameTest, AnUnmarkedModuleHasNoLifeOfItsOwn) {
+    ModuleCopy view("View.dll", GetParam());
+    for (int again = 0; again < 2; ++again) EXPECT_EQ(LifeOf(view.Handle()), 0u);
+}
+
+TEST_P(KnownNameTest, AMarkedModuleIsToldFromAllThatComeToItsAddress) {
+    std::set<unsigned> lives;
+    for (int i = 0; i < 5; ++i) {
+        ModuleCopy view("View.dll", GetParam());
+        EXPECT_EQ(LifeOf(view.Handle()), 0u) << "the mark went with the module before";
+        void** slot = view.Slot();
+        void* before = *slot;
+        *slot = &lives;
+        qx::MarkModule(view.Handle(), "View.dll", slot, &lives);
+        unsigned life = LifeOf(view.Handle());
+        EXPECT_EQ(LifeOf(view.Handle()), life);
+        EXPECT_EQ(NameOf(view.Handle()), "View.dll");
+        EXPECT_TRUE(lives.insert(life).second) << life;
+        *slot = before;
+        EXPECT_EQ(LifeOf(view.Handle()), 0u) << "the mark is gone";
+        *slot = &lives;
+        EXPECT_EQ(LifeOf(view.Handle()), life);
+        qx::UnmarkModule(view.Handle());
+        EXPECT_EQ(LifeOf(view.Handle()), 0u);
+        qx::MarkModule(view.Handle(), "View.dll", slot, &lives);
+    }
+    EXPECT_FALSE(lives.contains(0));
+    EXPECT_FALSE(lives.contains(qx::kLifeOfProgram));
+}
+
+TEST_P(KnownNameTest, TheProgramsLifeIsKnownAndNobodyElses) {
+    EXPECT_EQ(LifeOf(nullptr), qx::kLifeOfProgram);
+    EXPECT_EQ(LifeOf(GetModuleHandleA(nullptr)), qx::kLifeOfProgram);
+    EXPECT_EQ(LifeOf(GetModuleHandleA("kernel32.dll")), 0u);
 }
 
 TEST(LoadedModulesTest, AreFoundAsTheSystemFindsThem) {
