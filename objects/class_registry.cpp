@@ -108,7 +108,9 @@ int UnregisterObject(const char* name) {
 int CreateObject(const char* name, IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {
     *out = nullptr;
     QXCreator creator = qx::CreatorOf(name);
-    return creator ? creator(outer, id, out) : 0;
+    int made = creator ? creator(outer, id, out) : 0;
+    if (!made) *out = nullptr;
+    return made;
 }
 
 int CreateObjectC(const char* name, IQXUnknown* outer, qx_type_info const& id, IQXUnknown** out) {

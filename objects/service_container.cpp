@@ -89,6 +89,7 @@ int CQXServiceContainer::RemoveService(const char* name) {
     LeaveSweep(name);
     m_services.RemoveKey(name);
     TellRemoved(object);
+    held.Release();
     return 1;
 }
 
@@ -98,8 +99,11 @@ void CQXServiceContainer::RemoveAllServices() {
         while (sweep.TellNext()) {
         }
     }
+    struct TakesServicesAgain {  // also when the release of one raises
+        ServiceMap& services;
+        ~TakesServicesAgain() { services.destroyed = 0; }
+    } again{m_services};
     m_services.RemoveAll();
-    m_services.destroyed = 0;  // the container takes m_services again
 }
 
 void CQXServiceContainer::TellRemoved(IQXUnknown* object) {

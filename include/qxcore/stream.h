@@ -54,8 +54,8 @@ struct IXStream : IQXUnknown {
     // nothing. So the buffer has room for count + 2 bytes.
     virtual int ReadString(char* buffer, int count) = 0;
     // Replaces the variant by the next one; 0 at the end. A value cut off by the end comes back
-    // with its missing bytes 0, and as 1 when anything of it was there. An unknown tag throws
-    // CXFileException code 15.
+    // with its missing bytes 0, and as 1 when anything of it was there. A blob has the size that it
+    // claims. An unknown tag throws CXFileException code 15.
     virtual int ReadVariant(tagQXVARIANT* variant) = 0;
     virtual void WriteVariant(const tagQXVARIANT* variant) = 0;
 

@@ -173,7 +173,8 @@ public:
 
     // Releases what is owned; type 0 and a zero value afterwards.
     void Clear();
-    // Takes the source's ownership and sets its type to 0; its other bytes stay.
+    // Takes the source's ownership and sets its type to 0; its other bytes stay. A variant attached
+    // to itself is empty.
     void Attach(tagQXVARIANT& source);
     // Gives ownership to the caller; this becomes type 0.
     tagQXVARIANT Detach();
@@ -428,6 +429,7 @@ inline void CQXVariant::Clear() {
 }
 
 inline void CQXVariant::Attach(tagQXVARIANT& source) {
+    if (&source == this) return Clear();
     tagQXVARIANT old = *this;
     SetRecord(source);
     source.type = QXVT_EMPTY;

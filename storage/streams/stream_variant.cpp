@@ -8,6 +8,7 @@
 #include <qxcore/reference.h>
 #include <qxcore/variant.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <memory>
@@ -27,6 +28,9 @@ struct ValueDeleter {
 };
 
 class CVariantReader {
+    // A text that claims more takes no memory before the stream was asked whether it has as much.
+    static constexpr unsigned kBelieved = 64 * 1024;
+
 public:
     explicit CVariantReader(IXStream* stream) : m_stream(stream) {}
 
@@ -40,8 +44,7 @@ public:
             case QXVT_BLOB:
                 return ReadBlob(variant->value.blob);
             case QXVT_UNKNOWN:
-                ReadObjectFromXStream(m_stream, &variant->value.unknown);
-                return 1;
+                return ReadObject(variant->value.unknown);
             default:
                 return Fill(&variant->value, PayloadWidth(variant->type));
         }
@@ -57,6 +60,7 @@ private:
         unsigned length = 0;
         bool hasLength = Fill(&length, sizeof length);
         if (length > INT_MAX) Refuse();
+        if (length > kBelieved) length = std::min(length, Rest(length));
         std::unique_ptr<char, ValueDeleter> buffer(
             static_cast<char*>(AllocValue(static_cast<size_t>(length) + 1)));
         bool hasText = Fill(buffer.get(), static_cast<int>(length));
@@ -72,6 +76,19 @@ private:
         value = blob;
         blob.data = nullptr;
         return hasBytes;
+    }
+
+    // A null object has a frame too; where that is missing nothing was read.
+    int ReadObject(IQXUnknown*& object) {
+        int start = m_stream->Tell();
+        return ReadObjectFromXStream(m_stream, &object) || m_stream->Tell() != start;
+    }
+
+    // The bytes that the stream still has, at least 1, so that its end is met by reading; those
+    // that are claimed where it cannot tell.
+    unsigned Rest(unsigned claimed) {
+        int rest = m_stream->GetLength() - m_stream->Tell();
+        return rest < 0 ? claimed : std::max(static_cast<unsigned>(rest), 1u);
     }
 
     [[noreturn]] void Refuse() {

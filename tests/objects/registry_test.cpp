@@ -206,6 +206,14 @@ TEST(RegistryTest, TheCreatorsOwnAnswerComesBack) {
     EXPECT_EQ(object, nullptr);
 }
 
+TEST(RegistryTest, ACreatorThatFailedLeavesNullWhateverItWrote) {
+    Registered guard("TestFailingUntidily");
+    ASSERT_EQ(RegisterObject("TestFailingUntidily", kModule), 1);
+    IQXUnknown* object = kUnset;
+    EXPECT_EQ(CreateObject("TestFailingUntidily", nullptr, qx_typeid<ITicket>(), &object), 0);
+    EXPECT_EQ(object, nullptr);
+}
+
 TEST(RegistryTest, WhatACreatorThrowsPassesThrough) {
     Registered guard("TestThrowing");
     ASSERT_EQ(RegisterObject("TestThrowing", kModule), 1);

@@ -178,3 +178,49 @@ TEST_F(ServicesSweepTest, AServiceIsRefusedWhileTheTableIsCleared) {
     EXPECT_EQ(added, 0);
     EXPECT_TRUE(Names(container).empty());
 }
+
+namespace {
+
+// A service whose last release raises.
+class CStubborn : public CQXUnknownImpl<ITicket> {
+public:
+    unsigned Release() override {
+        if (InternalRelease() == 0) throw CXException(80);
+        return 1;
+    }
+    int Number() override { return 0; }
+    void* Module() override { return nullptr; }
+};
+
+int CodeOf(const std::function<void()>& act) {
+    try {
+        act();
+        return 0;
+    } catch (CXException& e) {
+        return e.GetCode();
+    }
+}
+
+}  // namespace
+
+TEST_F(ServicesSweepTest, WhatARemovedServicesReleaseRaisesReachesTheCallerAndTheServiceIsGone) {
+    auto stubborn = new CStubborn;
+    EXPECT_EQ(container->AddService("stubborn", stubborn), 1);
+    stubborn->Release();
+    EXPECT_EQ(CodeOf([&] { container->RemoveService("stubborn"); }), 80);
+    EXPECT_EQ(container->GetService("stubborn", nullptr), 0);
+    EXPECT_EQ(container->AddService("stubborn", nullptr), 1);
+}
+
+TEST_F(ServicesSweepTest, AContainerTakesServicesAgainThoughAReleaseRaisedWhenItWasEmptied) {
+    Add("a", nullptr);
+    auto stubborn = new CStubborn;
+    EXPECT_EQ(container->AddService("stubborn", stubborn), 1);
+    stubborn->Release();
+    Add("z", nullptr);
+    EXPECT_EQ(CodeOf([&] { container->RemoveAllServices(); }), 80);
+    EXPECT_EQ(CountOf("a destroyed") + CountOf("z destroyed"), 2);
+    EXPECT_TRUE(Names(container).empty());
+    Add("again", nullptr);
+    EXPECT_EQ(container->GetService("again", nullptr), 1);
+}

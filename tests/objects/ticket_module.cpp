@@ -54,6 +54,13 @@ QX_CREATOR(TestFailing) {
     return 0;
 }
 
+// Fails and leaves a value behind that is no object.
+QX_CREATOR(TestFailingUntidily) {
+    (void)outer, (void)id;
+    *out = reinterpret_cast<IQXUnknown*>(&g_anchor);
+    return 0;
+}
+
 QX_CREATOR(TestThrowing) {
     (void)outer, (void)id, (void)out;
     throw CXFileException(QXERR_SHARING, "throwing", QXOP_OPEN);

@@ -449,6 +449,17 @@ TEST(VariantTest, AttachMovesOwnershipAndLeavesTheSourcesOtherBytes) {
     EXPECT_EQ(source.value.string, text);
 }
 
+TEST(VariantTest, AttachingAVariantToItselfEmptiesIt) {
+    CQXVariant text("mine"), number(5);
+    text.Attach(text);
+    number.Attach(number);
+    const tagQXVALUE zero = {};
+    for (const CQXVariant* v : {&text, &number}) {
+        EXPECT_EQ(v->type, QXVT_EMPTY);
+        EXPECT_EQ(memcmp(&v->value, &zero, sizeof zero), 0);
+    }
+}
+
 TEST(VariantTest, DetachGivesOwnershipToTheCaller) {
     CQXVariant v("abc");
     char* text = v;
