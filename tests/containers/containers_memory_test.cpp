@@ -1,9 +1,9 @@
 // What the containers do when the n-th allocation fails.
 #include "containers/watched.h"
 #include "support/allocation_failure.h"
-#include "support/held.h"
 
 #include <gtest/gtest.h>
+#include <qxcore/reference.h>
 
 #include <cstring>
 #include <memory>
@@ -224,17 +224,17 @@ TEST(ContainersMemoryTest, AVariantThatCannotBeCopiedKeepsTheOldEntry) {
     using Map = CTMap<const char*, CQXVariant>;
     CQXVariant text("a text that takes a block");
     Counted object;
-    unsigned failures = FailEachAllocation(
-        [&] { return NewMap<Map>(kFirstOfTwins, CQXVariant(&object)); },
-        [&](auto& map) { map->SetAt(kSecondOfTwins, text); },
-        [&](auto& map) {
-            Map::position at;
-            EXPECT_STREQ(*map->GetNextKey(at), kFirstOfTwins);
-            CQXVariant* stored = map->Find(kFirstOfTwins);
-            EXPECT_EQ(stored->type, QXVT_UNKNOWN);
-            EXPECT_EQ(stored->value.unknown, &object);
-            EXPECT_EQ(object.refs, 2u);
-        });
+    unsigned failures =
+        FailEachAllocation([&] { return NewMap<Map>(kFirstOfTwins, CQXVariant(&object)); },
+                           [&](auto& map) { map->SetAt(kSecondOfTwins, text); },
+                           [&](auto& map) {
+                               Map::position at;
+                               EXPECT_STREQ(*map->GetNextKey(at), kFirstOfTwins);
+                               CQXVariant* stored = map->Find(kFirstOfTwins);
+                               EXPECT_EQ(stored->type, QXVT_UNKNOWN);
+                               EXPECT_EQ(stored->value.unknown, &object);
+                               EXPECT_EQ(object.refs, 2u);
+                           });
     EXPECT_EQ(failures, 2u);  // the key and the text
     EXPECT_EQ(object.refs, 1u);
 }
@@ -292,8 +292,8 @@ TEST(ContainersMemoryTest, AnEnumeratorThatCannotBeMadeHoldsNothing) {
         EXPECT_EQ(collection->AddRef(), 2u);
         collection->Release();
     };
-    EXPECT_EQ(FailEachAllocation([] { return Ref<List>(new List); }, act, check), 1u);
-    EXPECT_EQ(FailEachAllocation([] { return Ref<Map>(new Map); }, act, check), 1u);
+    EXPECT_EQ(FailEachAllocation([] { return qx::Reference<List>(new List); }, act, check), 1u);
+    EXPECT_EQ(FailEachAllocation([] { return qx::Reference<Map>(new Map); }, act, check), 1u);
 }
 
 TEST(ContainersMemoryTest, AnEnumeratorOverTextsThatCannotBeMadeHoldsNothing) {

@@ -2,9 +2,9 @@
 #include "containers/collections_module.h"
 #include "containers/watched.h"
 #include "support/allocation_failure.h"
-#include "support/held.h"
 
 #include <gtest/gtest.h>
+#include <qxcore/reference.h>
 
 #include <algorithm>
 #include <string>
@@ -45,16 +45,16 @@ protected:
 }  // namespace
 
 TEST_F(ModuleBoundaryTest, AnEnumeratorOfAnotherModulesListIsWalkedAndReleasedHere) {
-    Ref<CTEnum<const char*>> names(Plugin().listNames());
-    EXPECT_EQ(NamesOf(names.get()), kOneTwoThree);
+    qx::Reference<CTEnum<const char*>> names(Plugin().listNames());
+    EXPECT_EQ(NamesOf(names.Get()), kOneTwoThree);
     names->Reset();
     EXPECT_EQ(names->Skip(2), 1);
-    EXPECT_EQ(NamesOf(names.get()), std::vector<std::string>{"three"});
+    EXPECT_EQ(NamesOf(names.Get()), std::vector<std::string>{"three"});
 }
 
 TEST_F(ModuleBoundaryTest, AnEnumeratorOfAnotherModulesMapIsWalkedAndReleasedHere) {
-    Ref<CTEnum<const char*>> names(Plugin().mapNames());
-    auto walked = NamesOf(names.get());
+    qx::Reference<CTEnum<const char*>> names(Plugin().mapNames());
+    auto walked = NamesOf(names.Get());
     std::sort(walked.begin(), walked.end());
     EXPECT_EQ(walked, (std::vector<std::string>{"one", "three", "two"}));
 }
@@ -62,15 +62,15 @@ TEST_F(ModuleBoundaryTest, AnEnumeratorOfAnotherModulesMapIsWalkedAndReleasedHer
 TEST_F(ModuleBoundaryTest, AnEnumeratorOfAnotherModuleHoldsItsOwnerHere) {
     Counted owner;
     {
-        Ref<CTEnum<const char*>> pieces(Plugin().pieces("one two  three", &owner));
+        qx::Reference<CTEnum<const char*>> pieces(Plugin().pieces("one two  three", &owner));
         EXPECT_EQ(owner.refs, 2u);
-        EXPECT_EQ(NamesOf(pieces.get()), kOneTwoThree);
+        EXPECT_EQ(NamesOf(pieces.Get()), kOneTwoThree);
     }
     EXPECT_EQ(owner.refs, 1u);
 }
 
 TEST_F(ModuleBoundaryTest, EnumeratorsAnswerTheRecordsOfBothModules) {
-    Ref<CTEnum<const char*>> theirs(Plugin().listNames());
+    qx::Reference<CTEnum<const char*>> theirs(Plugin().listNames());
     EXPECT_EQ(theirs->QueryInterface(qx_typeid<CTEnum<const char*>>(), nullptr), 1);
     EXPECT_EQ(theirs->QueryInterface(qx_typeid<CTEnum<char*>>(), nullptr), 0);
     _CZeroDelimitedStringsEnum<char> ours("one\0");
@@ -94,15 +94,15 @@ TEST_F(ModuleBoundaryTest, OurEnumeratorsAreWalkedAndReleasedByAnotherModule) {
 }
 
 TEST_F(ModuleBoundaryTest, AMapOfAnotherModuleIsFilledAndDeletedHere) {
-    Held<CQXUnknownImpl<IQXUnknown>> object;
+    auto object = qx::Make<CQXUnknownImpl<IQXUnknown>>();
     ObjectMap* map = Plugin().newMap();
-    EXPECT_EQ(map->SetAt("ours", object), 1);
-    EXPECT_EQ(Plugin().store(map, "theirs", object), 1);
-    EXPECT_EQ(Plugin().store(map, "ours", object), 1);
+    EXPECT_EQ(map->SetAt("ours", object.Get()), 1);
+    EXPECT_EQ(Plugin().store(map, "theirs", object.Get()), 1);
+    EXPECT_EQ(Plugin().store(map, "ours", object.Get()), 1);
     EXPECT_EQ(map->count, 2u);
     IQXUnknown* found = nullptr;
     EXPECT_EQ(map->Lookup("theirs", found), 1);
-    EXPECT_EQ(found, object);
+    EXPECT_EQ(found, object.Get());
     EXPECT_EQ(map->RemoveKey("theirs"), 1);
     delete map;
     EXPECT_EQ(object->AddRef(), 2u);
@@ -110,14 +110,14 @@ TEST_F(ModuleBoundaryTest, AMapOfAnotherModuleIsFilledAndDeletedHere) {
 }
 
 TEST_F(ModuleBoundaryTest, OurMapIsFilledAndDeletedByAnotherModule) {
-    Held<CQXUnknownImpl<IQXUnknown>> object;
+    auto object = qx::Make<CQXUnknownImpl<IQXUnknown>>();
     auto map = new ObjectMap;
     // Past the size where a map keeps an index, from both sides.
     for (int i = 0; i < 300; ++i) {
         std::string name = std::to_string(i);
-        EXPECT_EQ(
-            i % 2 ? map->SetAt(name.c_str(), object) : Plugin().store(map, name.c_str(), object),
-            1);
+        EXPECT_EQ(i % 2 ? map->SetAt(name.c_str(), object.Get())
+                        : Plugin().store(map, name.c_str(), object.Get()),
+                  1);
     }
     IQXUnknown* found = nullptr;
     for (int i = 0; i < 300; ++i) EXPECT_EQ(map->Lookup(std::to_string(i).c_str(), found), 1);

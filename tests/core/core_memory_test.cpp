@@ -1,18 +1,18 @@
 // What the core does when the n-th allocation fails: of a heap's blocks, and of what the core takes
 // beside its heaps.
 #include "support/allocation_failure.h"
-#include "support/held.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/heap.h>
+#include <qxcore/reference.h>
 
 #include <cstring>
 #include <string>
 
 namespace {
 
-Ref<IHeap> NewHeap() {
-    return Ref<IHeap>(new_MemoryHeap(0));
+qx::Reference<IHeap> NewHeap() {
+    return qx::Reference<IHeap>(new_MemoryHeap(0));
 }
 
 int Nothing() {
@@ -38,7 +38,7 @@ qx_type_info RecordOf(const char* name) {
 TEST(CoreMemoryTest, AHeapThatCannotBeMadeLeavesNothing) {
     auto make = [](int) { NewHeap(); };
     auto check = [](int) {
-        Ref<IHeap> heap = NewHeap();
+        qx::Reference<IHeap> heap = NewHeap();
         heap->Free(heap->Alloc(8));
     };
     EXPECT_EQ(FailEachAllocation(Nothing, make, check, false, Memory::runtime),
@@ -62,9 +62,9 @@ TEST(CoreMemoryTest, AHeapThatCannotBeMadeCountsAsActivity) {
 }
 
 TEST(CoreMemoryTest, ABlockThatCannotBeMadeLeavesTheHeapUsable) {
-    auto check = [](Ref<IHeap>& heap) { heap->Free(heap->Alloc(100)); };
+    auto check = [](qx::Reference<IHeap>& heap) { heap->Free(heap->Alloc(100)); };
     EXPECT_EQ(FailEachAllocation(
-                  NewHeap, [](Ref<IHeap>& heap) { heap->Free(heap->Alloc(100)); }, check),
+                  NewHeap, [](qx::Reference<IHeap>& heap) { heap->Free(heap->Alloc(100)); }, check),
               1u);
 }
 
@@ -161,15 +161,15 @@ TEST(CoreMemoryTest, AQueryNeverThrowsThoughItsFirstComparisonFindsNoMemory) {
     for (unsigned n : {1u, 2u}) {
         qx_type_info unknown =
             RecordOf((".?AUIAskedWithoutMemory" + std::to_string(n) + "@@").c_str());
-        Ref<IHeap> heap = NewHeap();
-        IQXUnknown* answer = heap.get();
+        qx::Reference<IHeap> heap = NewHeap();
+        IQXUnknown* answer = heap.Get();
         FailingAllocation failing(n, Memory::runtime);
         EXPECT_EQ(heap->QueryInterface(unknown, &answer), 0);
         EXPECT_TRUE(failing.Happened());
         EXPECT_EQ(answer, nullptr);
     }
     qx_type_info ownHeap = RecordOf(".?AVIHeap@@");
-    Ref<IHeap> heap = NewHeap();
+    qx::Reference<IHeap> heap = NewHeap();
     FailingAllocation failing(1, Memory::runtime);
     EXPECT_EQ(heap->QueryInterface(ownHeap, nullptr), 1);
 }

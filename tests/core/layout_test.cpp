@@ -1,9 +1,9 @@
 // The order of slots and fields in what modules share.
-#include "support/held.h"
 #include "support/slot.h"
 
 #include <gtest/gtest.h>
 #include <qxcore.h>
+#include <qxcore/reference.h>
 
 #include <cstddef>
 
@@ -61,20 +61,20 @@ constexpr int kInternal = 4 + kDestructorSlots;
 }  // namespace
 
 TEST(LayoutTest, AnImplementationsOwnOperationsStandBehindItsInterfaceAndDestructor) {
-    Held<CLayout> object;
-    ILayout* table = object;
+    auto object = qx::Make<CLayout>();
+    ILayout* table = object.Get();
     ExpectCountsAndQueries(table, 0);
     EXPECT_EQ(Slot<int(void*)>(table, 3)(table), 42);
     ExpectCountsAndQueries(table, kInternal);
 }
 
 TEST(LayoutTest, AParentedObjectAddsSetParentAndGetParentAtTheEnd) {
-    Held<CChild> child, parent;
-    ILayout* table = child;
+    auto child = qx::Make<CChild>(), parent = qx::Make<CChild>();
+    ILayout* table = child.Get();
     ExpectCountsAndQueries(table, 0);
-    Slot<void(void*, ILayout*)>(table, kInternal + 3)(table, parent);
+    Slot<void(void*, ILayout*)>(table, kInternal + 3)(table, parent.Get());
     ILayout* found = Slot<ILayout*(void*)>(table, kInternal + 4)(table);
-    EXPECT_EQ(found, parent);
+    EXPECT_EQ(found, parent.Get());
     found->Release();
 }
 
@@ -109,8 +109,8 @@ TEST(LayoutTest, AnAggregateIsItsThreeOperationsAndItsDestructor) {
 }
 
 TEST(LayoutTest, AHandleHoldsItsOwnerAlone) {
-    Held<CLayout> object;
-    CUnknownInternal handle(object);
+    auto object = qx::Make<CLayout>();
+    CUnknownInternal handle(object.Get());
     EXPECT_EQ(Place(&handle, &handle.owner), sizeof(void*));
     EXPECT_EQ(sizeof handle, 2 * sizeof(void*));
     EXPECT_EQ(Slot<Count>(&handle, 0)(&handle), 0u);

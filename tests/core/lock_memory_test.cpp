@@ -1,10 +1,10 @@
 // Locks, events and threads when memory runs out, or the system has no more of its objects.
 #include "support/allocation_failure.h"
-#include "support/held.h"
 #include "support/import_slot.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/lock.h>
+#include <qxcore/reference.h>
 #include <qxcore/thread.h>
 
 namespace {
@@ -35,7 +35,7 @@ unsigned AnswersSeven(void*) {
 }  // namespace
 
 TEST(LockMemoryTest, ALockThatCannotBeMadeDoesNotCount) {
-    auto make = [](int) { Ref<ICritSect> lock(CriticalSection_New()); };
+    auto make = [](int) { qx::Reference<ICritSect> lock(CriticalSection_New()); };
     auto check = [](int) {
         EXPECT_EQ(Wait_All(0), QXWAIT_ACQUIRED);
     };  // there is no lock, so no mutex
@@ -47,15 +47,15 @@ TEST(LockMemoryTest, ThePlacementFormTakesNoMemory) {
     _CriticalSection_New_For_Core(nullptr, &size);
     void* memory = ::operator new(static_cast<size_t>(size));
     FailingAllocation block(1), runtime(1, Memory::runtime);
-    Ref<ICritSect> lock(_CriticalSection_New_For_Core(memory, nullptr));
-    EXPECT_EQ(lock.get(), memory);
+    qx::Reference<ICritSect> lock(_CriticalSection_New_For_Core(memory, nullptr));
+    EXPECT_EQ(lock.Get(), memory);
     EXPECT_FALSE(block.Happened() || runtime.Happened());
 }
 
 TEST(LockMemoryTest, LocksWorkWithoutTheMutexWhenTheSystemRefusesIt) {
     ReplacedImport create("CreateMutexA", Address(NoMutex));
     ASSERT_TRUE(create);
-    Ref<ICritSect> lock(CriticalSection_New());
+    qx::Reference<ICritSect> lock(CriticalSection_New());
     lock->Enter();
     lock->Enter();
     EXPECT_EQ(Wait_All(0), QXWAIT_ACQUIRED);
@@ -65,7 +65,7 @@ TEST(LockMemoryTest, LocksWorkWithoutTheMutexWhenTheSystemRefusesIt) {
 }
 
 TEST(LockMemoryTest, AnEventThatCannotBeMadeLeavesNothing) {
-    auto make = [](int) { Ref<IEvent> event(Event_New(1)); };
+    auto make = [](int) { qx::Reference<IEvent> event(Event_New(1)); };
     EXPECT_EQ(FailEachAllocation(Nothing, make, [](int) {}), 1u);
 }
 

@@ -1,11 +1,11 @@
 // One mutex spans all processes that use the library, so these tests are a program of their own and
 // run alone.
 #include "core/lock_child.h"
-#include "support/held.h"
 #include "support/slot.h"
 
 #include <gtest/gtest.h>
 #include <qxcore.h>
+#include <qxcore/reference.h>
 
 #include <cstring>
 #include <string>
@@ -84,16 +84,16 @@ TEST(LockTest, ThePlacementFormBuildsInTheGivenMemoryAndIgnoresTheSize) {
 }
 
 TEST(LockTest, ALockAnswersNoQueryAndLeavesTheOutPointer) {
-    Ref<ICritSect> lock(CriticalSection_New());
-    IQXUnknown* out = lock.get();
+    qx::Reference<ICritSect> lock(CriticalSection_New());
+    IQXUnknown* out = lock.Get();
     EXPECT_EQ(lock->QueryInterface(qx_typeid<IQXUnknown>(), &out), 0);
     EXPECT_EQ(lock->QueryInterface(qx_typeid<ICritSect>(), &out), 0);
     EXPECT_EQ(lock->QueryInterface(qx_typeid<ICritSect>(), nullptr), 0);
-    EXPECT_EQ(out, lock.get());
+    EXPECT_EQ(out, lock.Get());
 }
 
 TEST(LockTest, ALockCountsFromOne) {
-    Ref<ICritSect> lock(CriticalSection_New());
+    qx::Reference<ICritSect> lock(CriticalSection_New());
     EXPECT_EQ(lock->AddRef(), 2u);
     EXPECT_EQ(lock->Release(), 1u);
 }
@@ -107,19 +107,19 @@ TEST(LockTest, WithNoLockAliveWaitAllAnswersOneAndWaitReleaseDoesNothing) {
 
 TEST(LockTest, TheMutexComesWithTheFirstLockAndGoesWithTheLast) {
     EXPECT_FALSE(MutexExists());
-    Ref<ICritSect> first(CriticalSection_New());
+    qx::Reference<ICritSect> first(CriticalSection_New());
     EXPECT_TRUE(MutexExists());
-    Ref<ICritSect> second(CriticalSection_New());
-    first.reset();
+    qx::Reference<ICritSect> second(CriticalSection_New());
+    first.Release();
     EXPECT_TRUE(MutexExists());
-    second.reset();
+    second.Release();
     EXPECT_FALSE(MutexExists());
-    Ref<ICritSect> third(CriticalSection_New());
+    qx::Reference<ICritSect> third(CriticalSection_New());
     EXPECT_TRUE(MutexExists());
 }
 
 TEST(LockTest, WithAThreadInsideALockWaitAllOnAnotherTimesOut) {
-    Ref<ICritSect> lock(CriticalSection_New());
+    qx::Reference<ICritSect> lock(CriticalSection_New());
     lock->Enter();
     EXPECT_EQ(OnAnotherThread([] { return Wait_All(0); }), 2);
     lock->Leave();
@@ -132,7 +132,7 @@ TEST(LockTest, WithAThreadInsideALockWaitAllOnAnotherTimesOut) {
 }
 
 TEST(LockTest, TheHolderOfAllLocksMayEnterAnyOfThem) {
-    Ref<ICritSect> a(CriticalSection_New()), b(CriticalSection_New());
+    qx::Reference<ICritSect> a(CriticalSection_New()), b(CriticalSection_New());
     EXPECT_EQ(Wait_All(0), 1);
     a->Enter();
     b->Enter();
@@ -145,8 +145,8 @@ TEST(LockTest, TheHolderOfAllLocksMayEnterAnyOfThem) {
 }
 
 TEST(LockTest, WaitAllStopsEnterOnOtherThreadsUntilWaitRelease) {
-    Ref<ICritSect> lock(CriticalSection_New());
-    Ref<IEvent> entered(Event_New(0));
+    qx::Reference<ICritSect> lock(CriticalSection_New());
+    qx::Reference<IEvent> entered(Event_New(0));
     ASSERT_EQ(Wait_All(0), 1);
     std::thread other([&] {
         lock->Enter();
@@ -160,8 +160,8 @@ TEST(LockTest, WaitAllStopsEnterOnOtherThreadsUntilWaitRelease) {
 }
 
 TEST(LockTest, TheSlotsAreEnterLeaveBehindTheRoots) {
-    Ref<ICritSect> lock(CriticalSection_New());
-    ICritSect* table = lock.get();
+    qx::Reference<ICritSect> lock(CriticalSection_New());
+    ICritSect* table = lock.Get();
     Slot<void(void*)>(table, 3)(table);
     EXPECT_EQ(OnAnotherThread([] { return Wait_All(0); }), 2);
     Slot<void(void*)>(table, 4)(table);
@@ -174,8 +174,8 @@ TEST(LockTest, TheSlotsAreEnterLeaveBehindTheRoots) {
 }
 
 TEST(LockTest, OneLockHoldsUpEveryOtherLock) {
-    Ref<ICritSect> a(CriticalSection_New()), b(CriticalSection_New());
-    Ref<IEvent> entered(Event_New(0));
+    qx::Reference<ICritSect> a(CriticalSection_New()), b(CriticalSection_New());
+    qx::Reference<IEvent> entered(Event_New(0));
     a->Enter();
     std::thread other([&] {
         b->Enter();
@@ -189,7 +189,7 @@ TEST(LockTest, OneLockHoldsUpEveryOtherLock) {
 }
 
 TEST(LockTest, TheMutexSpansProcesses) {
-    Ref<ICritSect> lock(CriticalSection_New());
+    qx::Reference<ICritSect> lock(CriticalSection_New());
     ChildProcess child(kChildWaits);
     ASSERT_TRUE(child.inside);
     EXPECT_EQ(Wait_All(100), 2);
@@ -199,7 +199,7 @@ TEST(LockTest, TheMutexSpansProcesses) {
 }
 
 TEST(LockTest, AProcessThatDiesInsideALockLeavesItAbandoned) {
-    Ref<ICritSect> lock(CriticalSection_New());
+    qx::Reference<ICritSect> lock(CriticalSection_New());
     ChildProcess child(kChildDies);
     ASSERT_TRUE(child.inside);
     EXPECT_EQ(Wait_All(0), 2);
@@ -211,20 +211,20 @@ TEST(LockTest, AProcessThatDiesInsideALockLeavesItAbandoned) {
 }
 
 TEST(LockTest, AThreadThatDiesInsideALockLeavesItAbandoned) {
-    Ref<ICritSect> lock(CriticalSection_New());
+    qx::Reference<ICritSect> lock(CriticalSection_New());
     OnAnotherThread([] { return Wait_All(0); });
     EXPECT_EQ(Wait_All(0), 3);
     Wait_Release();
 }
 
 TEST(EventTest, ASignalledEventLetsOneWaitThrough) {
-    Ref<IEvent> event(Event_New(1));
+    qx::Reference<IEvent> event(Event_New(1));
     EXPECT_EQ(event->Wait(0), 1);
     EXPECT_EQ(event->Wait(0), 2);
 }
 
 TEST(EventTest, AnUnsignalledEventTimesOutUntilItIsSet) {
-    Ref<IEvent> event(Event_New(0));
+    qx::Reference<IEvent> event(Event_New(0));
     EXPECT_EQ(event->Wait(0), 2);
     EXPECT_NE(event->Set(), 0);
     EXPECT_EQ(event->Wait(0), 1);
@@ -234,18 +234,18 @@ TEST(EventTest, AnUnsignalledEventTimesOutUntilItIsSet) {
 }
 
 TEST(EventTest, AnEventAnswersNoQueryAndCounts) {
-    Ref<IEvent> event(Event_New(0));
-    IQXUnknown* out = event.get();
+    qx::Reference<IEvent> event(Event_New(0));
+    IQXUnknown* out = event.Get();
     EXPECT_EQ(event->QueryInterface(qx_typeid<IEvent>(), &out), 0);
     EXPECT_EQ(event->QueryInterface(qx_typeid<IQXUnknown>(), &out), 0);
-    EXPECT_EQ(out, event.get());
+    EXPECT_EQ(out, event.Get());
     EXPECT_EQ(event->AddRef(), 2u);
     EXPECT_EQ(event->Release(), 1u);
 }
 
 TEST(EventTest, TheSlotsAreSetResetWaitBehindTheRoots) {
-    Ref<IEvent> event(Event_New(0));
-    IEvent* table = event.get();
+    qx::Reference<IEvent> event(Event_New(0));
+    IEvent* table = event.Get();
     auto set = Slot<int(void*)>(table, 3), reset = Slot<int(void*)>(table, 4);
     auto wait = Slot<int(void*, unsigned)>(table, 5);
     set(table);

@@ -1,10 +1,10 @@
 // Every allocation of the registry's, the frames' and the container's operations fails once.
 #include "support/allocation_failure.h"
-#include "support/held.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/enum.h>
 #include <qxcore/persist.h>
+#include <qxcore/reference.h>
 #include <qxcore/registry.h>
 #include <qxcore/services.h>
 #include <qxcore/stream.h>
@@ -21,7 +21,7 @@ namespace {
 
 constexpr char kClass[] = "CLSID_OFSERVICECONTAINER";
 
-using ContainerRef = Ref<IQXServiceContainer>;
+using ContainerRef = qx::Reference<IQXServiceContainer>;
 
 ContainerRef NewContainer() {
     IQXUnknown* object;
@@ -42,26 +42,26 @@ constexpr char kFrame[] = "AllocationNobody\0\x03\0\0\0abc";
 constexpr int kFrameSize = sizeof kFrame - 1;
 
 // A stream at the start of the frame of an unknown class.
-Ref<IXStream> NewFrame() {
-    Ref<IXStream> stream(new_StreamOnMemory());
+qx::Reference<IXStream> NewFrame() {
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
     stream->Write(kFrame, kFrameSize);
     stream->Seek(0, 0);
     return stream;
 }
 
 // The proxy for that frame.
-Ref<IPersistXStream> NewProxy() {
+qx::Reference<IPersistXStream> NewProxy() {
     IQXUnknown* object;
-    ReadObjectFromXStream(NewFrame().get(), &object);
+    ReadObjectFromXStream(NewFrame().Get(), &object);
     IQXUnknown* persistent;
     object->QueryInterface(qx_typeid<IPersistXStream>(), &persistent);
     object->Release();
-    return Ref<IPersistXStream>(static_cast<IPersistXStream*>(persistent));
+    return qx::Reference<IPersistXStream>(static_cast<IPersistXStream*>(persistent));
 }
 
 void ExpectFrameOf(IPersistXStream* object) {
-    Ref<IXStream> stream(new_StreamOnMemory());
-    WriteObjectToXStream(stream.get(), object);
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
+    WriteObjectToXStream(stream.Get(), object);
     ASSERT_EQ(stream->GetLength(), kFrameSize);
     char bytes[kFrameSize];
     stream->Seek(0, 0);
@@ -105,11 +105,11 @@ TEST(ObjectAllocationTest, AFailedContainerIsNotMade) {
 }
 
 TEST(ObjectAllocationTest, AServiceThatCouldNotBeAddedIsNotThere) {
-    Held<CPlain> plain;
-    auto add = [&](ContainerRef& container) { container->AddService("name", plain); };
+    auto plain = qx::Make<CPlain>();
+    auto add = [&](ContainerRef& container) { container->AddService("name", plain.Get()); };
     auto check = [&](ContainerRef& container) {
         EXPECT_EQ(container->GetService("name", nullptr), 0);
-        EXPECT_EQ(container->AddService("name", plain), 1);
+        EXPECT_EQ(container->AddService("name", plain.Get()), 1);
         EXPECT_EQ(container->GetService("name", nullptr), 1);
     };
     EXPECT_GE(FailEachAllocation(NewContainer, add, check), 2u);  // the table and the node
@@ -122,7 +122,7 @@ TEST(ObjectAllocationTest, AnEnumeratorThatCouldNotBeMadeLeavesTheContainerUsabl
     auto act = [](ContainerRef& container) {
         CTEnum<const char*>* names;
         container->EnumServiceNames(&names);
-        Ref<CTEnum<const char*>> held(names);
+        qx::Reference<CTEnum<const char*>> held(names);
         CTEnum<IQXUnknown*>* services;
         container->EnumServices(qx_typeid<IQXUnknown>(), &services);
         services->Release();
@@ -136,15 +136,15 @@ TEST(ObjectAllocationTest, AnEnumeratorThatCouldNotBeMadeLeavesTheContainerUsabl
 TEST(ObjectAllocationTest, AFrameThatCouldNotBeReadLeavesNoObject) {
     auto make = [] { return NewFrame(); };
     IQXUnknown* object = nullptr;
-    auto read = [&](Ref<IXStream>& stream) {
-        ReadObjectFromXStream(stream.get(), &object);
+    auto read = [&](qx::Reference<IXStream>& stream) {
+        ReadObjectFromXStream(stream.Get(), &object);
         object->Release();
         object = nullptr;
     };
-    auto check = [&](Ref<IXStream>& stream) {
+    auto check = [&](qx::Reference<IXStream>& stream) {
         EXPECT_EQ(object, nullptr);
         stream->Seek(0, 0);
-        EXPECT_EQ(ReadObjectFromXStream(stream.get(), &object), 1);
+        EXPECT_EQ(ReadObjectFromXStream(stream.Get(), &object), 1);
         object->Release();
         object = nullptr;
     };
@@ -152,35 +152,36 @@ TEST(ObjectAllocationTest, AFrameThatCouldNotBeReadLeavesNoObject) {
 }
 
 TEST(ObjectAllocationTest, AProxyThatCouldNotBeLoadedCanBeLoadedLater) {
-    Ref<IXStream> payload(new_StreamOnMemory());
+    qx::Reference<IXStream> payload(new_StreamOnMemory());
     payload->Write("abc", 3);
-    auto load = [&](Ref<IPersistXStream>& proxy) {
+    auto load = [&](qx::Reference<IPersistXStream>& proxy) {
         payload->Seek(0, 0);
-        proxy->Load(payload.get());
+        proxy->Load(payload.Get());
     };
-    auto check = [&](Ref<IPersistXStream>& proxy) {
+    auto check = [&](qx::Reference<IPersistXStream>& proxy) {
         load(proxy);
-        ExpectFrameOf(proxy.get());
+        ExpectFrameOf(proxy.Get());
     };
     EXPECT_EQ(FailEachAllocation(NewProxy, load, check), 1u);
 }
 
 TEST(ObjectAllocationTest, AnObjectWhoseFrameCouldNotBeWrittenCanBeWrittenElsewhere) {
-    auto write = [](Ref<IPersistXStream>& proxy) {
-        Ref<IXStream> stream(new_StreamOnMemory());
+    auto write = [](qx::Reference<IPersistXStream>& proxy) {
+        qx::Reference<IXStream> stream(new_StreamOnMemory());
         if (!stream) throw CXMemException();
-        WriteObjectToXStream(stream.get(), proxy.get());
+        WriteObjectToXStream(stream.Get(), proxy.Get());
     };
-    EXPECT_EQ(FailEachAllocation(NewProxy, write,
-                                 [](Ref<IPersistXStream>& proxy) { ExpectFrameOf(proxy.get()); }),
+    EXPECT_EQ(FailEachAllocation(
+                  NewProxy, write,
+                  [](qx::Reference<IPersistXStream>& proxy) { ExpectFrameOf(proxy.Get()); }),
               2u);
 }
 
 TEST(ObjectAllocationTest, MeasuringAndSkippingAFrameTakesNoMemory) {
-    Ref<IPersistXStream> proxy = NewProxy();
-    Ref<IXStream> stream = NewFrame();
+    qx::Reference<IPersistXStream> proxy = NewProxy();
+    qx::Reference<IXStream> stream = NewFrame();
     FailingAllocation failing(1);
-    EXPECT_EQ(SizeOfObject(proxy.get()), static_cast<unsigned long>(kFrameSize));
-    EXPECT_EQ(SkipObjectToXStream(stream.get()), 0u);
+    EXPECT_EQ(SizeOfObject(proxy.Get()), static_cast<unsigned long>(kFrameSize));
+    EXPECT_EQ(SkipObjectToXStream(stream.Get()), 0u);
     EXPECT_FALSE(failing.Happened());
 }

@@ -1,4 +1,3 @@
-#include "support/held.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/exception.h>
@@ -264,16 +263,16 @@ TEST_F(PersistTest, ANullObjectIsOneZeroByte) {
 }
 
 TEST_F(PersistTest, AFrameIsTheNameTheSizeAndThePayload) {
-    Held<CBytes> object("Abc", "0123456789");
-    EXPECT_EQ(SizeOfObject(object), 18u);
-    EXPECT_EQ(BytesOf(object), Raw("Abc\0\x0A\0\0\0"
-                                   "0123456789"));
+    auto object = qx::Make<CBytes>("Abc", "0123456789");
+    EXPECT_EQ(SizeOfObject(object.Get()), 18u);
+    EXPECT_EQ(BytesOf(object.Get()), Raw("Abc\0\x0A\0\0\0"
+                                         "0123456789"));
 }
 
 TEST_F(PersistTest, AnEmptyPayloadIsAFrameWithSizeZero) {
-    Held<CBytes> object("Abc", "");
-    EXPECT_EQ(SizeOfObject(object), 8u);
-    EXPECT_EQ(BytesOf(object), Raw("Abc\0\0\0\0\0"));
+    auto object = qx::Make<CBytes>("Abc", "");
+    EXPECT_EQ(SizeOfObject(object.Get()), 8u);
+    EXPECT_EQ(BytesOf(object.Get()), Raw("Abc\0\0\0\0\0"));
 }
 
 TEST_F(PersistTest, TheSizeIsMeasuredAndNotTakenFromTheObject) {
@@ -282,18 +281,18 @@ TEST_F(PersistTest, TheSizeIsMeasuredAndNotTakenFromTheObject) {
         CLiar() : CBytes("Liar", "four") {}
         unsigned GetSizeMax() override { return 1000; }
     };
-    Held<CLiar> object;
-    EXPECT_EQ(SizeOfObject(object), 1009u);
-    EXPECT_EQ(BytesOf(object), Frame("Liar", 4, "four"));
+    auto object = qx::Make<CLiar>();
+    EXPECT_EQ(SizeOfObject(object.Get()), 1009u);
+    EXPECT_EQ(BytesOf(object.Get()), Frame("Liar", 4, "four"));
 }
 
 TEST_F(PersistTest, FramesStandOneBehindTheOtherInAStreamThatHasMore) {
-    Held<CBytes> first("First", "1"), second("Second", "22");
+    auto first = qx::Make<CBytes>("First", "1"), second = qx::Make<CBytes>("Second", "22");
     Stream stream(std::string("xxxx.................................yyyy"));
     stream->Seek(4, 0);
-    WriteObjectToXStream(stream, first);
+    WriteObjectToXStream(stream, first.Get());
     WriteObjectToXStream(stream, nullptr);
-    WriteObjectToXStream(stream, second);
+    WriteObjectToXStream(stream, second.Get());
     std::string frames = Frame("First", 1, "1") + '\0' + Frame("Second", 2, "22");
     EXPECT_EQ(stream->Tell(), static_cast<int>(4 + frames.size()));
     EXPECT_EQ(stream.Bytes().substr(0, 4 + frames.size()), "xxxx" + frames);
@@ -505,13 +504,13 @@ TEST_F(PersistTest, AProxyWhoseLoadFailedHasNoPayload) {
 }
 
 TEST_F(PersistTest, AnObjectWithinAnUnknownObjectStaysInItsBytes) {
-    Held<CBytes> inner("PersistBytes", "0123456789");
-    Held<COuterObject> outer;
-    outer->inner = inner;
+    auto inner = qx::Make<CBytes>("PersistBytes", "0123456789");
+    auto outer = qx::Make<COuterObject>();
+    outer->inner = inner.Get();
     inner->AddRef();
-    std::string frame = BytesOf(outer);
+    std::string frame = BytesOf(outer.Get());
     EXPECT_EQ(frame, Frame("PersistOuter", 27, Frame("PersistBytes", 10, "0123456789")));
-    EXPECT_EQ(SizeOfObject(outer), frame.size());
+    EXPECT_EQ(SizeOfObject(outer.Get()), frame.size());
 
     Register("PersistBytes");  // the inner class alone does not help
     IPersistXStream* proxy = ObjectOf(frame);

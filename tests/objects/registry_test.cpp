@@ -1,10 +1,10 @@
 #include "objects/module_copy.h"
 #include "objects/name_collision.h"
 #include "objects/ticket.h"
-#include "support/held.h"
 
 #include <gtest/gtest.h>
 #include <qxcore/exception.h>
+#include <qxcore/reference.h>
 #include <qxcore/registry.h>
 #include <qxcore/services.h>
 
@@ -280,22 +280,22 @@ TEST(RegistryTest, TheOuterObjectReachesTheCreator) {
 TEST(RegistryTest, AClassWithoutAggregationRefusesAnOuterObject) {
     Registered guard("TestTicket");
     ASSERT_EQ(RegisterObject("TestTicket", kModule), 1);
-    Held<COuter> outer;
+    auto outer = qx::Make<COuter>();
     IQXUnknown* object = kUnset;
-    EXPECT_EQ(CreateObject("TestTicket", outer, qx_typeid<IQXUnknown>(), &object), 0);
+    EXPECT_EQ(CreateObject("TestTicket", outer.Get(), qx_typeid<IQXUnknown>(), &object), 0);
     EXPECT_EQ(object, nullptr);
 }
 
 TEST(RegistryTest, ARefusedCreationClearsTheOutPointer) {
-    Held<COuter> outer;
+    auto outer = qx::Make<COuter>();
     IQXUnknown* object = kUnset;
-    EXPECT_EQ(QXCreateInstance<COuter>(outer, qx_typeid<IQXUnknown>(), &object), 0);
+    EXPECT_EQ(QXCreateInstance<COuter>(outer.Get(), qx_typeid<IQXUnknown>(), &object), 0);
     EXPECT_EQ(object, nullptr);
     object = kUnset;
     EXPECT_EQ(QXCreateInstance<COuter>(nullptr, qx_typeid<ITicket>(), &object), 0);
     EXPECT_EQ(object, nullptr);
     object = kUnset;
-    EXPECT_EQ(CLSID_OFSERVICECONTAINER(outer, qx_typeid<IQXServiceContainer>(), &object), 0);
+    EXPECT_EQ(CLSID_OFSERVICECONTAINER(outer.Get(), qx_typeid<IQXServiceContainer>(), &object), 0);
     EXPECT_EQ(object, nullptr);
 }
 

@@ -1,6 +1,7 @@
 #include "objects/name_collision.h"
 #include "objects/services_fixture.h"
-#include "support/held.h"
+
+#include <qxcore/reference.h>
 
 #include <algorithm>
 
@@ -21,19 +22,19 @@ std::vector<std::string> WalkOrder(const std::vector<std::string>& added) {
 }  // namespace
 
 TEST_F(ServiceEnumTest, NamesComeInTheOrderOfTheTable) {
-    Held<CPlain> plain;
+    auto plain = qx::Make<CPlain>();
     std::vector<std::string> added;
     for (int i = 0; i < 300; ++i) {
         added.push_back("service" + std::to_string(i));
-        container->AddService(added.back().c_str(), plain);
+        container->AddService(added.back().c_str(), plain.Get());
     }
     EXPECT_EQ(Names(container), WalkOrder(added));
 }
 
 TEST_F(ServiceEnumTest, NamesAreDeliveredInPortions) {
-    Held<CPlain> plain;
+    auto plain = qx::Make<CPlain>();
     for (const char* name : {"a", "b", "c"})
-        container->AddService(name, plain);  // 97, 98, 99: in this order
+        container->AddService(name, plain.Get());  // 97, 98, 99: in this order
     CTEnum<const char*>* names;
     container->EnumServiceNames(&names);
     const char* out[4] = {};
@@ -61,8 +62,8 @@ TEST_F(ServiceEnumTest, NamesAreDeliveredInPortions) {
 }
 
 TEST_F(ServiceEnumTest, ANextThatReachesTheEndExactlyAnswersNothingTheNextTime) {
-    Held<CPlain> plain;
-    container->AddService("a", plain);
+    auto plain = qx::Make<CPlain>();
+    container->AddService("a", plain.Get());
     CTEnum<const char*>* names;
     container->EnumServiceNames(&names);
     const char* out[1];
@@ -93,9 +94,9 @@ TEST_F(ServiceEnumTest, AnEmptyContainerDeliversNothing) {
 
 TEST_F(ServiceEnumTest, AnInterfaceThatOneOfThreeHasDeliversOneObject) {
     auto a = new CSink("a"), c = new CSink("c");
-    Held<CPlain> plain(5);
+    auto plain = qx::Make<CPlain>(5);
     container->AddService("a", a);
-    container->AddService("b", plain);
+    container->AddService("b", plain.Get());
     container->AddService("c", c);
     CTEnum<IQXUnknown*>* services;
     EXPECT_EQ(container->EnumServices(qx_typeid<ITicket>(), &services), 1);
@@ -114,12 +115,12 @@ TEST_F(ServiceEnumTest, AnInterfaceThatOneOfThreeHasDeliversOneObject) {
 }
 
 TEST_F(ServiceEnumTest, NextPassesOverRefusalsAndSkipEndsBehindTheFirst) {
-    Held<CPlain> first(1), second(2), third(3);
+    auto first = qx::Make<CPlain>(1), second = qx::Make<CPlain>(2), third = qx::Make<CPlain>(3);
     auto sink = new CSink("c");
-    container->AddService("a", first);
-    container->AddService("b", second);
+    container->AddService("a", first.Get());
+    container->AddService("b", second.Get());
     container->AddService("c", sink);  // refuses
-    container->AddService("d", third);
+    container->AddService("d", third.Get());
     CTEnum<IQXUnknown*>* services;
     container->EnumServices(qx_typeid<ITicket>(), &services);
     IQXUnknown* out[4];
@@ -180,10 +181,10 @@ TEST_F(ServiceEnumTest, ServicesOfAnotherModuleAnswerOurRecord) {
     ASSERT_EQ(RegisterObject("TestInspector", "test_inspector_module.dll"), 1);
     IQXUnknown* object;
     ASSERT_EQ(CreateObject("TestInspector", nullptr, qx_typeid<IQXUnknown>(), &object), 1);
-    Ref<IQXUnknown> inspector(object);
-    Held<CPlain> plain(3);
+    qx::Reference<IQXUnknown> inspector(object);
+    auto plain = qx::Make<CPlain>(3);
     container->AddService("theirs", object);
-    container->AddService("ours", plain);
+    container->AddService("ours", plain.Get());
 
     CTEnum<IQXUnknown*>* services;
     container->EnumServices(qx_typeid<IInspector>(), &services);
@@ -191,7 +192,7 @@ TEST_F(ServiceEnumTest, ServicesOfAnotherModuleAnswerOurRecord) {
     unsigned fetched = 0;
     EXPECT_EQ(services->Next(2, out, &fetched), 1);
     ASSERT_EQ(fetched, 1u);
-    EXPECT_EQ(static_cast<IInspector*>(out[0])->Inspect(plain), 3);
+    EXPECT_EQ(static_cast<IInspector*>(out[0])->Inspect(plain.Get()), 3);
     out[0]->Release();
     services->Release();
     container->RemoveAllServices();

@@ -1,6 +1,7 @@
 #include "objects/name_collision.h"
 #include "objects/services_fixture.h"
-#include "support/held.h"
+
+#include <qxcore/reference.h>
 
 #include <algorithm>
 
@@ -31,13 +32,13 @@ TEST_F(ServicesTest, ACreatorWithoutAnOuterObjectAnswersBothInterfaces) {
 }
 
 TEST_F(ServicesTest, ACreatorWithAnOuterObjectGivesOnlyTheRoot) {
-    Held<CPlain> outer;
+    auto outer = qx::Make<CPlain>();
     IQXUnknown* object = kUnset;
-    EXPECT_EQ(CLSID_OFSERVICECONTAINER(outer, qx_typeid<IQXServiceContainer>(), &object), 0);
+    EXPECT_EQ(CLSID_OFSERVICECONTAINER(outer.Get(), qx_typeid<IQXServiceContainer>(), &object), 0);
     EXPECT_EQ(object, nullptr);
-    EXPECT_EQ(CreateObject(kClass, outer, qx_typeid<IQXServiceContainer>(), &object), 0);
+    EXPECT_EQ(CreateObject(kClass, outer.Get(), qx_typeid<IQXServiceContainer>(), &object), 0);
     EXPECT_EQ(object, nullptr);
-    EXPECT_EQ(CreateObject(kClass, outer, qx_typeid<IQXUnknown>(), &object), 1);
+    EXPECT_EQ(CreateObject(kClass, outer.Get(), qx_typeid<IQXUnknown>(), &object), 1);
     EXPECT_EQ(object->Release(), 0u);
     EXPECT_EQ(outer->Refs(), 1u);
 }
@@ -145,10 +146,10 @@ TEST_F(ServicesTest, ANameThatIsTakenIsNotReplaced) {
 TEST_F(ServicesTest, TwoNamesOfOneHashAreOneService) {
     std::string other = NameWithTheHashOf("Printing");
     ASSERT_EQ(other.size(), 9u);
-    Held<CPlain> plain;
-    EXPECT_EQ(container->AddService("Printing", plain), 1);
+    auto plain = qx::Make<CPlain>();
+    EXPECT_EQ(container->AddService("Printing", plain.Get()), 1);
     EXPECT_EQ(container->GetService(other.c_str(), nullptr), 1);
-    EXPECT_EQ(container->AddService(other.c_str(), plain), 0);
+    EXPECT_EQ(container->AddService(other.c_str(), plain.Get()), 0);
     EXPECT_EQ(Names(container), std::vector<std::string>{"Printing"});
     EXPECT_EQ(container->RemoveService(other.c_str()), 1);
     EXPECT_EQ(container->GetService("Printing", nullptr), 0);
@@ -220,9 +221,9 @@ TEST_F(ServicesTest, ASinkThatThrowsAtItsRemovalIsRemoved) {
 
 TEST_F(ServicesTest, RemovingAllTellsEverySinkAndTheContainerGoesOn) {
     auto a = new CSink("a"), b = new CSink("b");
-    Held<CPlain> plain;
+    auto plain = qx::Make<CPlain>();
     container->AddService("a", a);
-    container->AddService("plain", plain);
+    container->AddService("plain", plain.Get());
     container->AddService("b", b);
     g_events.clear();
     container->RemoveAllServices();
@@ -234,7 +235,7 @@ TEST_F(ServicesTest, RemovingAllTellsEverySinkAndTheContainerGoesOn) {
     EXPECT_EQ(Names(container), Events{"a"});
     container->RemoveAllServices();
     container->RemoveAllServices();
-    EXPECT_EQ(container->AddService("plain", plain), 1);
+    EXPECT_EQ(container->AddService("plain", plain.Get()), 1);
     container->RemoveAllServices();
     a->Release();
     b->Release();

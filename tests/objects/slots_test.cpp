@@ -1,9 +1,9 @@
 // The slots of the interfaces.
 #include "objects/services_fixture.h"
-#include "support/held.h"
 #include "support/slot.h"
 
 #include <qxcore/persist.h>
+#include <qxcore/reference.h>
 
 namespace {
 
@@ -20,8 +20,8 @@ using SlotsTest = ServicesTest;
 }  // namespace
 
 TEST_F(SlotsTest, APersistentObjectsAreClassNameSizeLoadSave) {
-    Held<CRecorder> object;
-    IQXUnknown* root = object;
+    auto object = qx::Make<CRecorder>();
+    IQXUnknown* root = object.Get();
     EXPECT_STREQ(Slot<const char*(IQXUnknown*)>(root, 3)(root), "Recorder");
     EXPECT_EQ(Slot<unsigned(IQXUnknown*)>(root, 4)(root), 7u);
     Slot<void(IQXUnknown*, IXStream*)>(root, 5)(root, nullptr);
@@ -32,15 +32,15 @@ TEST_F(SlotsTest, APersistentObjectsAreClassNameSizeLoadSave) {
 
 TEST_F(SlotsTest, AContainersAreTheEnumeratorsThenGetAddRemoveRemoveAll) {
     IQXUnknown* root = static_cast<IQXServiceContainer*>(container);
-    Held<CPlain> plain(5);
+    auto plain = qx::Make<CPlain>(5);
     using Add = int(IQXUnknown*, const char*, IQXUnknown*);
     using Get = int(IQXUnknown*, const char*, IQXUnknown**);
     using Remove = int(IQXUnknown*, const char*);
-    EXPECT_EQ(Slot<Add>(root, 6)(root, "one", plain), 1);
-    EXPECT_EQ(Slot<Add>(root, 6)(root, "two", plain), 1);
+    EXPECT_EQ(Slot<Add>(root, 6)(root, "one", plain.Get()), 1);
+    EXPECT_EQ(Slot<Add>(root, 6)(root, "two", plain.Get()), 1);
     IQXUnknown* found = nullptr;
     EXPECT_EQ(Slot<Get>(root, 5)(root, "one", &found), 1);
-    EXPECT_EQ(found, static_cast<IQXUnknown*>(plain));
+    EXPECT_EQ(found, static_cast<IQXUnknown*>(plain.Get()));
     found->Release();
 
     CTEnum<IQXUnknown*>* services;
@@ -62,8 +62,8 @@ TEST_F(SlotsTest, AContainersAreTheEnumeratorsThenGetAddRemoveRemoveAll) {
 }
 
 TEST_F(SlotsTest, ASinksAreAddedRemoved) {
-    Held<CSink> sink("s");
-    IQXUnknown* root = sink;
+    auto sink = qx::Make<CSink>("s");
+    IQXUnknown* root = sink.Get();
     IQXUnknown* handle = static_cast<IQXServiceContainer*>(container);
     Slot<void(IQXUnknown*, IQXUnknown*)>(root, 3)(root, handle);
     Slot<void(IQXUnknown*, IQXUnknown*)>(root, 4)(root, handle);
