@@ -39,8 +39,14 @@ add_library(qxcore_test_code INTERFACE)
 if(NOT MSVC)
   set(CMAKE_CXX_FLAGS_RELEASE "")
   set(CMAKE_CXX_FLAGS_DEBUG "")
-  target_compile_options(qxcore_product_code INTERFACE -g $<IF:$<CONFIG:Debug>,-O0,-O2>)
+  target_compile_options(qxcore_product_code INTERFACE -g $<IF:$<CONFIG:Debug>,-Og,-O2>)
   target_compile_options(qxcore_test_code INTERFACE -O0)
+  find_program(QXCORE_LLD ld.lld)
+  if(CMAKE_CROSSCOMPILING AND QXCORE_LLD)
+    # The stack is as large as the usual linker makes it.
+    target_link_options(qxcore_test_code INTERFACE "SHELL:-wrapper ${CMAKE_CURRENT_LIST_DIR}/link-with-lld"
+      -Wl,--stack,2097152)
+  endif()
 endif()
 
 # Programs of this build run through Wine in a prefix of the build tree.
