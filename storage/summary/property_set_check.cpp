@@ -6,6 +6,7 @@
 #include <propidl.h>
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -55,8 +56,12 @@ public:
         return true;
     }
     // REQUIRES: Holds(offset, count); so below.
-    Bytes Part(uint64_t offset, uint64_t count) const { return {m_bytes + offset, count}; }
+    Bytes Part(uint64_t offset, uint64_t count) const {
+        assert(Holds(offset, count));
+        return {m_bytes + offset, count};
+    }
     bool AllZero(uint64_t offset, uint64_t count) const {
+        assert(Holds(offset, count));
         return std::all_of(m_bytes + offset, m_bytes + offset + count,
                            [](uint8_t byte) { return byte == 0; });
     }

@@ -8,6 +8,7 @@
 #include <qxcore/dictionary.h>
 
 #include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <iterator>
 
@@ -59,6 +60,7 @@ void UnpatchListedModules() {
 }  // namespace
 
 void PatchModule(HMODULE module) {
+    assert(module);
     RefreshExtraModules();
     TellModule(module);
     // The library's own imports are its way to the real functions.
@@ -72,6 +74,7 @@ void PatchModule(HMODULE module) {
 }
 
 void UnpatchModule(HMODULE module) {
+    assert(module);
     UnmarkModule(module);
     InterceptedImports imports;
     ExchangeImports(module, ImportWay::Restore, imports.rows, kInterceptedCount);

@@ -7,6 +7,7 @@
 #include <qxcore/exception.h>
 
 #include <cstdlib>
+#include <type_traits>
 
 namespace qx {
 
@@ -70,20 +71,14 @@ private:
     int m_size = 0;
 };
 
+// A modal dialog is done with its template; that of any other stays allocated.
 template <class Indirect>
-INT_PTR RunTemplate(Indirect* real, const DLGTEMPLATE* dialog, const DialogArguments& a,
-                    const LookupCall& call) {
+auto RunTemplate(Indirect* real, const DLGTEMPLATE* dialog, const DialogArguments& a,
+                 const LookupCall& call) {
     TranslatedTemplate translated(dialog, call);
-    INT_PTR result = real(a.module, translated.Get(), a.parent, a.proc, a.param);
-    translated.Release();
+    auto result = real(a.module, translated.Get(), a.parent, a.proc, a.param);
+    if constexpr (std::is_same_v<decltype(result), INT_PTR>) translated.Release();
     return result;
-}
-
-// The translated template stays allocated, one for each dialog made.
-template <class Indirect>
-HWND MakeFromTemplate(Indirect* real, const DLGTEMPLATE* dialog, const DialogArguments& a,
-                      const LookupCall& call) {
-    return real(a.module, TranslatedTemplate(dialog, call).Get(), a.parent, a.proc, a.param);
 }
 
 // Whether the dialog of a call is translated; tells why it is not.
@@ -95,71 +90,38 @@ bool IsDialogActive(const LookupCall& call) {
 
 }  // namespace
 
-HWND WINAPI NewCreateDialogParamA(HINSTANCE module, const char* name, HWND parent, DLGPROC proc,
-                                  LPARAM param) {
-    LookupCall call = QX_CALL(CreateDialogParamA, module);
-    if (!IsDialogActive(call))
-        return QX_REAL(CreateDialogParamA)(module, name, parent, proc, param);
-    return RunResource(NewFindResourceA, name, QX_REAL(CreateDialogIndirectParamA),
-                       {module, parent, proc, param}, call);
-}
+// A dialog by its name. `untranslated` is what serves without translation.
+#define QX_NAMED_DIALOG(Result, function, Name, untranslated, find, indirect)                  \
+    Result WINAPI New##function(HINSTANCE module, const Name* name, HWND parent, DLGPROC proc, \
+                                LPARAM param) {                                                \
+        LookupCall call = QX_CALL(function, module);                                           \
+        if (!IsDialogActive(call)) return untranslated(module, name, parent, proc, param);     \
+        return RunResource(New##find, name, QX_REAL(indirect), {module, parent, proc, param},  \
+                           call);                                                              \
+    }
+QX_NAMED_DIALOG(HWND, CreateDialogParamA, char, QX_REAL(CreateDialogParamA), FindResourceA,
+                CreateDialogIndirectParamA)
+QX_NAMED_DIALOG(HWND, CreateDialogParamW, wchar_t, QX_REAL(CreateDialogParamW), FindResourceW,
+                CreateDialogIndirectParamW)
+QX_NAMED_DIALOG(INT_PTR, DialogBoxParamA, char, ::DialogBoxParamA, FindResourceA,
+                DialogBoxIndirectParamA)
+QX_NAMED_DIALOG(INT_PTR, DialogBoxParamW, wchar_t, ::DialogBoxParamW, FindResourceW,
+                DialogBoxIndirectParamW)
+#undef QX_NAMED_DIALOG
 
-HWND WINAPI NewCreateDialogParamW(HINSTANCE module, const wchar_t* name, HWND parent, DLGPROC proc,
-                                  LPARAM param) {
-    LookupCall call = QX_CALL(CreateDialogParamW, module);
-    if (!IsDialogActive(call))
-        return QX_REAL(CreateDialogParamW)(module, name, parent, proc, param);
-    return RunResource(NewFindResourceW, name, QX_REAL(CreateDialogIndirectParamW),
-                       {module, parent, proc, param}, call);
-}
-
-// Without translation the library's own import serves.
-INT_PTR WINAPI NewDialogBoxParamA(HINSTANCE module, const char* name, HWND parent, DLGPROC proc,
-                                  LPARAM param) {
-    LookupCall call = QX_CALL(DialogBoxParamA, module);
-    if (!IsDialogActive(call)) return DialogBoxParamA(module, name, parent, proc, param);
-    return RunResource(NewFindResourceA, name, QX_REAL(DialogBoxIndirectParamA),
-                       {module, parent, proc, param}, call);
-}
-
-INT_PTR WINAPI NewDialogBoxParamW(HINSTANCE module, const wchar_t* name, HWND parent, DLGPROC proc,
-                                  LPARAM param) {
-    LookupCall call = QX_CALL(DialogBoxParamW, module);
-    if (!IsDialogActive(call)) return DialogBoxParamW(module, name, parent, proc, param);
-    return RunResource(NewFindResourceW, name, QX_REAL(DialogBoxIndirectParamW),
-                       {module, parent, proc, param}, call);
-}
-
-INT_PTR WINAPI NewDialogBoxIndirectParamA(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent,
-                                          DLGPROC proc, LPARAM param) {
-    LookupCall call = QX_CALL(DialogBoxIndirectParamA, module);
-    auto real = QX_REAL(DialogBoxIndirectParamA);
-    if (!IsDialogActive(call)) return real(module, dialog, parent, proc, param);
-    return RunTemplate(real, dialog, {module, parent, proc, param}, call);
-}
-
-INT_PTR WINAPI NewDialogBoxIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent,
-                                          DLGPROC proc, LPARAM param) {
-    LookupCall call = QX_CALL(DialogBoxIndirectParamW, module);
-    auto real = QX_REAL(DialogBoxIndirectParamW);
-    if (!IsDialogActive(call)) return real(module, dialog, parent, proc, param);
-    return RunTemplate(real, dialog, {module, parent, proc, param}, call);
-}
-
-HWND WINAPI NewCreateDialogIndirectParamA(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent,
-                                          DLGPROC proc, LPARAM param) {
-    LookupCall call = QX_CALL(CreateDialogIndirectParamA, module);
-    auto real = QX_REAL(CreateDialogIndirectParamA);
-    if (!IsDialogActive(call)) return real(module, dialog, parent, proc, param);
-    return MakeFromTemplate(real, dialog, {module, parent, proc, param}, call);
-}
-
-HWND WINAPI NewCreateDialogIndirectParamW(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent,
-                                          DLGPROC proc, LPARAM param) {
-    LookupCall call = QX_CALL(CreateDialogIndirectParamW, module);
-    auto real = QX_REAL(CreateDialogIndirectParamW);
-    if (!IsDialogActive(call)) return real(module, dialog, parent, proc, param);
-    return MakeFromTemplate(real, dialog, {module, parent, proc, param}, call);
-}
+// A dialog by its template.
+#define QX_INDIRECT_DIALOG(Result, function)                                              \
+    Result WINAPI New##function(HINSTANCE module, const DLGTEMPLATE* dialog, HWND parent, \
+                                DLGPROC proc, LPARAM param) {                             \
+        LookupCall call = QX_CALL(function, module);                                      \
+        auto real = QX_REAL(function);                                                    \
+        if (!IsDialogActive(call)) return real(module, dialog, parent, proc, param);      \
+        return RunTemplate(real, dialog, {module, parent, proc, param}, call);            \
+    }
+QX_INDIRECT_DIALOG(INT_PTR, DialogBoxIndirectParamA)
+QX_INDIRECT_DIALOG(INT_PTR, DialogBoxIndirectParamW)
+QX_INDIRECT_DIALOG(HWND, CreateDialogIndirectParamA)
+QX_INDIRECT_DIALOG(HWND, CreateDialogIndirectParamW)
+#undef QX_INDIRECT_DIALOG
 
 }  // namespace qx

@@ -7,64 +7,54 @@
 #include <cstring>
 #include <string>
 
+using qx::Reference;
+
 namespace {
 
 void Put(IXStorage* storage, const char* name, const std::string& bytes) {
-    IXStream* stream = storage->CreateStream(name);
+    Reference<IXStream> stream(storage->CreateStream(name));
     stream->Write(bytes.data(), static_cast<int>(bytes.size()));
-    stream->Release();
 }
 
 void WriteTree(const char* path) {
-    IXStorage* root = new_Storage(path, QXSTG_TRANSACTED);
-    Put(root, "empty", "");
-    Put(root, "small", "a few bytes\n");
-    Put(root, "large", std::string(4095, 'a') + std::string(100000, 'b'));
+    Reference<IXStorage> root(new_Storage(path, QXSTG_TRANSACTED));
+    Put(root.Get(), "empty", "");
+    Put(root.Get(), "small", "a few bytes\n");
+    Put(root.Get(), "large", std::string(4095, 'a') + std::string(100000, 'b'));
 
-    IXStorage* child = root->CreateStorage("child", 0);
-    IXStorage* grandchild = child->CreateStorage("grand child", 0);
-    IXStream* stream = grandchild->CreateStream("values");
+    Reference<IXStorage> child(root->CreateStorage("child", 0));
+    Reference<IXStorage> grandchild(child->CreateStorage("grand child", 0));
+    Reference<IXStream> stream(grandchild->CreateStream("values"));
     CQXVariant number(-2), text("text");
     stream->WriteVariant(&number);
     stream->WriteVariant(&text);
     stream->WriteDouble(1.0);
-    stream->Release();
-    grandchild->Release();
-    child->Release();
 
-    IQXUnknown* found = nullptr;
-    root->QueryInterface(qx_typeid<IQXProperty>(), &found);
-    auto properties = static_cast<IQXProperty*>(found);
+    Reference<IQXProperty> properties = qx::Ask<IQXProperty>(root.Get());
     // Wine leaves the last text of a set unpadded, which gsf refuses; these two fill their last
     // four bytes.
     CQXVariant title("A new title"), company("The company");
     properties->SetProperty("Title", title);
     properties->SetProperty("Company", company);
-    properties->Release();
-    root->Release();
 }
 
 void PrintStream(IXStorage* storage, const std::string& prefix, const char* name) {
     printf("%s%s:", prefix.c_str(), name);
-    IXStream* stream = storage->OpenStream(name);
+    Reference<IXStream> stream(storage->OpenStream(name));
     unsigned char byte;
     while (stream->Read(&byte, 1) == 1) printf(" %02x", byte);
     printf("\n");
-    stream->Release();
 }
 
 void PrintTree(IXStorage* storage, const std::string& prefix) {
     const char* name;
-    CTEnum<const char*>* streams = storage->EnumStreams();
+    Reference<CTEnum<const char*>> streams(storage->EnumStreams());
     while (streams->Next(1, &name, nullptr)) PrintStream(storage, prefix, name);
-    streams->Release();
-    CTEnum<const char*>* storages = storage->EnumStorages();
+    Reference<CTEnum<const char*>> storages(storage->EnumStorages());
     while (storages->Next(1, &name, nullptr)) {
-        IXStorage* child = storage->OpenStorage(name);
-        PrintTree(child, prefix + name + "/");
-        child->Release();
+        Reference<IXStorage> child(storage->OpenStorage(name));
+        PrintTree(child.Get(), prefix + name + "/");
     }
-    storages->Release();
 }
 
 }  // namespace
@@ -75,9 +65,8 @@ int main(int argc, char** argv) {
         if (strcmp(argv[1], "write") == 0) {
             WriteTree(argv[2]);
         } else {
-            IXStorage* root = open_Storage(argv[2], 1);
-            PrintTree(root, "");
-            root->Release();
+            Reference<IXStorage> root(open_Storage(argv[2], 1));
+            PrintTree(root.Get(), "");
         }
     } catch (CXException& e) {
         fprintf(stderr, "code %d\n", e.GetCode());

@@ -6,31 +6,21 @@ namespace {
 constexpr DWORD kWrite = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
 constexpr DWORD kRead = STGM_READ | STGM_SHARE_EXCLUSIVE;
 
-struct RawStorage {
-    ~RawStorage() {
-        if (ole) ole->Release();
-    }
-    IStorage* operator->() const { return ole; }
-    IStorage* ole = nullptr;
-};
-
 void RawPut(IStorage* storage, const wchar_t* name, const std::string& bytes) {
-    IStream* stream = nullptr;
-    ASSERT_EQ(storage->CreateStream(name, kWrite, 0, 0, &stream), S_OK);
+    Reference<IStream> stream;
+    ASSERT_EQ(storage->CreateStream(name, kWrite, 0, 0, stream.Receive()), S_OK);
     ULONG written;
     EXPECT_EQ(stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), &written), S_OK);
-    stream->Release();
 }
 
 std::string RawGet(IStorage* storage, const wchar_t* name) {
-    IStream* stream = nullptr;
-    if (FAILED(storage->OpenStream(name, nullptr, kRead, 0, &stream))) return "(none)";
+    Reference<IStream> stream;
+    if (FAILED(storage->OpenStream(name, nullptr, kRead, 0, stream.Receive()))) return "(none)";
     STATSTG facts = {};
     stream->Stat(&facts, STATFLAG_NONAME);
     std::string bytes(facts.cbSize.LowPart, '?');
     ULONG read;
     stream->Read(bytes.data(), static_cast<ULONG>(bytes.size()), &read);
-    stream->Release();
     return bytes;
 }
 
@@ -39,12 +29,12 @@ std::string RawGet(IStorage* storage, const wchar_t* name) {
 TEST_F(StorageTest, WhatThePlatformWritesIsRead) {
     std::string path = Path("raw.stg");
     {
-        RawStorage root, child;
-        ASSERT_EQ(StgCreateDocfile(Widen(path).c_str(), kWrite, 0, &root.ole), S_OK);
-        RawPut(root.ole, L"small", "abc");
-        RawPut(root.ole, L"large", std::string(70000, 'L'));
-        ASSERT_EQ(root->CreateStorage(L"sub", kWrite, 0, 0, &child.ole), S_OK);
-        RawPut(child.ole, L"variant", Bytes({5, 0, 42, 0, 0, 0, 10, 0, 3, 0, 0, 0, 'o', 'k', 0}));
+        Reference<IStorage> root, child;
+        ASSERT_EQ(StgCreateDocfile(Widen(path).c_str(), kWrite, 0, root.Receive()), S_OK);
+        RawPut(root.Get(), L"small", "abc");
+        RawPut(root.Get(), L"large", std::string(70000, 'L'));
+        ASSERT_EQ(root->CreateStorage(L"sub", kWrite, 0, 0, child.Receive()), S_OK);
+        RawPut(child.Get(), L"variant", Bytes({5, 0, 42, 0, 0, 0, 10, 0, 3, 0, 0, 0, 'o', 'k', 0}));
     }
     Reference<IXStorage> root(open_Storage(path.c_str(), 1)), child(root->OpenStorage("sub"));
     EXPECT_EQ(Names(root->EnumStreams()), (List{"large", "small"}));
@@ -70,11 +60,12 @@ TEST_F(StorageTest, WhatWeWriteIsReadByThePlatform) {
         stream->WriteVariant(&number);
         stream->WriteVariant(&text);
     }
-    RawStorage root, child;
-    ASSERT_EQ(StgOpenStorage(Widen(path).c_str(), nullptr, kRead, nullptr, 0, &root.ole), S_OK);
-    EXPECT_EQ(RawGet(root.ole, L"large"), std::string(70000, 'L'));
-    ASSERT_EQ(root->OpenStorage(L"sub", nullptr, kRead, nullptr, 0, &child.ole), S_OK);
-    EXPECT_EQ(RawGet(child.ole, L"variant"),
+    Reference<IStorage> root, child;
+    ASSERT_EQ(StgOpenStorage(Widen(path).c_str(), nullptr, kRead, nullptr, 0, root.Receive()),
+              S_OK);
+    EXPECT_EQ(RawGet(root.Get(), L"large"), std::string(70000, 'L'));
+    ASSERT_EQ(root->OpenStorage(L"sub", nullptr, kRead, nullptr, 0, child.Receive()), S_OK);
+    EXPECT_EQ(RawGet(child.Get(), L"variant"),
               Bytes({5, 0, 42, 0, 0, 0, 10, 0, 3, 0, 0, 0, 'o', 'k', 0}));
 }
 
@@ -82,24 +73,23 @@ TEST_F(StorageTest, TheStreamUnderAnElementIsThePlatforms) {
     Reference<IXStorage> storage(new_Storage(nullptr, 0));
     Reference<IXStream> stream(storage->CreateStream("one"));
     stream->Write("abcdef", 6);
-    auto ole = static_cast<IStream*>(Stream_GetOLEStream(stream.Get()));
+    Reference<IStream> ole(static_cast<IStream*>(Stream_GetOLEStream(stream.Get())));
     STATSTG facts = {};
     EXPECT_EQ(ole->Stat(&facts, STATFLAG_DEFAULT), S_OK);
     EXPECT_STREQ(facts.pwcsName, L"one");
     EXPECT_EQ(facts.cbSize.QuadPart, 6u);
     CoTaskMemFree(facts.pwcsName);
-    ole->Release();
 }
 
 TEST_F(StorageTest, AStreamOfThePlatformIsWrappedAndCommittedOnClose) {
     std::string path = Path("wrapped.stg");
     {
-        RawStorage root;
-        ASSERT_EQ(StgCreateDocfile(Widen(path).c_str(), kWrite, 0, &root.ole), S_OK);
-        IStream* ole = nullptr;
-        ASSERT_EQ(root->CreateStream(L"one", kWrite, 0, 0, &ole), S_OK);
-        Reference<IXStream> stream(new_StreamByOleStream(ole));
-        ole->Release();
+        Reference<IStorage> root;
+        ASSERT_EQ(StgCreateDocfile(Widen(path).c_str(), kWrite, 0, root.Receive()), S_OK);
+        Reference<IStream> ole;
+        ASSERT_EQ(root->CreateStream(L"one", kWrite, 0, 0, ole.Receive()), S_OK);
+        Reference<IXStream> stream(new_StreamByOleStream(ole.Get()));
+        ole.Release();
         stream->WriteString("wrapped");
         stream->WriteLong(0x01020304);
     }

@@ -83,15 +83,14 @@ const NameRow kRows[] = {
 // The property sets of a storage through the platform's own interfaces.
 struct RawSets {
     explicit RawSets(IXStorage* storage) {
-        auto ole = static_cast<IStorage*>(Storage_GetOLEStorage(storage));
-        ole->QueryInterface(IID_IPropertySetStorage, reinterpret_cast<void**>(&sets));
-        ole->Release();
+        Reference<IStorage> ole(static_cast<IStorage*>(Storage_GetOLEStorage(storage)));
+        ole->QueryInterface(IID_IPropertySetStorage, reinterpret_cast<void**>(sets.Receive()));
     }
-    ~RawSets() { sets->Release(); }
 
     std::string Read(const FMTID& format, PROPID id) {
-        IPropertyStorage* set = nullptr;
-        if (FAILED(sets->Open(format, STGM_READ | STGM_SHARE_EXCLUSIVE, &set))) return "(no set)";
+        Reference<IPropertyStorage> set;
+        if (FAILED(sets->Open(format, STGM_READ | STGM_SHARE_EXCLUSIVE, set.Receive())))
+            return "(no set)";
         PROPSPEC spec = {};
         spec.ulKind = PRSPEC_PROPID;
         spec.propid = id;
@@ -100,13 +99,12 @@ struct RawSets {
         std::string text =
             value.vt == VT_LPSTR ? value.pszVal : "(type " + std::to_string(value.vt) + ")";
         PropVariantClear(&value);
-        set->Release();
         return text;
     }
     void WriteNumber(const FMTID& format, PROPID id, int number) {
-        IPropertyStorage* set = nullptr;
+        Reference<IPropertyStorage> set;
         ASSERT_EQ(sets->Create(format, nullptr, PROPSETFLAG_ANSI,
-                               STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, &set),
+                               STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, set.Receive()),
                   S_OK);
         PROPSPEC spec = {};
         spec.ulKind = PRSPEC_PROPID;
@@ -115,10 +113,9 @@ struct RawSets {
         value.vt = VT_I4;
         value.lVal = number;
         EXPECT_EQ(set->WriteMultiple(1, &spec, &value, 2), S_OK);
-        set->Release();
     }
 
-    IPropertySetStorage* sets = nullptr;
+    Reference<IPropertySetStorage> sets;
 };
 
 }  // namespace
@@ -202,11 +199,12 @@ TEST_F(SummaryInfoTest, APropertyOfAnotherTypeIsNoText) {
 TEST_F(SummaryInfoTest, ASetThatIsOpenElsewhereAnswersZero) {
     Set(properties.Get(), "Title", "T");
     RawSets raw(storage.Get());
-    IPropertyStorage* set = nullptr;
-    ASSERT_EQ(raw.sets->Open(FMTID_SummaryInformation, STGM_READ | STGM_SHARE_EXCLUSIVE, &set),
-              S_OK);
+    Reference<IPropertyStorage> set;
+    ASSERT_EQ(
+        raw.sets->Open(FMTID_SummaryInformation, STGM_READ | STGM_SHARE_EXCLUSIVE, set.Receive()),
+        S_OK);
     EXPECT_EQ(Get(properties.Get(), "Title"), "0 (unchanged)");
-    set->Release();
+    set.Release();
     EXPECT_EQ(Get(properties.Get(), "Title"), "1 T");
 }
 
