@@ -141,6 +141,32 @@ TEST(AuditTest, EachWayOfCallingIsTold) {
     EXPECT_TRUE(Says(audit, "It has dialogs and imports none"));
 }
 
+TEST(AuditTest, BoxesOfTheSystemNameTheLibraryToHarvest) {
+    Data file = BuildImage({{}, {{"comdlg32.dll", {"FindTextW", "PrintDlgW"}}}, ""});
+    EXPECT_TRUE(Says(qx::AuditModule(file),
+                     "It calls FindTextW, PrintDlgW: boxes of comdlg32.dll belong to that library: "
+                     "harvest comdlg32.dll together with the program"));
+    file = BuildImage({{}, {{"shell32.dll", {"ShellAboutW"}, true}}, ""});
+    EXPECT_TRUE(Says(qx::AuditModule(file), "--module shell32.dll"));
+}
+
+TEST(AuditTest, ABoxThatIsReachedByANumberOrByItsNameIsTold) {
+    Data numbered = BuildImage({{}, {{"SHELL32.dll", {"#61"}}}, ""});
+    EXPECT_TRUE(Says(qx::AuditModule(numbered), "It calls RunFileDlg"));
+    Data other = BuildImage({{}, {{"SHELL32.dll", {"#60"}}, {"other.dll", {"#61"}}}, ""});
+    EXPECT_FALSE(Says(qx::AuditModule(other), "RunFileDlg"));
+    Data named = BuildImage({{}, {}, std::string("PropertySheetA\0", 15)});
+    EXPECT_TRUE(Says(qx::AuditModule(named), "It calls PropertySheetA"));
+}
+
+TEST(AuditTest, WhatTheSystemWritesItselfIsTold) {
+    Data file = BuildImage(
+        {{}, {{"user32.dll", {"DefMDIChildProcA"}}, {"shlwapi.dll", {"StrFormatByteSizeW"}}}, ""});
+    qx::Audit audit = qx::AuditModule(file);
+    EXPECT_TRUE(Says(audit, "It calls DefMDIChildProcA: the window menu"));
+    EXPECT_TRUE(Says(audit, "It calls StrFormatByteSizeW: numbers"));
+}
+
 TEST(AuditTest, A32BitProgramIsTold) {
     Data file = BuildImage({{}, {}, "", false});
     EXPECT_TRUE(Says(qx::AuditModule(file), "32-bit"));

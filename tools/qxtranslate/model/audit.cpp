@@ -2,6 +2,7 @@
 
 #include "tools/qxtranslate/model/pe_imports.h"
 #include "tools/qxtranslate/model/pe_resources.h"
+#include "tools/qxtranslate/model/system_texts.h"
 #include "tools/qxtranslate/model/unicode.h"
 
 #include <algorithm>
@@ -58,15 +59,6 @@ constexpr struct {
     {"LoadMenuIndirectW",
      "It calls LoadMenuIndirectW, which is not intercepted: menus made by it stay as they are, but "
      "for programs started by qxtranslate run."},
-    {"PropertySheetW",
-     "It calls PropertySheetW: the pages are loaded inside comctl32 and stay as they are, unless "
-     "the program hands over templates that it has loaded itself."},
-    {"PropertySheetA",
-     "It calls PropertySheetA: the pages are loaded inside comctl32 and stay as they are, unless "
-     "the program hands over templates that it has loaded itself."},
-    {"ShellAboutW",
-     "It calls ShellAboutW: the box belongs to shell32; of the program's own texts in it those are "
-     "translated that were loaded as strings."},
     {"FormatMessageW",
      "It calls FormatMessageW: texts of a message table are no strings and stay as they are; "
      "formats loaded as strings are translated."},
@@ -76,6 +68,20 @@ constexpr struct {
     {"InsertMenuW",
      "It calls InsertMenuW: menu texts written into its code stay as they are; texts loaded as "
      "strings are translated."},
+    {"GetProcAddress",
+     "It calls GetProcAddress: boxes of the system that it reaches that way by a number, such as "
+     "the Run box of shell32.dll, are not seen here; they are translated when their library is "
+     "harvested with the program and given to qxtranslate run with --module."},
+};
+
+// Functions of the system that have a number in place of a name.
+constexpr struct {
+    const char* library;
+    unsigned ordinal;
+    const char* function;
+} kNumbered[] = {
+    {"shell32.dll", 61, "RunFileDlg"},
+    {"shell32.dll", 62, "PickIconDlg"},
 };
 
 bool IsSame(const std::string& a, const char* b) {
@@ -94,16 +100,33 @@ public:
         for (auto& row : kBeside) {
             if (Imports(row.function)) Tell(row.sentence);
         }
+        auto reaches = [this](const std::string& function) { return Reaches(function); };
+        for (const std::string& sentence : TellSystemTexts(reaches)) Tell(sentence);
         return std::move(m_audit);
     }
 
 private:
     void Tell(const std::string& sentence) { m_audit.sentences.push_back(sentence); }
 
-    const Import* Imports(const char* function) const {
+    const Import* Imports(const std::string& function) const {
         auto found = std::find_if(m_imports.begin(), m_imports.end(),
                                   [&](auto& i) { return i.function == function; });
         return found == m_imports.end() ? nullptr : &*found;
+    }
+
+    // By its name, by its number, or by a look-up while the program runs.
+    bool Reaches(const std::string& function) const {
+        return Imports(function) || ImportsNumber(function) || HoldsName(m_image, function);
+    }
+
+    bool ImportsNumber(const std::string& function) const {
+        return std::any_of(std::begin(kNumbered), std::end(kNumbered), [&](auto& numbered) {
+            return function == numbered.function &&
+                   std::any_of(m_imports.begin(), m_imports.end(), [&](auto& import) {
+                       return import.function.empty() && import.ordinal == numbered.ordinal &&
+                              IsSame(import.library, numbered.library);
+                   });
+        });
     }
 
     void Look(const char* function) {
