@@ -1,10 +1,11 @@
 // qxagent.dll: what qxtranslate loads into a program before the program runs.
 #include "tools/qxagent/dump.h"
 #include "tools/qxagent/make_up.h"
+#include "tools/qxagent/message_watch.h"
 #include "tools/qxagent/modules.h"
 #include "tools/qxagent/orders.h"
 #include "tools/qxagent/recorder.h"
-#include "tools/qxagent/window_menus.h"
+#include "tools/qxagent/settling.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>
@@ -49,22 +50,27 @@ bool ReadDictionaries(const AgentOrders& orders) {
 
 extern "C" __declspec(dllexport) DWORD WINAPI QxAgentStart(void* memory) {
     const auto& orders = *static_cast<const qx::AgentOrders*>(memory);
-    if (!qx::ReadDictionaries(orders)) return qx::kAgentNoDictionary;
-    if (*orders.record && !qx::StartRecord(orders.record)) return qx::kAgentNoRecord;
+    // The library patches modules when it reads its first dictionary; the agent comes before it.
     qx::PrepareMakeUp(orders.wideBoxes != 0);
     qx::StartModules(orders.modules);
-    qx::WatchMenusOf(orders.mainThread);
+    if (!qx::ReadDictionaries(orders)) return qx::kAgentNoDictionary;
+    if (*orders.record && !qx::StartRecord(orders.record, orders.recordFailed))
+        return qx::kAgentNoRecord;
+    qx::WatchThread(orders.mainThread);
+    return qx::kAgentDone;
+}
+
+extern "C" __declspec(dllexport) DWORD WINAPI QxAgentSettle(void*) {
+    qx::Settle();
     return qx::kAgentDone;
 }
 
 extern "C" __declspec(dllexport) DWORD WINAPI QxAgentDump(void* memory) {
     const auto& orders = *static_cast<const qx::AgentOrders*>(memory);
-    qx::FlushRecord();
     return qx::DumpInterface(orders.dump) ? qx::kAgentDone : qx::kAgentNoDump;
 }
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
-    if (reason == DLL_THREAD_ATTACH) qx::WatchMenusOf(GetCurrentThreadId());
-    if (reason == DLL_PROCESS_DETACH) qx::FlushRecord();
+    if (reason == DLL_THREAD_ATTACH) qx::WatchThread(GetCurrentThreadId());
     return TRUE;
 }

@@ -1,5 +1,6 @@
 #include "tools/qxagent/dump.h"
 
+#include "tools/qxagent/window_order.h"
 #include "tools/qxtranslate/wide_text.h"
 
 #include <windows.h>
@@ -7,7 +8,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
-#include <vector>
 
 namespace qx {
 
@@ -38,19 +38,8 @@ bool IsDialog(HWND window) {
 class Dump {
 public:
     std::string Run() {
-        EnumWindows(
-            [](HWND window, LPARAM list) -> BOOL {
-                DWORD process = 0;
-                GetWindowThreadProcessId(window, &process);
-                if (process == GetCurrentProcessId() && IsWindowVisible(window))
-                    reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-                return TRUE;
-            },
-            reinterpret_cast<LPARAM>(&m_windows));
-        // The list comes from the top of the screen down; handles grow.
-        std::sort(m_windows.begin(), m_windows.end());
         int index = 0;
-        for (HWND window : m_windows) {
+        for (HWND window : VisibleWindows()) {
             if (HMENU menu = GetMenu(window)) Menu(menu, "");
             if (IsDialog(window)) {
                 DialogLines(window);
@@ -103,7 +92,6 @@ private:
             Window(child, path + "/" + std::to_string(index++));
     }
 
-    std::vector<HWND> m_windows;
     std::string m_lines;
 };
 

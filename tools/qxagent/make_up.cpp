@@ -106,6 +106,12 @@ HMENU WINAPI AgentLoadMenuIndirectW(const MENUTEMPLATEW* menu) {
     return Translated(LoadMenuIndirectA(menu));
 }
 
+// The handle may soon be that of another menu.
+BOOL WINAPI AgentDestroyMenu(HMENU menu) {
+    Forget(menu);
+    return DestroyMenu(menu);
+}
+
 // A menu's own handle goes to the program, since the library would load nothing for its record.
 template <class Name>
 bool IsMenu(const Name* type) {
@@ -197,6 +203,7 @@ const Hook kHooks[] = {
     QX_HOOK("user32.dll", LoadMenuW, false),
     QX_HOOK("user32.dll", LoadMenuIndirectA, false),
     QX_HOOK("user32.dll", LoadMenuIndirectW, false),
+    QX_HOOK("user32.dll", DestroyMenu, false),
     QX_HOOK("kernel32.dll", FindResourceA, false),
     QX_HOOK("kernel32.dll", FindResourceW, false),
     QX_HOOK("kernel32.dll", FindResourceExA, false),

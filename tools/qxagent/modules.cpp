@@ -35,6 +35,12 @@ std::wstring NameOf(const std::wstring& path) {
     return path.substr(path.find_last_of(L'\\') + 1);
 }
 
+// Libraries that load the program's own resources, or show their boxes for it. The library patches
+// them by itself, and they have to be made up for like the program.
+bool IsClassLibrary(const std::wstring& name) {
+    return name == L"comdlg32.dll" || name.starts_with(L"mfc") || name == L"cfc42.dll";
+}
+
 class Selection {
 public:
     void Set(const wchar_t* ordered) {
@@ -54,6 +60,7 @@ public:
         if (path == m_program) return true;
         std::wstring name = NameOf(path);
         if (name == L"qxcore.dll" || name == L"qxagent.dll") return false;
+        if (IsClassLibrary(name)) return true;
         for (const std::wstring& ordered : m_ordered) {
             if (ordered == name) return true;
         }

@@ -15,6 +15,7 @@ struct AgentOrders {
     wchar_t modules[kOrderList];  // file names of further modules to translate
     wchar_t record[kOrderPath];   // empty: no record
     wchar_t dump[kOrderPath];
+    HANDLE recordFailed;  // an event of the program: set when a line cannot be written
     DWORD mainThread;
     int wideBoxes;
 };
@@ -27,8 +28,9 @@ enum AgentAnswer : DWORD {
     kAgentNoDump = 4,
 };
 
-// Entries of qxagent.dll, both run as threads of the program with its copy of the orders.
+// Entries of qxagent.dll, all run as threads of the program with its copy of the orders.
 inline constexpr const char* kAgentStart = "QxAgentStart";
+inline constexpr const char* kAgentSettle = "QxAgentSettle";
 inline constexpr const char* kAgentDump = "QxAgentDump";
 
 }  // namespace qx

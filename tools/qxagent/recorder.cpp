@@ -16,6 +16,7 @@ namespace {
 
 std::mutex g_mutex;
 FILE* g_file = nullptr;
+HANDLE g_failed = nullptr;
 
 // Key and names are in the process's code page.
 class ProcessCodePage final : public CodePage {
@@ -78,8 +79,9 @@ void Write(const LookUp& lookUp) {
     std::string line = WriteLookUp(lookUp);
     std::lock_guard<std::mutex> lock(g_mutex);
     if (!g_file) return;
-    fwrite(line.data(), 1, line.size(), g_file);
-    fflush(g_file);
+    // At once, since the program may be ended at any time.
+    bool isWritten = fwrite(line.data(), 1, line.size(), g_file) == line.size();
+    if (fflush(g_file) != 0 || !isWritten) SetEvent(g_failed);
 }
 
 std::string Utf8(const char* narrow) {
@@ -93,7 +95,8 @@ void OnLookup(const QXLookup* l, void*) {
 
 }  // namespace
 
-bool StartRecord(const wchar_t* path) {
+bool StartRecord(const wchar_t* path, HANDLE failed) {
+    g_failed = failed;
     g_file = _wfopen(path, L"wb");
     if (!g_file) return false;
     Supp_SetLookupObserver(OnLookup, nullptr);
@@ -102,11 +105,6 @@ bool StartRecord(const wchar_t* path) {
 
 bool IsRecording() {
     return g_file != nullptr;
-}
-
-void FlushRecord() {
-    std::lock_guard<std::mutex> lock(g_mutex);
-    if (g_file) fflush(g_file);
 }
 
 void TellText(const char* function, HMODULE module, const std::string& key, std::wstring_view text,

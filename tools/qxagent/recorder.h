@@ -9,10 +9,10 @@
 
 namespace qx {
 
-// Hears of every look-up of the library from now on. False when the file cannot be written.
-bool StartRecord(const wchar_t* path);
+// Hears of every look-up of the library from now on. False when the file cannot be opened; `failed`
+// is set when a line cannot be written later.
+bool StartRecord(const wchar_t* path, HANDLE failed);
 bool IsRecording();
-void FlushRecord();
 
 // A look-up that the agent makes itself. `key` is a context key, or empty.
 void TellText(const char* function, HMODULE module, const std::string& key, std::wstring_view text,

@@ -5,9 +5,11 @@
 
 #include <qxcore/dictionary.h>
 
+#include <algorithm>
 #include <mutex>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace qx {
 
@@ -21,23 +23,24 @@ bool IsFirstTime(HMENU menu) {
     return g_translated.insert(menu).second;
 }
 
-void NoteWithSubmenus(HMENU menu) {
-    if (!menu) return;
-    {
-        std::lock_guard<std::mutex> lock(g_mutex);
-        g_translated.insert(menu);
+// The menu and all below it.
+std::vector<HMENU> WithSubmenus(HMENU menu) {
+    std::vector<HMENU> menus;
+    if (menu) menus.push_back(menu);
+    for (size_t at = 0; at < menus.size(); ++at) {
+        for (int i = 0, count = GetMenuItemCount(menus[at]); i < count; ++i) {
+            HMENU submenu = GetSubMenu(menus[at], i);
+            if (submenu && std::find(menus.begin(), menus.end(), submenu) == menus.end())
+                menus.push_back(submenu);
+        }
     }
-    for (int i = GetMenuItemCount(menu) - 1; i >= 0; --i) NoteWithSubmenus(GetSubMenu(menu, i));
+    return menus;
 }
 
-// Handles are used again for other menus.
-void Forget(HMENU menu) {
-    if (!menu) return;
-    {
-        std::lock_guard<std::mutex> lock(g_mutex);
-        g_translated.erase(menu);
-    }
-    for (int i = GetMenuItemCount(menu) - 1; i >= 0; --i) Forget(GetSubMenu(menu, i));
+void NoteWithSubmenus(HMENU menu) {
+    std::vector<HMENU> menus = WithSubmenus(menu);
+    std::lock_guard<std::mutex> lock(g_mutex);
+    g_translated.insert(menus.begin(), menus.end());
 }
 
 // The key of the menu that the window's class names; empty when it names none.
@@ -52,20 +55,20 @@ std::string ClassMenuKey(HWND window) {
 }
 
 void TellTexts(HMENU menu, const std::string& key) {
-    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+    for (int i = 0, count = GetMenuItemCount(menu); i < count; ++i) {
         wchar_t text[512] = L"";
-        if (GetMenuStringW(menu, static_cast<UINT>(i), text, 512, MF_BYPOSITION)) {
-            std::string narrow = Narrow(text);
-            const char* target = TranslateInContext(narrow.c_str(), key.c_str());
-            TellText("menu of the system", nullptr, key, text, Widen(target ? target : narrow));
-        }
-        if (HMENU submenu = GetSubMenu(menu, i)) TellTexts(submenu, key);
+        if (!GetMenuStringW(menu, static_cast<UINT>(i), text, 512, MF_BYPOSITION)) continue;
+        std::string narrow = Narrow(text);
+        const char* target = TranslateInContext(narrow.c_str(), key.c_str());
+        TellText("menu of the system", nullptr, key, text, Widen(target ? target : narrow));
     }
 }
 
 void TranslateOnce(HMENU menu, const std::string& key) {
     if (!menu || !IsMenu(menu) || !IsFirstTime(menu)) return;
-    if (IsRecording()) TellTexts(menu, key);
+    if (IsRecording()) {
+        for (HMENU each : WithSubmenus(menu)) TellTexts(each, key);
+    }
     g_Wld.TranslateMenuInContext(menu, key.c_str());
     NoteWithSubmenus(menu);
 }
@@ -74,7 +77,16 @@ bool HasMenuBar(HWND window) {
     return (GetWindowLongPtrW(window, GWL_STYLE) & WS_CHILD) == 0;
 }
 
-void Look(const CWPSTRUCT& message) {
+}  // namespace
+
+// Handles are used again for other menus.
+void Forget(HMENU menu) {
+    std::vector<HMENU> menus = WithSubmenus(menu);
+    std::lock_guard<std::mutex> lock(g_mutex);
+    for (HMENU gone : menus) g_translated.erase(gone);
+}
+
+void TranslateMenusOf(const CWPSTRUCT& message) {
     switch (message.message) {
         case WM_CREATE:
             if (HasMenuBar(message.hwnd))
@@ -91,17 +103,6 @@ void Look(const CWPSTRUCT& message) {
             if (HasMenuBar(message.hwnd)) Forget(GetMenu(message.hwnd));
             break;
     }
-}
-
-LRESULT CALLBACK OnMessage(int code, WPARAM wparam, LPARAM lparam) {
-    if (code == HC_ACTION) Look(*reinterpret_cast<const CWPSTRUCT*>(lparam));
-    return CallNextHookEx(nullptr, code, wparam, lparam);
-}
-
-}  // namespace
-
-void WatchMenusOf(DWORD thread) {
-    SetWindowsHookExW(WH_CALLWNDPROC, OnMessage, nullptr, thread);
 }
 
 HMENU Translated(HMENU menu) {

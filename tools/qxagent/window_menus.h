@@ -7,8 +7,11 @@
 
 namespace qx {
 
-// Any thread may be watched, at most once.
-void WatchMenusOf(DWORD thread);
+// Sees every message sent to a window of a watched thread, before the window does.
+void TranslateMenusOf(const CWPSTRUCT& message);
+
+// Notes that a menu and those below it are about to go.
+void Forget(HMENU menu);
 
 // Notes that a menu is translated already, and answers it.
 HMENU Translated(HMENU menu);

@@ -8,6 +8,7 @@
 #include <tlhelp32.h>
 
 #include <algorithm>
+#include <set>
 
 namespace qx {
 
@@ -175,6 +176,9 @@ void LaunchedProgram::LoadRemote(const std::wstring& path) {
 
 void LaunchedProgram::LoadAgent(AgentOrders& orders) {
     orders.mainThread = m_threadId;
+    m_recordFailed = Handle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    DuplicateHandle(GetCurrentProcess(), m_recordFailed, m_process, &orders.recordFailed, 0, FALSE,
+                    DUPLICATE_SAME_ACCESS);
     // The agent needs the library, which the system would look for beside the program.
     for (const wchar_t* name : {kLibrary, kAgent}) LoadRemote(Beside(name));
     m_orders = WriteRemote(&orders, sizeof orders);
@@ -200,12 +204,30 @@ void LaunchedProgram::AwaitWindow() const {
     }
 }
 
-void LaunchedProgram::SendCommand(unsigned command) const {
+void LaunchedProgram::Settle() {
+    try {
+        RunRemote(Remote(kAgentSettle), m_orders, kPatience);
+    } catch (const BadInput&) {
+        // A program may end by what it was asked for; one that hangs is found by what comes next.
+    }
+}
+
+void LaunchedProgram::SendCommand(unsigned command) {
+    constexpr DWORD kStep = 20;
+    constexpr DWORD kShowPatience = 2000;
     std::vector<HWND> windows = WindowsOf(m_processId);
     if (windows.empty()) throw BadInput(m_name + " has no window to send a command to");
     auto withMenu = std::find_if(windows.begin(), windows.end(),
                                  [](HWND w) { return GetMenu(w) && !GetWindow(w, GW_OWNER); });
     PostMessageW(withMenu == windows.end() ? windows.front() : *withMenu, WM_COMMAND, command, 0);
+    Settle();
+    // A dialog is shown a little after it has been made, and a command need not open one.
+    const std::set<HWND> before(windows.begin(), windows.end());
+    for (DWORD waited = 0; waited < kShowPatience && !EndsWithin(kStep); waited += kStep) {
+        windows = WindowsOf(m_processId);
+        if (std::set<HWND>(windows.begin(), windows.end()) != before) break;
+    }
+    Settle();
 }
 
 void LaunchedProgram::Dump() {
@@ -214,12 +236,24 @@ void LaunchedProgram::Dump() {
         throw BadInput("the program cannot write the dump");
 }
 
+bool LaunchedProgram::HasWholeRecord() const {
+    return WaitForSingleObject(m_recordFailed, 0) != WAIT_OBJECT_0;
+}
+
 void LaunchedProgram::Close() {
-    for (HWND window : WindowsOf(m_processId)) {
-        // A window that is disabled waits for the dialog it owns.
-        if (IsWindowEnabled(window)) PostMessageW(window, WM_CLOSE, 0, 0);
+    std::set<HWND> asked;
+    for (bool asks = true; asks;) {
+        asks = false;
+        for (HWND window : WindowsOf(m_processId)) {
+            // A window that is disabled waits for the dialog it owns.
+            if (!IsWindowEnabled(window) || !asked.insert(window).second) continue;
+            PostMessageW(window, WM_CLOSE, 0, 0);
+            asks = true;
+        }
+        if (asks) Settle();
     }
-    if (EndsWithin(kClosePatience)) return;
+    // A window that stays does not want to go.
+    if (WindowsOf(m_processId).empty() && EndsWithin(kClosePatience)) return;
     TerminateProcess(m_process, 0);
     WaitForSingleObject(m_process, kPatience);
 }

@@ -47,10 +47,15 @@ public:
     bool EndsWithin(DWORD milliseconds) const;
     // Waits until the program shows a window, ends, or lets long pass without either.
     void AwaitWindow() const;
-    // To the first of the program's windows with a menu, else to the first.
-    void SendCommand(unsigned command) const;
+    // Waits until the program's threads have done what was asked of them and open no more windows.
+    void Settle();
+    // To the first of the program's windows with a menu, else to the first; waits for what it
+    // opens.
+    void SendCommand(unsigned command);
     // Lets the agent write the dump.
     void Dump();
+    // Whether all lines of the record could be written so far.
+    bool HasWholeRecord() const;
     // Asks all windows to close, and ends the program when it does not.
     void Close();
 
@@ -63,6 +68,7 @@ private:
     std::string m_name;
     Handle m_process;
     Handle m_thread;
+    Handle m_recordFailed;
     DWORD m_processId = 0;
     DWORD m_threadId = 0;
     void* m_orders = nullptr;

@@ -98,10 +98,6 @@ private:
     std::string m_aside;
 };
 
-void Settle(const LaunchedProgram& program) {
-    program.EndsWithin(1000);
-}
-
 int RunProgram(const Options& options) {
     auto orders = OrdersOf(options);
     ProgramFile record(options.record), dump(options.dump);
@@ -114,14 +110,13 @@ int RunProgram(const Options& options) {
         if (!options.dump.empty() || !options.commands.empty() || options.closes) {
             program.AwaitWindow();
             program.EndsWithin(static_cast<DWORD>(options.after * 1000));
+            program.Settle();
         }
-        for (unsigned command : options.commands) {
-            program.SendCommand(command);
-            Settle(program);
-        }
+        for (unsigned command : options.commands) program.SendCommand(command);
         if (!options.dump.empty()) program.Dump();
         if (options.closes) program.Close();
         program.EndsWithin(INFINITE);
+        if (!program.HasWholeRecord()) throw BadInput(options.record + " cannot be written");
     }
     record.Keep();
     dump.Keep();
