@@ -37,7 +37,7 @@ class Run(unittest.TestCase):
 
     def run_program(self, name, *options):
         dump = self.dir / "dump.txt"
-        self.done("run", *options, "--dump", windows(dump), "--close", "--", windows(WINE / name))
+        self.done("run", *options, "--after", "0", "--dump", windows(dump), "--close", "--", windows(WINE / name))
         return [line.split("\t") for line in dump.read_text().splitlines()]
 
     def test_what_cannot_be_started_is_one_sentence(self):
