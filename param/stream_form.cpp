@@ -1,4 +1,5 @@
 // Trees in streams: for each node its children, then its values, each run ended by an empty name.
+#include "param/memory/value_walk.h"
 #include "param/names/walk_stack.h"
 
 #include <qxcore/exception.h>
@@ -35,13 +36,11 @@ struct SaveLevel {
 };
 
 void SaveValues(IXStream& stream, IParam& node) {
-    Reference<Names> names(node.EnumValues());
-    const char* name;
-    while (names && names->Next(1, &name, nullptr)) {
+    ValueWalk values(node);
+    while (const char* name = values.Next()) {
         stream.WriteString(name);
-        CQXVariant value;
-        node.GetValue(name, &value);
-        stream.WriteVariant(&value);
+        values.Read();
+        stream.WriteVariant(&values.Value());
     }
 }
 

@@ -1,5 +1,5 @@
 // Comparing, copying and listing trees, whatever their back ends are. What a tree nests is walked.
-#include "param/names/each_name.h"
+#include "param/memory/value_walk.h"
 #include "param/names/walk_stack.h"
 
 #include <qxcore/exception.h>
@@ -13,8 +13,12 @@ namespace {
 
 using Names = CTEnum<const char*>;
 
+[[noreturn]] void RaiseMissingNames() {
+    throw CXIFaceException(qx_typeid<Names>());
+}
+
 Reference<Names> Required(Names* names) {
-    if (!names) throw CXIFaceException(qx_typeid<Names>());
+    if (!names) RaiseMissingNames();
     return Reference<Names>(names);
 }
 
@@ -27,11 +31,12 @@ const char* NextName(Names& names) {
 // ---------------------------------------------------------------------------------------
 
 bool HasEqualValues(IParam& a, IParam& b) {
-    Reference<Names> names(a.EnumValues());
-    while (const char* name = names ? NextName(*names.Get()) : nullptr) {
-        CQXVariant ofA, ofB;
-        a.GetValue(name, &ofA);
-        if (!b.GetValue(name, &ofB) || !(ofA == ofB)) return false;
+    ValueWalk ofA(a);
+    ValueLookup ofB(b);
+    while (ofA.Next()) {
+        ofA.Read();
+        const tagQXVARIANT* equal = ofB.Find(ofA);
+        if (!equal || !(ofA.Value() == equal)) return false;
     }
     return true;
 }
@@ -76,11 +81,17 @@ struct CopyLevel {
 };
 
 void CopyValues(IParam& source, IParam& target) {
-    Reference<Names> names = Required(source.EnumValues());
-    while (const char* name = NextName(*names.Get())) {
-        CQXVariant value;
-        source.GetValue(name, &value);
-        target.SetValue(name, &value);
+    ValueWalk values(source);
+    if (!values.HasNames()) RaiseMissingNames();
+    CMemParam* memory = CMemParam::Of(&target);
+    while (const char* name = values.Next()) {
+        values.Read();
+        const NamedItem* like = memory ? values.Borrowed() : nullptr;
+        if (like) {
+            memory->SetValueLike(*like, values.Value());
+        } else {
+            target.SetValue(name, &values.Value());
+        }
     }
 }
 

@@ -1,7 +1,8 @@
 // A shortcut to the nodes of a large map: which node has this hash.
 //
 // It answers sooner what the map's chains say and holds nothing of its own, so a map works the same
-// without it: when memory runs out it is dropped. It is a part of CTMap and serves nobody else.
+// without it: when memory runs out it is dropped. It is a part of CTMap, and of the name spaces of
+// nodes in memory, which are such maps.
 //
 // A slot stands at its hash's home or in the run of taken slots behind it; half of the slots at
 // least are free.

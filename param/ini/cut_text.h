@@ -4,6 +4,7 @@
 #define QXCORE_PARAM_INI_CUT_TEXT_H
 
 #include "strings/characters.h"
+#include "strings/unit_scan.h"
 
 #include <charconv>
 #include <cstring>
@@ -19,7 +20,7 @@ public:
     }
 
     // Nothing is added any more once something was cut.
-    void Add(const char* text) { Add(text, strlen(text)); }
+    void Add(const char* text) { Add(text, ScanLength(text)); }
     void Add(const char* text, size_t size) {
         if (size > Room()) {
             size = m_limit == m_end ? 0 : Characters::OfRuntime().WholeBytes(text, Room());

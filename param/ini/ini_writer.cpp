@@ -3,7 +3,7 @@
 #include "param/ini/cut_text.h"
 #include "param/ini/input_buffer.h"
 #include "param/ini/ini_value.h"
-#include "param/names/each_name.h"
+#include "param/memory/value_walk.h"
 #include "param/names/walk_stack.h"
 
 #include <qxcore/exception.h>
@@ -76,14 +76,14 @@ private:
     }
 
     void WriteValues(IParam& node) {
-        EachNameInPlace(node.EnumValues(), [&](const char* name) {
-            CQXVariant value;
-            if (!node.GetValue(name, &value)) return;
+        ValueWalk values(node);
+        while (const char* name = values.Next()) {
+            if (!values.Read()) continue;
             CutText line(g_line, kTextSize);
             line.Add(name);
             line.Add('=');
-            if (WriteIniValue(value, line)) WriteLine(line);
-        });
+            if (WriteIniValue(values.Value(), line)) WriteLine(line);
+        }
     }
 
     void WriteLine(const CutText& line) {

@@ -9,19 +9,47 @@
 
 namespace qx {
 
+namespace {
+
+// Opens a closed name space at the end of a scope.
+class Reopening {
+public:
+    explicit Reopening(NamedItems& items) : m_items(items) {}
+    Reopening(const Reopening&) = delete;
+    Reopening& operator=(const Reopening&) = delete;
+    ~Reopening() { m_items.Reopen(); }
+
+private:
+    NamedItems& m_items;
+};
+
+}  // namespace
+
 // Nodes that have left their parents' maps and wait to be let go, the next one in front. A tree of
 // any depth ends so, one node after the other, in the order in which nested calls would end it: a
 // node's values, then its children with all they have, then the rest of the node.
+//
+// Where the end of a value raises, the rest ends all the same.
 class CMemParam::Waiting {
 public:
     Waiting() = default;
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+    ~Waiting() {
+        while (m_first) {
+            try {
+                LetGo();
+            } catch (...) {
+            }
+        }
+    }
     // The last reference on the node. REQUIRES: the node stands in no map.
     explicit Waiting(CMemParam& node) : m_first(&node) {}
 
     // Takes children out of their map, a reference on each, and puts them in front. It is called
     // for one child after the other.
-    void Take(IParam* child) {
-        auto node = static_cast<CMemParam*>(child);
+    void Take(const tagQXVARIANT& child) {
+        CMemParam* node = NodeIn(child);
         node->AddRef();
         node->m_next = *m_behindTaken;
         *m_behindTaken = node;
@@ -45,8 +73,33 @@ private:
     CMemParam** m_behindTaken = &m_first;  // where the next child goes
 };
 
-CMemParam::CMemParam(const char* name) : m_name(name) {
-    m_attached.Register(static_cast<IRegisterIface*>(this), qx_typeid<IRegisterIface>(), 0);
+// A child is an object in its parent's name space.
+CMemParam* CMemParam::NodeIn(const tagQXVARIANT& child) {
+    return static_cast<CMemParam*>(static_cast<IParam*>(child.value.unknown));
+}
+
+// The answer lies in the node itself, at another place than its beginning: a foreign node may pass
+// the question on to one of ours, or answer itself to whatever it is asked.
+CMemParam* CMemParam::Of(IParam* node) {
+    IQXUnknown* answer = nullptr;
+    node->QueryInterface(qx_typeid<CMemParam>(), &answer);
+    Reference<IQXUnknown> held(answer);
+    auto asOurs = static_cast<CMemParam*>(node);
+    return answer == static_cast<IRegisterIface*>(asOurs) ? asOurs : nullptr;
+}
+
+int CMemParam::QueryInterface(qx_type_info const& id, IQXUnknown** out) {
+    bool isOwn = id == qx_typeid<CMemParam>() || (!m_hasTable && id == qx_typeid<IRegisterIface>());
+    if (isOwn) return QXAnswerQuery(static_cast<IRegisterIface*>(this), out);
+    return m_attached.Query(id, out);
+}
+
+int CMemParam::RegisterInterface(IQXUnknown* object, qx_type_info const& id, int counted) {
+    if (!m_hasTable) {
+        m_attached.Register(static_cast<IRegisterIface*>(this), qx_typeid<IRegisterIface>(), 0);
+        m_hasTable = true;
+    }
+    return m_attached.Register(object, id, counted);
 }
 
 unsigned CMemParam::Release() {
@@ -60,19 +113,32 @@ unsigned CMemParam::Release() {
 void CMemParam::BeginEnd(Waiting& waiting) {
     m_publicRefs = 1;
     m_ending = true;
-    m_values.Close();
-    m_children.Close([&](IParam* child) { waiting.Take(child); });
+    try {
+        m_values.Close().End();
+    } catch (...) {
+        TakeChildren(waiting);
+        throw;
+    }
+    TakeChildren(waiting);
 }
 
-Reference<CMemParam> CMemParam::Child(const char* name) {
-    IParam** child = m_children.Find(name);
-    return Hold(child ? static_cast<CMemParam*>(*child) : nullptr);
+void CMemParam::TakeChildren(Waiting& waiting) {
+    EndingItems children = m_children.Close();
+    children.Show([&](const tagQXVARIANT& child) { waiting.Take(child); });
+}
+
+Reference<CMemParam> CMemParam::Child(const char* name) const {
+    NamedItem* child = m_children.Find(name);
+    return Hold(child ? NodeIn(child->value) : nullptr);
 }
 
 // Nothing while the children are being cleared.
 Reference<CMemParam> CMemParam::AddChild(const char* name) {
     auto child = Make<CMemParam>(name);
-    return m_children.Set(name, child.Get()) ? child : nullptr;
+    tagQXVARIANT item = {};
+    item.type = QXVT_UNKNOWN;
+    item.value.unknown = static_cast<IParam*>(child.Get());
+    return m_children.Set(name, item) ? child : nullptr;
 }
 
 IParam* CMemParam::CreateSubParam(const char* name) {
@@ -119,9 +185,9 @@ int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
         qx::Reference<IParam> child(OpenSubParam(path->head, 0));
         return child ? child->GetValue(path->tail, out) : 0;
     }
-    CQXVariant* value = m_values.Find(ValueName(name));
-    if (!value) return 0;
-    QXVariantCopy(out, value);
+    NamedItem* item = m_values.Find(ValueName(name));
+    if (!item) return 0;
+    QXVariantCopy(out, &item->value);
     return 1;
 }
 
@@ -133,7 +199,7 @@ int CMemParam::SetValue(const char* name, const tagQXVARIANT* value) {
         if (!child) return 0;
         child->SetValue(path->tail, value);
     }
-    return m_values.Set(ValueName(name), static_cast<const CQXVariant&>(*value));
+    return m_values.Set(ValueName(name), *value);
 }
 
 int CMemParam::DeleteValue(const char* name) {
@@ -142,18 +208,24 @@ int CMemParam::DeleteValue(const char* name) {
     return 1;
 }
 
+// The walk holds the name that it delivered.
 void CMemParam::DeleteAllValues() {
-    EachName(EnumValues(), [this](const char* name) { DeleteValue(name); });
+    EachNameInPlace(EnumValues(), [this](const char* name) { DeleteValue(name); });
 }
 
 void CMemParam::Clear() {
     ClearChildren();
-    m_values.Clear();
+    if (m_values.IsClosed()) return;
+    Reopening atEnd(m_values);
+    m_values.Close().End();
 }
 
 void CMemParam::ClearChildren() {
+    if (m_children.IsClosed()) return;
+    Reopening atEnd(m_children);
     Waiting waiting;
-    m_children.Clear([&](IParam* child) { waiting.Take(child); }, [&] { waiting.LetGo(); });
+    TakeChildren(waiting);
+    waiting.LetGo();
 }
 
 }  // namespace qx

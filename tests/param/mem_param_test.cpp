@@ -345,6 +345,70 @@ TEST_F(MemParamTest, AnEnumeratorIsAnEnumeratorOfTexts) {
     EXPECT_EQ(names->QueryInterface(qx_typeid<CTEnum<char*>>(), &out), 0);
 }
 
+TEST_F(MemParamTest, ANameStaysWhileTheEnumeratorThatDeliveredItStandsThere) {
+    for (const char* name : {"first", "second"}) SetInt(root.get(), name, 1);
+    NamesPtr names(root->EnumValues());
+    const char *first, *second;
+    EXPECT_EQ(names->Next(1, &first, nullptr), 1);
+    root->DeleteValue("first");
+    EXPECT_STREQ(first, "first");
+    EXPECT_EQ(names->Next(1, &second, nullptr), 1);
+    root->Clear();
+    EXPECT_STREQ(second, "second");
+}
+
+// Around the sizes at which a node begins to find its items in other ways.
+TEST_F(MemParamTest, ANodeOfAnySizeFindsEachOfItsNames) {
+    constexpr int kMost = 300;
+    auto name = [](int i) { return "name" + std::to_string(i); };
+    for (int size : {1, 7, 8, 9, 126, 127, 128, 255, kMost}) {
+        root->Clear();
+        for (int i = 0; i < size; ++i) SetInt(root.get(), name(i).c_str(), i);
+        for (int i = 0; i < size; i += 2) SetInt(root.get(), name(i).c_str(), 1000 + i);
+        // From the middle outwards, so that no order favours a chain.
+        for (int gone = 0; gone < size; ++gone) {
+            for (int i = 0; i < size; i += 1 + size / 16) {
+                int place = (i * 7 + size / 2) % size;
+                bool isGone = (place + size - size / 2) % size < gone;
+                int value = place % 2 ? place : 1000 + place;
+                ASSERT_EQ(GetInt(root.get(), name(place).c_str()), isGone ? -1 : value) << size;
+            }
+            root->DeleteValue(name((gone + size / 2) % size).c_str());
+        }
+        EXPECT_EQ(TreeText(root.get()), "");
+    }
+}
+
+TEST_F(MemParamTest, AValueIsReplacedByOnesOfAnySize) {
+    const size_t sizes[] = {0, 5, 3, 255, 256, 300, 4, 100000, 1};
+    for (size_t size : sizes) {
+        std::string bytes(size, 'x');
+        CQXVariant text(bytes.c_str()), blob(tagQXBLOB{static_cast<unsigned>(size), bytes.data()});
+        for (const CQXVariant* value : {&text, &blob, &text}) {
+            CQXVariant out;
+            root->SetValue("v", value);
+            EXPECT_EQ(root->GetValue("v", &out), 1);
+            EXPECT_TRUE(out == *value) << size;
+            root->SetValue(("new" + std::to_string(size)).c_str(), value);
+        }
+        SetInt(root.get(), "v", 5);
+        EXPECT_EQ(GetInt(root.get(), "v"), 5);
+    }
+}
+
+TEST_F(MemParamTest, ANullTextAndABlobWithoutDataStayWhatTheyAre) {
+    CQXVariant text(static_cast<const char*>(nullptr)), blob(tagQXBLOB{7, nullptr}), out;
+    root->SetValue("text", &text);
+    root->SetValue("blob", &blob);
+    EXPECT_EQ(root->GetValue("text", &out), 1);
+    EXPECT_EQ(out.type, QXVT_STRING);
+    EXPECT_EQ(out.value.string, nullptr);
+    EXPECT_EQ(root->GetValue("blob", &out), 1);
+    EXPECT_EQ(out.type, QXVT_BLOB);
+    EXPECT_EQ(out.value.blob.size, 7u);
+    EXPECT_EQ(out.value.blob.data, nullptr);
+}
+
 TEST_F(MemParamTest, TwoNamesWithOneHashAreOneItem) {
     SetInt(root.get(), "Boskui", 1);
     SetInt(root.get(), "cKYGVI", 2);

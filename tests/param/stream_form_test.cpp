@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 
 namespace {
 
@@ -42,6 +43,24 @@ protected:
         EXPECT_EQ(LoadParamFromXStream(stream.get(), tree.get()), expected);
         return TreeText(tree.get());
     }
+};
+
+// A stream that calls back at each of its writes.
+class Calling : public IProgress {
+public:
+    explicit Calling(std::function<void()> call) : m_call(std::move(call)) {}
+
+    unsigned AddRef() override { return 1; }
+    unsigned Release() override { return 1; }
+    int QueryInterface(qx_type_info const&, IQXUnknown**) override { return 0; }
+    int IsCancelled() override {
+        m_call();
+        return 0;
+    }
+    void SetRange(int, int) override {}
+
+private:
+    std::function<void()> m_call;
 };
 
 }  // namespace
@@ -281,4 +300,59 @@ TEST_F(StreamFormTest, NamesNestedWithoutAnEndAreWalked) {
         EXPECT_THROW(LoadParamFromXStream(stream.get(), tree.get()), CXEofException);
         tree.reset();
     });
+}
+
+// Writes are: the empty name, then for each value its name, its type and its parts.
+TEST_F(StreamFormTest, WhatIsBeingWrittenStaysWholeWhileTheTreeChanges) {
+    const std::string longText(400, 'L');
+    char bytes[] = {1, 2, 3};
+    const CQXVariant values[] = {CQXVariant("short"), CQXVariant(longText.c_str()),
+                                 CQXVariant(tagQXBLOB{3, bytes}), CQXVariant(7)};
+    auto fill = [&] {
+        for (const CQXVariant& value : values)
+            tree->SetValue(("v" + std::to_string(value.type)).c_str(), &value);
+    };
+    const CQXVariant other("other");
+    const std::function<void()> changes[] = {
+        [&] { tree->SetValue("v10", &other), tree->SetValue("v17", &other); },
+        [&] { tree->DeleteValue("v10"), tree->DeleteValue("v17"); },
+        [&] { tree->Clear(); },
+    };
+    for (const std::function<void()>& change : changes) {
+        for (int at = 1; at < 14; ++at) {
+            tree->Clear();
+            fill();
+            int writes = 0;
+            Calling sink([&] {
+                if (++writes == at) change();
+            });
+            Ref<IXStream> stream(new_StreamOnMemory(&sink));
+            EXPECT_EQ(SaveParamToXStream(stream.get(), tree.get()), 1);
+            ParamPtr back(new_MemParam());
+            stream->Seek(0, 0);
+            EXPECT_EQ(LoadParamFromXStream(stream.get(), back.get()), 1);
+            NamesPtr names(back->EnumValues());
+            const char* name;
+            while (names->Next(1, &name, nullptr)) {
+                CQXVariant value;
+                back->GetValue(name, &value);
+                bool isOld = false;
+                for (const CQXVariant& old : values) isOld |= value == old;
+                EXPECT_TRUE(isOld || value == other || value.type == QXVT_EMPTY)
+                    << name << " at " << at;
+            }
+        }
+    }
+}
+
+TEST_F(StreamFormTest, AValueThatGoesBetweenItsNameAndItsValueIsSavedAsEmpty) {
+    SetInt(tree.get(), "a", 1);
+    SetInt(tree.get(), "b", 2);
+    int writes = 0;
+    Calling sink([&] {
+        if (++writes == 2) tree->DeleteValue("a");
+    });
+    Ref<IXStream> stream(new_StreamOnMemory(&sink));
+    EXPECT_EQ(SaveParamToXStream(stream.get(), tree.get()), 1);
+    EXPECT_EQ(BytesOf(stream.get()), Bytes("\0a\0\0\0\0\0\0\0b\0\x05\0\x02\0\0\0\0"));
 }

@@ -68,6 +68,53 @@ TEST_F(TreeEndTest, ANodeEndsWithItsValuesThenItsChildrenThenWhatIsAttached) {
     EXPECT_EQ(said, "root a a\\x (a\\x) (a) b (b) (root)");
 }
 
+// "a" and "a<" are in one bucket, "b" is in the next one.
+TEST_F(TreeEndTest, ValuesEndBucketByBucketAndInEachTheNewestFirst) {
+    for (int others : {0, 20, 200}) {
+        said = "";
+        ParamPtr node(new_MemParam());
+        Put(node.get(), "b", Says("b"));
+        Put(node.get(), "a", Says("a"));
+        for (int i = 0; i < others; ++i) SetInt(node.get(), std::to_string(i).c_str(), i);
+        Put(node.get(), "a<", Says("a<"));
+        node.reset();
+        EXPECT_EQ(said, "a< a b") << others;
+    }
+}
+
+// Raises when its last reference goes, as a file that cannot be closed.
+class Raising : public CQXUnknownImpl<IQXUnknown> {
+public:
+    unsigned Release() override {
+        if (CQXUnknownImpl::Release()) return 1;
+        throw CXFileException(QXERR_DEVICE, "raising", QXOP_WRITE);
+    }
+};
+
+TEST_F(TreeEndTest, WhatAnEndingValueRaisesReachesTheCallerAndTheRestEnds) {
+    for (const char* place : {"", "a", "a\\x"}) {
+        said = "";
+        ParamPtr node(new_MemParam()), deep(node->CreateSubParam("a\\x"));
+        Put(node.get(), "w", Says("w"));
+        Put(Child(node.get(), "a").get(), "w", Says("a"));
+        Put(deep.get(), "w", Says("x"));
+        Put(Child(node.get(), "b").get(), "w", Says("b"));
+        auto object = new Raising;
+        CQXVariant value(static_cast<IQXUnknown*>(object));
+        ParamPtr where(*place ? node->OpenSubParam(place, 0) : (node->AddRef(), node.get()));
+        where->SetValue("v", &value);
+        value.Clear();
+        static_cast<IQXUnknown*>(object)->Release();
+        deep.reset();
+        where.reset();
+        EXPECT_THROW(node->Clear(), CXFileException) << place;
+        EXPECT_NE(said.find("a x b"), std::string::npos) << said;
+        SetInt(node.get(), "again", 5);
+        EXPECT_TRUE(Child(node.get(), "new"));
+        EXPECT_EQ(GetInt(node.get(), "again"), 5);
+    }
+}
+
 TEST_F(TreeEndTest, WhatEndsMayQueryAndReleaseTheEndingNode) {
     IParam* node = root.get();
     Put(node, "v", [&, node] {

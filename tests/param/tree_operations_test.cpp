@@ -35,6 +35,28 @@ int Cmp(const ParamPtr& a, const ParamPtr& b) {
     return Param_Cmp(a.get(), b.get());
 }
 
+// A node of a host around one in memory, which passes on what it does not know, and one that
+// answers itself to whatever it is asked.
+template <bool passesOn>
+class Around : public RecordingParam {
+public:
+    Around(IParam* node, std::string* calls)
+        : RecordingParam((node->AddRef(), node), "h", calls), m_inner(node) {}
+    int QueryInterface(qx_type_info const& id, IQXUnknown** out) override {
+        if (passesOn) return m_inner->QueryInterface(id, out);
+        return QXAnswerQuery(this, out);
+    }
+    int GetValue(const char* name, tagQXVARIANT* out) override {
+        RecordingParam::GetValue(name, out);
+        CQXVariant own("own");
+        QXVariantCopy(out, &own);
+        return 1;
+    }
+
+private:
+    IParam* m_inner;
+};
+
 ParamPtr Chain(int levels) {
     ParamPtr root = NewTree();
     ParamPtr node(root->OpenSubParam("a", 1));
@@ -128,6 +150,46 @@ TEST(ParamCmpTest, ValuesComeFirstAndTheWalkStopsAtTheFirstDifference) {
     ParamPtr b = Tree({{"x", 1}, {"y", 9}});
     EXPECT_EQ(Param_Cmp(a, b.get()), 0);
     EXPECT_EQ(calls, "a:EnumValues a:GetValue(x) a:GetValue(y) ");
+}
+
+template <bool passesOn>
+void ExpectAskedByItsInterface() {
+    std::string calls;
+    ParamPtr inner = Tree({{"x", 1}, {"y", 2}}), copy = NewTree(), target = NewTree();
+    Held<Around<passesOn>> host(inner.get(), &calls);
+    Param_CopyTo(host, copy.get());
+    EXPECT_EQ(TreeText(copy.get()), "x=10:own y=10:own");
+    EXPECT_EQ(calls, "h:EnumSubParams h:EnumValues h:GetValue(x) h:GetValue(y) ");
+    EXPECT_EQ(Param_Cmp(copy.get(), host), 1);
+    EXPECT_EQ(Param_Cmp(copy.get(), inner.get()), 0);
+    CXString text;
+    Param_Param2String(host, text);
+    EXPECT_STREQ(text, "[\\]|x=sown|y=sown|");
+    calls = "";
+    Param_CopyTo(copy.get(), host);
+    EXPECT_EQ(calls, "h:SetValue(x) h:SetValue(y) ");
+}
+
+TEST(ParamCopyToTest, AForeignNodeAroundOneOfOursIsAskedByItsInterface) {
+    ExpectAskedByItsInterface<true>();
+}
+
+TEST(ParamCopyToTest, AForeignNodeThatAnswersToEveryQueryIsAskedByItsInterface) {
+    ExpectAskedByItsInterface<false>();
+}
+
+TEST(ParamCopyToTest, ATreeCopiedOntoItselfStaysAsItIs) {
+    const std::string longText(400, 'L');
+    char bytes[] = {1, 2, 3};
+    const CQXVariant values[] = {CQXVariant("short"), CQXVariant(longText.c_str()),
+                                 CQXVariant(tagQXBLOB{3, bytes}), CQXVariant(7)};
+    ParamPtr tree = Tree({{"c\\x", 1}}), equal = NewTree();
+    for (int i = 0; i < 4; ++i) tree->SetValue(std::to_string(i).c_str(), &values[i]);
+    Param_CopyTo(tree.get(), equal.get());
+    for (int i = 0; i < 3; ++i) Param_CopyTo(tree.get(), tree.get());
+    EXPECT_EQ(Cmp(tree, equal), 1);
+    EXPECT_EQ(Cmp(equal, tree), 1);
+    EXPECT_EQ(TreeText(tree.get()), TreeText(equal.get()));
 }
 
 TEST(ParamCmpTest, AllReferencesAreGivenBack) {
