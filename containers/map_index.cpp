@@ -31,7 +31,7 @@ void QXMapIndex::Start(unsigned nodes) noexcept {
 
 void QXMapIndex::Put(const Slot& slot) {
     unsigned at = Home(slot.hash);
-    while (m_slots[at].node) at = (at + 1) & m_mask;
+    while (m_slots[at].nodeAndBehind) at = (at + 1) & m_mask;
     m_slots[at] = slot;
 }
 
@@ -43,18 +43,23 @@ void QXMapIndex::Grow() noexcept {
         return;
     }
     for (unsigned at = 0;; ++at) {
-        if (old[at].node) Put(old[at]);
+        if (old[at].nodeAndBehind) Put(old[at]);
         if (at == oldMask) break;
     }
     delete[] old;
 }
 
-void QXMapIndex::Add(unsigned hash, void* node, const void* target) noexcept {
+void QXMapIndex::Add(unsigned hash, void* node, const void* target, const void* behind) noexcept {
     assert(InUse());
     if (m_used > m_mask / 2) Grow();
     if (!m_slots) return;
-    auto distance = reinterpret_cast<intptr_t>(target) - reinterpret_cast<intptr_t>(node);
-    Put({node, hash, static_cast<int>(distance / kGrain)});
+    auto line = [](const void* at) { return reinterpret_cast<uintptr_t>(at) >> kLineBits; };
+    auto toTarget = static_cast<unsigned>(line(target) - line(node));
+    auto toBehind = static_cast<unsigned>(behind ? line(behind) - line(node) : 0);
+    auto address = reinterpret_cast<uintptr_t>(node);
+    assert(address >> 48 == 0);
+    Put({uint64_t{address} << 16 | (toBehind & 0xFFFF), hash,
+         (toTarget & 0xFFFFFF) | (toBehind >> 16) << 24});
     ++m_used;
 }
 
@@ -63,11 +68,11 @@ void QXMapIndex::Add(unsigned hash, void* node, const void* target) noexcept {
 void QXMapIndex::Remove(unsigned hash) noexcept {
     assert(InUse());
     unsigned gap = Home(hash);
-    while (m_slots[gap].hash != hash || !m_slots[gap].node) {
-        if (!m_slots[gap].node) return;
+    while (m_slots[gap].hash != hash || !m_slots[gap].nodeAndBehind) {
+        if (!m_slots[gap].nodeAndBehind) return;
         gap = (gap + 1) & m_mask;
     }
-    for (unsigned at = (gap + 1) & m_mask; m_slots[at].node; at = (at + 1) & m_mask) {
+    for (unsigned at = (gap + 1) & m_mask; m_slots[at].nodeAndBehind; at = (at + 1) & m_mask) {
         unsigned fromHome = (at - Home(m_slots[at].hash)) & m_mask;
         unsigned fromGap = (at - gap) & m_mask;
         if (fromHome < fromGap) continue;

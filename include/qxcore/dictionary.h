@@ -31,6 +31,14 @@ struct CContext {
     int count;        // 1; stored and restored, and read by nobody else
 };
 
+// A lookup reads a translation's text.
+template <>
+struct QXReadBehind<CContext*> {
+    static const void* Of(const CContext* context) {
+        return context ? static_cast<const char*>(context->target) : nullptr;
+    }
+};
+
 // What is added to the four edges of a control, in dialog units.
 struct CIRect {
     int left, top, right, bottom;
@@ -78,9 +86,9 @@ public:
     // Translates in place. At most size - 1 bytes, in whole characters; answers the bytes now in
     // the buffer.
     QXCORE_API unsigned int Translate(char* buffer, unsigned int size);
-    // Translates a menu with its submenus, however deep. Of an item's states only grayed and checked
-    // survive, so one that is disabled without being grayed is enabled, also when its text stays;
-    // an item whose id is 0 keeps its text. An empty dictionary changes nothing. Always 1.
+    // Translates a menu with its submenus, however deep. Of an item's states only grayed and
+    // checked survive, so one that is disabled without being grayed is enabled, also when its text
+    // stays; an item whose id is 0 keeps its text. An empty dictionary changes nothing. Always 1.
     QXCORE_API int Translate(HMENU menu);
     // The same, where texts for the place `key` go first. Always 1.
     QXCORE_API int TranslateMenuInContext(HMENU menu, const char* key);

@@ -386,7 +386,8 @@ template <class K, class V>
 void CTMap<K, V>::Index(Node* added) {
     auto add = [this](Node* node) {
         if constexpr (std::is_pointer_v<V>) {
-            m_index.Add(node->hash, node, node->value.value);
+            const V& value = node->value.value;
+            m_index.Add(node->hash, node, value, QXReadBehind<V>::Of(value));
         } else {
             m_index.Add(node->hash, node, node);
         }

@@ -12,7 +12,15 @@
 #include <qxcore/export.h>
 
 #include <cassert>
+#include <cstdint>
 #include <xmmintrin.h>
+
+// What is read next once a value that is a pointer has been followed; null for nothing. A type
+// whose values lead to text tells it by a specialisation.
+template <class V>
+struct QXReadBehind {
+    static const void* Of(const V&) { return nullptr; }
+};
 
 class QXMapIndex {
 public:
@@ -28,22 +36,33 @@ public:
 
     // Makes room for `nodes` nodes. Not in use afterwards when memory is short.
     QXCORE_API void Start(unsigned nodes) noexcept;
-    // `target` is what the node's value points to, or the node itself. That the value may change
-    // later costs a lookup some time and nothing else. Drops the index when it must grow and
-    // cannot. REQUIRES: InUse, and no node with this hash is in.
-    QXCORE_API void Add(unsigned hash, void* node, const void* target) noexcept;
+    // `target` is what the node's value points to, or the node itself, and `behind` what is read
+    // after that, or null. That they may change later costs a lookup some time and nothing else.
+    // Drops the index when it must grow and cannot. REQUIRES: InUse, and no node with this hash is
+    // in.
+    QXCORE_API void Add(unsigned hash, void* node, const void* target,
+                        const void* behind = nullptr) noexcept;
     // REQUIRES: InUse.
     QXCORE_API void Remove(unsigned hash) noexcept;
     // Not in use afterwards.
     QXCORE_API void Drop() noexcept;
 
 private:
-    static constexpr long long kGrain = 16;  // bytes; blocks begin at multiples of it
+    static constexpr unsigned kLineBits = 6;  // memory comes in lines of 64 bytes
 
+    // An address of a process has 47 bits at most, which leaves room for two distances from the
+    // node, 24 bits of lines each. A thing that is farther away is merely not fetched in time.
     struct Slot {
-        void* node;  // null: free
+        uint64_t nodeAndBehind;  // the node above 16 bits of the distance; 0: free
         unsigned hash;
-        int toTarget;  // from the node, in grains
+        unsigned distances;  // to the target, and above it 8 bits of the one to what is behind
+
+        uintptr_t Node() const { return nodeAndBehind >> 16; }
+        int64_t LinesToTarget() const { return static_cast<int>(distances << 8) >> 8; }
+        int64_t LinesToBehind() const {
+            unsigned low = static_cast<unsigned>(nodeAndBehind & 0xFFFF);
+            return static_cast<int>((distances & 0xFF000000) | low << 8) >> 8;
+        }
     };
 
     unsigned Home(unsigned hash) const;
@@ -68,12 +87,17 @@ inline void* QXMapIndex::Find(unsigned hash) const {
     assert(InUse());
     for (unsigned at = Home(hash);; at = (at + 1) & m_mask) {
         const Slot& slot = m_slots[at];
-        if (!slot.node) return nullptr;
+        if (!slot.nodeAndBehind) return nullptr;
         if (slot.hash != hash) continue;
-        // The caller reads the node next and then what its value points to; both come from memory
-        // at once.
-        _mm_prefetch(static_cast<const char*>(slot.node) + kGrain * slot.toTarget, _MM_HINT_T0);
-        return slot.node;
+        // The caller reads the node next, then what its value points to, and then what lies behind
+        // that; all come from memory at once.
+        uintptr_t node = slot.Node();
+        auto fetch = [line = static_cast<int64_t>(node >> kLineBits)](int64_t lines) {
+            _mm_prefetch(reinterpret_cast<const char*>((line + lines) << kLineBits), _MM_HINT_T0);
+        };
+        fetch(slot.LinesToTarget());
+        fetch(slot.LinesToBehind());
+        return reinterpret_cast<void*>(node);
     }
 }
 
