@@ -1,7 +1,11 @@
-// What the platform's own network service does not survive: each operation in a process of its
-// own, beside the same calls by hand.
+// What the platform's own network service does not survive: each operation in a process of its own,
+// which tells the calls that it makes. An operation answers as it is specified, or it stays in a
+// call to the platform.
 #include "file/url/ftp_child.h"
 #include "file/url/ftp_fixture.h"
+
+#include <functional>
+#include <memory>
 
 namespace {
 
@@ -12,65 +16,92 @@ protected:
         server.Put("dir.d\\a.txt", "old");
     }
 
-    // Either an answer as it is specified, or what becomes of the platform's calls too.
-    void ExpectNothingOfOurs(const std::string& what, const std::string& operation,
-                             const std::string& local = "") {
-        std::string url = ServedFiles::Url("dir.d/a.txt");
-        std::string outcome = OutcomeOf(operation, url, local, kSeconds);
-        if (outcome == "0" || outcome == "1" || outcome.compare(0, 7, "raised ") == 0) return;
-        EXPECT_EQ(outcome, OutcomeOf("hand-" + operation, url, local, kSeconds)) << what;
+    std::unique_ptr<FtpChild> Start(const std::string& operation, const std::string& name,
+                                    int door = 1) {
+        return std::make_unique<FtpChild>(operation, ServedFiles::Url(name, "user", door),
+                                          Path("local" + std::to_string(door)));
     }
-
-    static constexpr unsigned kSeconds = 3;
 };
+
+// For half a minute at most.
+bool Becomes(const std::function<bool()>& state) {
+    for (int wait = 0; wait < 3000; ++wait, Sleep(10))
+        if (state()) return true;
+    return false;
+}
 
 const std::string kRow = "-rw-r--r-- 1 u g 5 Jan 01 00:00 ";
 const std::string kEntry = kRow + "a.txt\r\n";
 
+// A fault, and what becomes of an operation: one of the answers, or this call does not return.
+struct Row {
+    std::string fault;
+    const char* operation;
+    std::vector<std::string> answers;
+    const char* call;
+};
+
 }  // namespace
 
 TEST_F(FtpChildTest, OperationsInAProcessOfTheirOwnAnswerAsHere) {
-    std::string url = ServedFiles::Url("dir.d/a.txt");
-    EXPECT_EQ(OutcomeOf("exists", url, "", 60), "1");
-    EXPECT_EQ(OutcomeOf("hand-exists", url, "", 60), "1");
-    std::string missing = ServedFiles::Url("dir.d/none.txt");
-    EXPECT_EQ(OutcomeOf("exists", missing, "", 60), "0");
-    EXPECT_EQ(OutcomeOf("info", missing, "", 60).compare(0, 7, "raised "), 0);
+    server.Put("dir.d\\b.txt", "new");
+    auto here = Start("exists", "dir.d/a.txt"), missing = Start("exists", "dir.d/none.txt"),
+         info = Start("info", "dir.d/none.txt"), brought = Start("download", "dir.d/b.txt");
+    EXPECT_EQ(here->Outcome(), "1");
+    EXPECT_EQ(missing->Outcome(), "0");
+    EXPECT_EQ(info->Outcome().compare(0, 7, "raised "), 0);
+    EXPECT_EQ(brought->Outcome(), "1");
+    EXPECT_EQ(ContentOf(Path("local1")), "new");
 }
 
-TEST_F(FtpChildTest, OddListingsMeetNothingOfOurs) {
-    const std::string kListings[] = {"\r\n" + kEntry, "   \r\n" + kEntry,
-                                     std::string("\0\0\r\n", 4) + kEntry, Pattern(5000)};
-    for (const std::string& listing : kListings) {
-        server.SetFault("listing " + server.PutAside("listing", listing));
-        ExpectNothingOfOurs(listing, "info");
+TEST_F(FtpChildTest, WhatDoesNotComeBackIsACallOfThePlatform) {
+    auto listing = [&](const std::string& name, const std::string& bytes) {
+        return "listing " + server.PutAside(name, bytes);
+    };
+    const std::vector<Row> kRows = {
+        {listing("empty", "\r\n" + kEntry), "exists", {"0", "1"}, "FtpFindFirstFileA"},
+        {listing("blank", "   \r\n" + kEntry), "exists", {"0", "1"}, "FtpFindFirstFileA"},
+        {listing("nul", std::string("\0\0\r\n", 4) + kEntry),
+         "exists",
+         {"0", "1"},
+         "FtpFindFirstFileA"},
+        {listing("random", Pattern(5000)), "exists", {"0"}, "FtpFindFirstFileA"},
+        {"silent greeting", "download", {"0"}, "InternetConnectA"},
+        {"silent RETR", "download", {"0"}, "FtpGetFileA"},
+        {"no data", "download", {"0"}, "FtpGetFileA"},
+        {"reply RETR nonsense", "download", {"0"}, "FtpGetFileA"},
+        {"reset 1000", "upload", {"0"}, "FtpPutFileA"},
+        {"reply RETR 550 no", "cache", {"0"}, "URLDownloadToCacheFileA"},
+    };
+    std::vector<std::unique_ptr<FtpChild>> children;
+    for (const Row& row : kRows) {
+        int door = int(children.size()) + 1;
+        server.SetFault(row.fault, door);
+        std::string content = *row.operation == 'u' ? Pattern(100000) : "local";
+        MakeFile("local" + std::to_string(door), content);
+        server.Put("dir.d\\" + std::to_string(door) + ".txt", "old");
+        bool lists = row.fault.compare(0, 7, "listing") == 0;
+        children.push_back(
+            Start(row.operation, "dir.d/" + (lists ? "a" : std::to_string(door)) + ".txt", door));
     }
-}
-
-TEST_F(FtpChildTest, ServersThatNeverAnswerMeetNothingOfOurs) {
-    for (const char* fault : {"silent greeting", "silent RETR", "no data", "reply RETR nonsense"}) {
-        server.SetFault(fault);
-        ExpectNothingOfOurs(fault, "download", Path("local"));
+    for (size_t i = 0; i < kRows.size(); ++i) {
+        std::string outcome = children[i]->Outcome(kRows[i].call);
+        bool answered = std::count(kRows[i].answers.begin(), kRows[i].answers.end(), outcome);
+        EXPECT_TRUE(answered || outcome == std::string("stays in ") + kRows[i].call)
+            << kRows[i].fault << ": " << outcome;
     }
-    DeleteFileA(Path("local").c_str());
-}
-
-TEST_F(FtpChildTest, AnUploadWhoseDataConnectionIsResetMeetsNothingOfOurs) {
-    server.SetFault("reset 1000");
-    ExpectNothingOfOurs("reset", "upload", MakeFile("local", Pattern(100000)));
-}
-
-TEST_F(FtpChildTest, TheCacheOfAServerThatRefusesMeetsNothingOfOurs) {
-    server.SetFault("reply RETR 550 no");
-    ExpectNothingOfOurs("missing", "cache");
 }
 
 // The server has neither the old file then nor the new one, but what had come of the new.
 TEST_F(FtpChildTest, AProcessKilledInAnUploadLeavesItsFirstBytesOnTheServer) {
     std::string content = Pattern(100000);
-    std::string local = MakeFile("local", content);
+    std::string local = MakeFile("local1", content);
     server.SetFault("hold 5000");
-    EXPECT_EQ(OutcomeOf("upload", ServedFiles::Url("dir.d/a.txt"), local, 10), "hangs");
+    auto child = Start("upload", "dir.d/a.txt");
+    EXPECT_TRUE(child->Calls("FtpPutFileA"));
+    EXPECT_TRUE(Becomes([&] { return server.Count("held") == 1; }));
+    child->Kill();
+    EXPECT_TRUE(server.AllGone());
     EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), content.substr(0, 5000));
     EXPECT_EQ(ContentOf(local), content);
 }

@@ -11,7 +11,10 @@
 // Watches the library's calls for a scope. One at a time.
 class WinInetCalls {
 public:
-    WinInetCalls();
+    // Is told the name of a call before it is made, and null when it has returned.
+    using Teller = void (*)(const char* name);
+
+    explicit WinInetCalls(Teller teller = nullptr);
     ~WinInetCalls();
     WinInetCalls(const WinInetCalls&) = delete;
 

@@ -13,7 +13,7 @@ Each new connection reads the file of faults: lines of
     end COUNT              the data ends behind so many bytes, and the server says all the same that it is whole
     whole TEXT             TEXT takes the place of the server's 226, which says that a transfer is whole
     no data                the server's 150 comes, but no data connection
-    hold COUNT             data stops for good behind so many bytes, and everything stays open
+    hold COUNT             data stops for good behind so many bytes, and everything stays open; the log says "held"
 
 In TEXT a "|" stands for the end of a line. An absent or empty file means an honest proxy.
 """
@@ -65,8 +65,20 @@ def close(connection, reset=False):
     connection.close()
 
 
+def drain(connection):
+    while connection.recv(65536):
+        pass
+
+
 def in_background(target, *arguments):
     threading.Thread(target=target, args=arguments, daemon=True).start()
+
+
+def connected(address):
+    """Small pieces are sent at once: nobody waits for what would come with them."""
+    connection = socket.create_connection(address)
+    connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+    return connection
 
 
 def lines_of(connection):
@@ -84,27 +96,41 @@ def lines_of(connection):
             yield line + b"\n"
 
 
+class Transfer:
+    """What passes between the two ends of one data connection and the control connection that it belongs to."""
+
+    def __init__(self):
+        self.command = queue.SimpleQueue()  # what was asked for; None when nothing will be
+        self.carried = queue.SimpleQueue()  # whether the data has gone the whole way
+
+
 class Session:
     """One control connection and the data connections that belong to it."""
 
-    def __init__(self, client, server, faults, log):
-        self.client, self.server, self.faults, self.log = client, server, faults, log
+    def __init__(self, client, faults, log):
+        self.client, self.faults, self.log = client, faults, log
+        self.server = None
         self.listing = faults.find("listing")
-        self.transfer = queue.SimpleQueue()  # what was asked for
-        self.carried = queue.SimpleQueue()  # whether its data has gone the whole way
+        self.transfer = Transfer()
 
-    def run(self):
+    def run(self, address):
         self.log.write("connected")
-        in_background(self.replies)
-        for line in lines_of(self.client):
-            if not self.take(line):
-                break
-        self.end()
-        self.log.write("gone")
+        try:
+            self.server = connected(address)
+            in_background(self.replies)
+            for line in lines_of(self.client):
+                if not self.take(line):
+                    break
+        except OSError:
+            pass
+        finally:
+            self.end()
+            self.transfer.command.put(None)
 
     def end(self):
         close(self.client)
-        close(self.server)
+        if self.server:
+            close(self.server)
 
     def say(self, data):
         try:
@@ -118,10 +144,11 @@ class Session:
             return
         whole = self.faults.find("whole")
         for line in lines_of(self.server):
-            if line.startswith(b"226") and not self.carried.get():
-                continue
-            if line.startswith(b"226") and whole:
-                line = text_of(whole)
+            if line.startswith(b"226"):
+                if not self.transfer.carried.get():
+                    line = text_of("426 the data connection broke")
+                elif whole:
+                    line = text_of(whole)
             self.say(text_of(first) if first else line)
             first = None
         self.end()
@@ -145,11 +172,8 @@ class Session:
         if command == "PORT":
             line = self.redirect(words)
         elif command in ("RETR", "STOR", "LIST"):
-            self.transfer.put(command)
-        try:
-            self.server.sendall(line)
-        except OSError:
-            return False
+            self.transfer.command.put(command)
+        self.server.sendall(line)
         return True
 
     def redirect(self, words):
@@ -157,26 +181,29 @@ class Session:
         numbers = [int(n) for n in words.split(" ")[1].split(",")]
         target = (".".join(map(str, numbers[:4])), numbers[4] * 256 + numbers[5])
         listener = socket.create_server(("127.0.0.1", 0))
-        in_background(self.join, listener, target)
+        self.transfer.command.put(None)
+        self.transfer = Transfer()
+        in_background(self.join, listener, target, self.transfer)
         port = listener.getsockname()[1]
         return f"PORT 127,0,0,1,{port // 256},{port % 256}\r\n".encode()
 
-    def join(self, listener, target):
+    def join(self, listener, target, transfer):
         """Carries one transfer. The server may connect before it is asked for anything."""
         carried = False
         try:
             with listener:
                 listener.settimeout(60)
                 server, _ = listener.accept()
-            command = self.transfer.get(timeout=60)
-            if self.faults.find("no", "data") is not None:
-                return
-            with server, socket.create_connection(target) as client:
-                carried = self.carry(command, server, client)
-        except (OSError, queue.Empty):
+            with server:
+                command = transfer.command.get()
+                if command is None or self.faults.find("no", "data") is not None:
+                    return
+                with connected(target) as client:
+                    carried = self.carry(command, server, client)
+        except OSError:
             pass
         finally:
-            self.carried.put(carried)
+            transfer.carried.put(carried)
 
     def carry(self, command, server, client):
         if command == "LIST":
@@ -188,8 +215,7 @@ class Session:
         return self.pump(source, target, *self.limit())
 
     def replace_listing(self, server, client):
-        while server.recv(65536):
-            pass
+        drain(server)
         client.sendall(pathlib.Path(self.listing).read_bytes())
 
     def limit(self):
@@ -211,16 +237,17 @@ class Session:
 
     def stop(self, kind, source, target):
         if kind == "hold":
+            self.log.write("held")
             time.sleep(3600)
         if kind == "reset":
             close(source, reset=True)
             close(target, reset=True)
             self.end()
             return
-        # A connection that is closed with bytes in it would be reset.
-        close(target)
-        while source.recv(65536):
-            pass
+        # A connection that is closed with bytes in it would be reset. What has gone is taken in before the end comes.
+        target.shutdown(socket.SHUT_WR)
+        drain(source)
+        drain(target)
         if kind == "cut":
             self.end()
 
@@ -232,5 +259,5 @@ class Proxy:
     def serve(self):
         while True:
             client, _ = self.listener.accept()
-            server = socket.create_connection(self.server)
-            in_background(Session(client, server, Faults(self.faults), self.log).run)
+            client.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+            in_background(Session(client, Faults(self.faults), self.log).run, self.server)

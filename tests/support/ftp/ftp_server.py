@@ -1,39 +1,60 @@
 #!/usr/bin/python3
-"""An FTP server on 127.0.0.1:21 for tests: ftp_server.py DIRECTORY [--faulty]
+"""An FTP server for tests: ftp_server.py DIRECTORY [--faulty]
+
+Listens on port 21 of an address that is its own: the first of 127.0.21.1, 127.0.22.1 and so on where nobody does, so
+that several may run at once.
 
 Serves DIRECTORY/files to the users `user` (all rights), `reader` and anonymous (reading only); the password is
 `secret`. DIRECTORY/log gets a line for each connection, command and end of a connection. Names are bytes: what a
 client sends is what the file is called. With --faulty every connection goes through a proxy that does what
-DIRECTORY/fault asks for (see ftp_proxy.py).
+DIRECTORY/fault.1 asks for (see ftp_proxy.py); it has further doors, 127.0.21.2 to 127.0.21.DOORS, each with a file of
+faults of its own.
 
-Says "ready" when it listens, and runs until it is ended.
+Says "ready ADDRESS" when it listens, and runs until it is ended.
 """
+import errno
+import logging
 import pathlib
+import signal
 import socket
 import sys
-import threading
 import warnings
 
 warnings.filterwarnings("ignore")
 from pyftpdlib.authorizers import DummyAuthorizer  # noqa: E402
 from pyftpdlib.handlers import DTPHandler, FTPHandler  # noqa: E402
+from pyftpdlib.ioloop import IOLoop  # noqa: E402
 from pyftpdlib.log import config_logging  # noqa: E402
-from pyftpdlib.servers import FTPServer  # noqa: E402
 
-from ftp_proxy import Log, Proxy  # noqa: E402
+from ftp_proxy import Log, Proxy, in_background  # noqa: E402
 
-ADDRESS = ("127.0.0.1", 21)
+PORT = 21
+NETWORKS = [f"127.0.{number}." for number in range(21, 121)]
+DOORS = 24
 
 
-def listen():
+def listen(host):
     listener = socket.socket()
-    listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
     try:
-        listener.bind(ADDRESS)
-    except OSError as error:
-        sys.exit(f"no FTP server can listen on {ADDRESS[0]}:{ADDRESS[1]}: {error.strerror}")
-    listener.listen(64)
+        listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        listener.bind((host, PORT))
+        listener.listen(64)
+    except OSError:
+        listener.close()
+        raise
     return listener
+
+
+def listen_somewhere():
+    """A listener on the first address of a network that is ours then, for everyone begins with it."""
+    for network in NETWORKS:
+        try:
+            return network, listen(network + "1")
+        except OSError as error:
+            reason = error
+            if error.errno != errno.EADDRINUSE:
+                break
+    sys.exit(f"no FTP server can listen on port {PORT} of {NETWORKS[0]}1 to {NETWORKS[-1]}1: {reason.strerror}")
 
 
 def users(files):
@@ -44,7 +65,10 @@ def users(files):
     return authorizer
 
 
-def handler(directory, log):
+def session_class(directory, log, behind_proxy):
+    """What serves one session. A proxy in front of it tells the log of connections and commands by itself; only the
+    server knows when a session is over with all its files."""
+
     class Data(DTPHandler):
         unicode_errors = "surrogateescape"
 
@@ -53,34 +77,75 @@ def handler(directory, log):
         dtp_handler = Data
         unicode_errors = "surrogateescape"
         auth_failed_timeout = 0.01
+        over = False
 
         def on_connect(self):
-            log.write("connected")
+            if not behind_proxy:
+                log.write("connected")
 
         def on_disconnect(self):
+            self.over = True
             log.write("gone")
 
         def pre_process_command(self, line, cmd, arg):
-            log.write(line)
+            if not behind_proxy:
+                log.write(line)
             super().pre_process_command(line, cmd, arg)
 
     return Control
 
 
+class Server:
+    """Gives each session a thread and a loop of its own. In one loop for all, a session that ends while its data
+    connection is open now and then takes another one's events with it, which then gets no answer."""
+
+    # What the sessions look at.
+    ip_map = ()  # of the addresses whose sessions are counted: none
+    backlog = 5  # of a listener for one data connection
+
+    def __init__(self, listener, session):
+        self.socket, self.session = listener, session
+
+    def _accept_new_cons(self):
+        return True
+
+    def serve(self):
+        while True:
+            in_background(self.serve_one, self.socket.accept()[0])
+
+    def serve_one(self, client):
+        client.setblocking(False)
+        with IOLoop() as loop:
+            session = self.session(client, self, ioloop=loop)
+            if session.connected:
+                session.handle()
+                while not session.over:
+                    loop.loop(timeout=0.05, blocking=False)
+
+
+def proxies(directory, network, first, log):
+    """A proxy at each door, and the server behind them."""
+    behind = socket.create_server(("127.0.0.1", 0))
+    in_background(Server(behind, session_class(directory, log, behind_proxy=True)).serve)
+    for door in range(1, DOORS + 1):
+        listener = first if door == 1 else listen(network + str(door))
+        yield Proxy(listener, behind.getsockname(), directory / f"fault.{door}", log)
+
+
 def main():
     directory = pathlib.Path(sys.argv[1])
     (directory / "files").mkdir(exist_ok=True)
-    config_logging(level=50)
-    listener = listen()
+    config_logging(level=logging.ERROR)
+    network, listener = listen_somewhere()
     log = Log(directory / "log")
     if sys.argv[2:] == ["--faulty"]:
-        server = FTPServer(("127.0.0.1", 0), handler(directory, Log(None)))
-        proxy = Proxy(listener, server.socket.getsockname(), directory / "fault", log)
-        threading.Thread(target=proxy.serve, daemon=True).start()
+        servers = list(proxies(directory, network, listener, log))
     else:
-        server = FTPServer(listener, handler(directory, log))
-    print("ready", flush=True)
-    server.serve_forever(timeout=0.05)
+        servers = [Server(listener, session_class(directory, log, behind_proxy=False))]
+    for server in servers:
+        in_background(server.serve)
+    print("ready", network + "1", flush=True)
+    signal.pause()
 
 
 main()

@@ -29,7 +29,7 @@ void WriteBytes(const std::string& path, const std::string& bytes) {
 
 ServedFiles::ServedFiles() {
     const char* directory = getenv("QXCORE_FTP_DIRECTORY");
-    if (!directory) {
+    if (!directory || !getenv("QXCORE_FTP_HOST")) {
         ADD_FAILURE() << "no FTP server: start the program through tests/support/with_ftp_server";
         return;
     }
@@ -40,12 +40,18 @@ ServedFiles::ServedFiles() {
 
 ServedFiles::~ServedFiles() {
     if (m_directory.empty()) return;
-    fs::remove(m_directory + "\\fault");
+    for (int door = 1; door <= kDoors; ++door) fs::remove(FaultsOf(door));
     for (auto& entry : fs::directory_iterator(m_files)) fs::remove_all(entry.path());
 }
 
-std::string ServedFiles::Url(const std::string& name, const std::string& user) {
-    return "ftp://" + (user.empty() ? "" : user + ":secret@") + "127.0.0.1/" + name;
+std::string ServedFiles::Host(int door) {
+    const char* first = getenv("QXCORE_FTP_HOST");
+    std::string host = first ? first : "127.0.0.1";
+    return host.substr(0, host.rfind('.') + 1) + std::to_string(door);
+}
+
+std::string ServedFiles::Url(const std::string& name, const std::string& user, int door) {
+    return "ftp://" + (user.empty() ? "" : user + ":secret@") + Host(door) + "/" + name;
 }
 
 std::string ServedFiles::Put(const std::string& name, const std::string& bytes) const {
@@ -73,8 +79,12 @@ std::vector<std::string> ServedFiles::Names(const std::string& directory) const 
     return names;
 }
 
-void ServedFiles::SetFault(const std::string& lines) const {
-    WriteBytes(m_directory + "\\fault", lines);
+std::string ServedFiles::FaultsOf(int door) const {
+    return m_directory + "\\fault." + std::to_string(door);
+}
+
+void ServedFiles::SetFault(const std::string& lines, int door) const {
+    WriteBytes(FaultsOf(door), lines);
 }
 
 std::string ServedFiles::PutAside(const std::string& name, const std::string& bytes) const {
@@ -101,7 +111,7 @@ int ServedFiles::Count(const std::string& start) const {
 }
 
 bool ServedFiles::AllGone() const {
-    for (int wait = 0; wait < 500; ++wait) {
+    for (int wait = 0; wait < 3000; ++wait) {
         if (Count("connected") == Count("gone")) return true;
         Sleep(10);
     }

@@ -14,9 +14,13 @@ public:
     ServedFiles& operator=(const ServedFiles&) = delete;
     ~ServedFiles();
 
+    // A faulty server has several addresses, from 1 on, which may fail in different ways at the
+    // same time.
+    static constexpr int kDoors = 24;
+    static std::string Host(int door = 1);
     // A url of the server; the user is "user" (all rights), "reader" or empty (anonymous, reading
     // only).
-    static std::string Url(const std::string& name, const std::string& user = "user");
+    static std::string Url(const std::string& name, const std::string& user = "user", int door = 1);
     // What stands behind it: directories in the name are divided by '\'.
     std::string PathOf(const std::string& name) const { return m_files + "\\" + name; }
     std::string Put(const std::string& name, const std::string& bytes) const;
@@ -26,7 +30,7 @@ public:
     std::vector<std::string> Names(const std::string& directory = "") const;
 
     // Lines that the proxy reads at each new connection; only in programs with a faulty server.
-    void SetFault(const std::string& lines) const;
+    void SetFault(const std::string& lines, int door = 1) const;
     // A file beside the served ones, as the proxy names it.
     std::string PutAside(const std::string& name, const std::string& bytes) const;
 
@@ -34,10 +38,13 @@ public:
     std::vector<std::string> Log() const;
     // How many of the log's lines start so.
     int Count(const std::string& start) const;
-    // Waits, for five seconds at most, until every connection has ended.
+    // Waits, for half a minute at most, until every connection has ended and the server has closed
+    // its files.
     bool AllGone() const;
 
 private:
+    std::string FaultsOf(int door) const;
+
     std::string m_directory;
     std::string m_files;
     size_t m_logStart = 0;
