@@ -1,5 +1,6 @@
 #include "tools/qxagent/make_up.h"
 
+#include "tools/qxagent/late_imports.h"
 #include "tools/qxagent/narrow.h"
 #include "tools/qxagent/recorder.h"
 #include "tools/qxagent/window_menus.h"
@@ -214,6 +215,33 @@ const Hook kHooks[] = {
     QX_HOOK("user32.dll", MessageBoxIndirectW, true),
 };
 
+bool IsWanted(const Hook& hook) {
+    return !hook.isWideBox || g_wideBoxes;
+}
+
+// The agent's own imports lead on to the library: so does a program that asks for one late.
+void LeadLateImports() {
+    for (const Hook& hook : kHooks) {
+        if (IsWanted(hook)) ReplaceLate(hook.dll, hook.function, hook.replacement);
+    }
+#define QX_LATE(dll, function) ReplaceLate(dll, #function, reinterpret_cast<void*>(&::function))
+    QX_LATE("kernel32.dll", LoadResource);
+    QX_LATE("kernel32.dll", LockResource);
+    QX_LATE("kernel32.dll", SizeofResource);
+    QX_LATE("user32.dll", CreateDialogParamA);
+    QX_LATE("user32.dll", CreateDialogParamW);
+    QX_LATE("user32.dll", CreateDialogIndirectParamA);
+    QX_LATE("user32.dll", CreateDialogIndirectParamW);
+    QX_LATE("user32.dll", DialogBoxParamA);
+    QX_LATE("user32.dll", DialogBoxParamW);
+    QX_LATE("user32.dll", DialogBoxIndirectParamA);
+    QX_LATE("user32.dll", DialogBoxIndirectParamW);
+    QX_LATE("user32.dll", MessageBoxA);
+    QX_LATE("user32.dll", MessageBoxExA);
+    QX_LATE("user32.dll", MessageBoxIndirectA);
+#undef QX_LATE
+}
+
 }  // namespace
 
 void PrepareMakeUp(bool wideBoxes) {
@@ -223,13 +251,14 @@ void PrepareMakeUp(bool wideBoxes) {
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
         reinterpret_cast<const wchar_t*>(&PrepareMakeUp), &own);
     Supp_InitResTranslation(own);
+    LeadLateImports();
 }
 
 void MakeUpFor(HMODULE module) {
     for (const Hook& hook : kHooks) {
-        if (!hook.isWideBox || g_wideBoxes)
-            HookProc_Install(module, hook.dll, hook.function, hook.replacement);
+        if (IsWanted(hook)) HookProc_Install(module, hook.dll, hook.function, hook.replacement);
     }
+    WatchLateImports(module);
 }
 
 }  // namespace qx
