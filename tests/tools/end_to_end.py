@@ -1,7 +1,10 @@
 #!/usr/bin/env python3
 """Programs of Wine in English with our dictionary beside their native selves.
 
-    end_to_end.py TOP BIN [--pictures] [PROGRAM...]
+    end_to_end.py TOP BIN [--pictures] [--into LANGUAGE LOCALE CODEPAGE] [PROGRAM...]
+
+such as --into 0x411 ja_JP.UTF-8 932; German without it. Any program of Wine will do; those below are the six of the
+figure.
 
 Each program is run three times, in English, in the second language, and in English with a dictionary, each time with
 the same menu commands, which open its dialogs; the texts of its live windows, menus and dialogs are compared line by
@@ -22,7 +25,6 @@ import time
 import polib
 
 WINE = pathlib.Path("/usr/lib/x86_64-linux-gnu/wine/x86_64-windows")
-LANGUAGE, LOCALE, CODE_PAGE = "0x407", "de_DE.UTF-8", "1252"
 # The numbers of menu commands that open dialogs.
 PROGRAMS = {
     "wordpad": [1003, 1600, 1601, 1602, 1604, 1603],
@@ -65,19 +67,20 @@ def read_dump(path):
 
 
 class Runner:
-    def __init__(self, top, binaries):
+    def __init__(self, top, binaries, language, locale, code_page):
+        self.language, self.locale, self.code_page = language, locale, code_page
         self.top, self.tool = top, binaries / "qxtranslate.exe"
         self.out = top / "build" / "end_to_end"
         self.out.mkdir(parents=True, exist_ok=True)
         subprocess.run([top / "scripts/wine-prefix", top / "build/wine"], check=True)
-        subprocess.run([top / "scripts/make-locale", LOCALE, top / "build/locales"], check=True)
+        subprocess.run([top / "scripts/make-locale", locale, top / "build/locales"], check=True)
         # One server for all runs: it outlives each a little.
         subprocess.run(["/usr/lib/wine/wineserver64", "-p10"], env=self.environment("C"), stderr=subprocess.DEVNULL)
 
     def environment(self, language):
         environment = dict(os.environ, WINEPREFIX=str(self.top / "build/wine"), WINEDEBUG="-all", WINEARCH="win64",
                            WINEDLLOVERRIDES="mscoree,mshtml,winedbg.exe=", LOCPATH=str(self.top / "build/locales"),
-                           LANG="C.UTF-8", LC_CTYPE="C.UTF-8", LC_MESSAGES=language)
+                           LANG="C.UTF-8", LC_CTYPE=self.locale, LC_MESSAGES=language)
         environment.pop("LC_ALL", None)
         return environment
 
@@ -92,7 +95,7 @@ class Runner:
 
     def dump(self, program, name, *options, language="C"):
         path = self.out / f"{program}.{name}.txt"
-        commands = [word for command in PROGRAMS[program] for word in ("--command", command)]
+        commands = [word for command in PROGRAMS.get(program, []) for word in ("--command", command)]
         self.run("run", *options, "--after", "0", *commands, "--dump", windows(path), "--close", "--",
                  windows(WINE / f"{program}.exe"), language=language)
         return read_dump(path)
@@ -112,23 +115,33 @@ class Runner:
         self.run(*words, "--format", "json", "-o", windows(path))
         return json.loads(path.read_text())
 
+    def audit(self, program):
+        """What `audit` says of the program and of the libraries that it is a door to, and those to harvest with it."""
+        sentences, libraries, files = [], set(), [f"{program}.exe"]
+        while files:
+            rows = self.table(program, "audit", *[windows(WINE / name) for name in files])
+            said = [row["consequence"] for row in rows]
+            named = set(re.findall(r"(?:harvest|Run box of) ([\w-]+\.\w+)", " ".join(said))) - libraries
+            named = {name for name in named if (WINE / name).exists()}
+            sentences, libraries = sentences + said, libraries | named
+            files = [name for name in named if not name.endswith(".dll")]
+        return sentences, sorted(libraries)
+
     def compare(self, program, pictures):
         file = windows(WINE / f"{program}.exe")
         po, wld, record = (self.out / f"{program}.{kind}" for kind in ("po", "wld", "record"))
-        sentences = [row["consequence"] for row in self.table(program, "audit", file)]
-        audit = " ".join(sentences)
-        libraries = sorted(set(re.findall(r"harvest (\w+\.dll)", audit)) | set(re.findall(r"box of (\w+\.dll)", audit)))
+        sentences, libraries = self.audit(program)
         modules = [word for library in libraries for word in ("--module", library)]
         self.run("harvest", file, *[windows(WINE / library) for library in libraries],
-                 "--pair", f"0x409,{LANGUAGE}", "-o", windows(po))
-        self.run("build", windows(po), "--codepage", CODE_PAGE, "-o", windows(wld))
+                 "--pair", f"0x409,{self.language}", "-o", windows(po))
+        self.run("build", windows(po), "--codepage", self.code_page, "-o", windows(wld))
         translated = ["--dictionary", windows(wld), *modules]
         english = self.dump(program, "english")
-        native = self.dump(program, "native", language=LOCALE)
+        native = self.dump(program, "native", language=self.locale)
         ours = self.dump(program, "ours", *translated, "--record", windows(record))
         if pictures:
             shown = [self.picture(program, "english"), self.picture(program, "ours", *translated),
-                     self.picture(program, "native", language=LOCALE)]
+                     self.picture(program, "native", language=self.locale)]
             subprocess.run(["convert", *shown, "+append", self.out / f"{program}.png"], check=True)
         predictions = Predictions(self, program, sentences,
                                   self.table(program, "status", windows(po), "--record", windows(record)))
@@ -172,9 +185,10 @@ def main():
     parser.add_argument("top", type=pathlib.Path)
     parser.add_argument("binaries", type=pathlib.Path)
     parser.add_argument("--pictures", action="store_true")
+    parser.add_argument("--into", nargs=3, default=["0x407", "de_DE.UTF-8", "1252"])
     parser.add_argument("programs", nargs="*", default=PROGRAMS)
     given = parser.parse_args()
-    runner = Runner(given.top.resolve(), given.binaries.resolve())
+    runner = Runner(given.top.resolve(), given.binaries.resolve(), *given.into)
     results = [runner.compare(program, given.pictures) for program in given.programs]
     same, lines, unpredicted = (sum(column) for column in zip(*results))
     print(f"{same} of {lines} lines; {unpredicted} others that nobody predicted")

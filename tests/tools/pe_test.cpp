@@ -135,10 +135,39 @@ TEST(AuditTest, EachWayOfCallingIsTold) {
     EXPECT_EQ(audit.functions[2].function + " " + audit.functions[2].way,
               "DialogBoxParamW only by GetProcAddress");
     EXPECT_EQ(audit.functions[3].way, "by ordinal");
-    EXPECT_TRUE(Says(audit, "LoadMenuA is delay-loaded"));
-    EXPECT_TRUE(Says(audit, "DialogBoxParamW is looked up by name"));
+    EXPECT_TRUE(Says(audit, "Delay-loaded: LoadMenuA. A slot"));
+    EXPECT_TRUE(Says(audit, "Looked up by name while it runs: DialogBoxParamW. Such calls"));
     EXPECT_TRUE(Says(audit, "It calls MessageBoxW"));
+    EXPECT_FALSE(Says(audit, "It has dialogs and imports none"));
+}
+
+TEST(AuditTest, ResourcesThatNothingOpensAreTold) {
+    qx::Audit audit = qx::AuditModule(BuildImage({kResources, {}, ""}));
+    EXPECT_TRUE(audit.functions.empty());
     EXPECT_TRUE(Says(audit, "It has dialogs and imports none"));
+}
+
+TEST(AuditTest, NamesWithoutATableAreDelayLoadedWhereTheSystemResolvesThem) {
+    Data file = BuildImage(
+        {{}, {{"kernel32.dll", {"ResolveDelayLoadedAPI"}}}, std::string("LoadStringW\0", 12)});
+    qx::Audit audit = qx::AuditModule(file);
+    ASSERT_EQ(audit.functions.size(), 1u);
+    EXPECT_EQ(audit.functions[0].way, "delay-loaded");
+}
+
+TEST(AuditTest, LibrariesThatAProgramNamesAreTold) {
+    std::u16string texts(u"\0Wizard.dll\0user32.dll\0a *.dll\0", 31);
+    Data file =
+        BuildImage({{},
+                    {},
+                    std::string(reinterpret_cast<const char*>(texts.data()), 2 * texts.size()) +
+                        std::string("fonts.CPL\0plain.dll\0", 20)});
+    qx::Audit audit = qx::AuditModule(file);
+    EXPECT_TRUE(Says(audit, "It names fonts.cpl: "));
+    EXPECT_FALSE(Says(audit, "plain.dll"));
+    EXPECT_TRUE(Says(audit, "It names wizard.dll: "));
+    EXPECT_FALSE(Says(audit, "user32.dll"));
+    EXPECT_FALSE(Says(audit, "*.dll"));
 }
 
 TEST(AuditTest, BoxesOfTheSystemNameTheLibraryToHarvest) {

@@ -6,6 +6,7 @@
 #include "tools/qxtranslate/model/unicode.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <set>
 
@@ -84,16 +85,20 @@ constexpr struct {
     {"shell32.dll", 62, "PickIconDlg"},
 };
 
+constexpr const char* kDelayed = "delay-loaded";
+constexpr const char* kByName = "only by GetProcAddress";
+
 bool IsSame(const std::string& a, const char* b) {
     return LowerAscii(a) == LowerAscii(b);
 }
 
 class Auditor {
 public:
-    explicit Auditor(Bytes file) : m_image(file), m_imports(ReadImports(m_image)) {}
+    explicit Auditor(Bytes file)
+        : m_image(file), m_imports(ReadImports(m_image)), m_names(CollectNames(m_image)) {}
 
     Audit Run() {
-        for (const char* function : kIntercepted) Look(function);
+        Ways();
         Widths();
         Strings();
         Templates();
@@ -102,6 +107,7 @@ public:
         }
         auto reaches = [this](const std::string& function) { return Reaches(function); };
         for (const std::string& sentence : TellSystemTexts(reaches)) Tell(sentence);
+        Libraries();
         return std::move(m_audit);
     }
 
@@ -116,7 +122,7 @@ private:
 
     // By its name, by its number, or by a look-up while the program runs.
     bool Reaches(const std::string& function) const {
-        return Imports(function) || ImportsNumber(function) || HoldsName(m_image, function);
+        return Imports(function) || ImportsNumber(function) || m_names.count(function) != 0;
     }
 
     bool ImportsNumber(const std::string& function) const {
@@ -129,21 +135,33 @@ private:
         });
     }
 
-    void Look(const char* function) {
-        if (const Import* import = Imports(function)) {
-            m_audit.functions.push_back(
-                {function, import->isDelayed ? "delay-loaded" : "directly"});
-            if (import->isDelayed) {
-                Tell(std::string(function) +
-                     " is delay-loaded: its slot holds no real address before the first call, so "
-                     "the interception, made at the start, does not reach it.");
-            }
+    // Nothing when the module does not get at the function.
+    std::optional<std::string> WayTo(const char* function) const {
+        if (const Import* import = Imports(function))
+            return import->isDelayed ? kDelayed : "directly";
+        if (!m_names.count(function)) return std::nullopt;
+        // Some linkers leave no table of what is delay-loaded, only its names.
+        return Imports("ResolveDelayLoadedAPI") ? kDelayed : kByName;
+    }
+
+    void Ways() {
+        std::map<std::string, std::string> late;
+        for (const char* function : kIntercepted) {
+            auto way = WayTo(function);
+            if (!way) continue;
+            m_audit.functions.push_back({function, *way});
             m_used.insert(function);
-        } else if (HoldsName(m_image, function)) {
-            m_audit.functions.push_back({function, "only by GetProcAddress"});
-            Tell(std::string(function) +
-                 " is looked up by name while the program runs: such calls are out of reach.");
+            std::string& list = late[*way];
+            list += (list.empty() ? "" : ", ") + std::string(function);
         }
+        if (late.count(kDelayed))
+            Tell("Delay-loaded: " + late[kDelayed] +
+                 ". A slot holds no real address before the first call, so the interception, made "
+                 "at the start, does not reach these, but for programs started by qxtranslate "
+                 "run.");
+        if (late.count(kByName))
+            Tell("Looked up by name while it runs: " + late[kByName] +
+                 ". Such calls are out of reach, but for programs started by qxtranslate run.");
     }
 
     void Widths() {
@@ -203,6 +221,16 @@ private:
                 "by qxtranslate run.");
     }
 
+    void Libraries() {
+        for (const std::string& library : NamedLibraries(m_image)) {
+            Tell("It names " + library +
+                 ": when it loads that library while it runs, audit it too, harvest " + library +
+                 " together with the program and give qxtranslate run the option "
+                 "--module " +
+                 library + ", and its texts are translated too.");
+        }
+    }
+
     bool Uses(const char* function) const { return m_used.count(function) != 0; }
 
     bool Holds(uint32_t type) {
@@ -213,6 +241,7 @@ private:
 
     PeImage m_image;
     std::vector<Import> m_imports;
+    std::unordered_set<std::string> m_names;
     std::optional<std::vector<Resource>> m_resources;
     std::set<std::string> m_used;
     Audit m_audit;

@@ -1,7 +1,9 @@
 #include "tools/qxtranslate/model/pe_imports.h"
 
-#include <algorithm>
+#include "tools/qxtranslate/model/unicode.h"
+
 #include <functional>
+#include <set>
 
 namespace qx {
 
@@ -74,12 +76,74 @@ std::vector<Import> ReadImports(const PeImage& image) {
     return ImportReader(image).Read();
 }
 
-bool HoldsName(const PeImage& image, const std::string& name) {
-    std::boyer_moore_horspool_searcher searcher(name.c_str(), name.c_str() + name.size() + 1);
-    for (Bytes section : image.Sections()) {
-        if (std::search(section.begin(), section.end(), searcher) != section.end()) return true;
+namespace {
+
+constexpr size_t kMaxName = 64;
+
+bool IsNameByte(uint8_t c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
+           c == '-' || c == '.';
+}
+
+bool IsLibrary(const std::string& lower) {
+    static const std::set<std::string> kOfTheSystem = {
+        "gdi32.dll", "kernel32.dll", "kernelbase.dll", "msvcrt.dll",
+        "ntdll.dll", "ucrtbase.dll", "user32.dll",     "win32u.dll",
+    };
+    return lower.size() > 4 && lower.ends_with(".dll") && !kOfTheSystem.count(lower);
+}
+
+// Libraries that are there for what they show.
+bool IsShownLibrary(const std::string& lower) {
+    return lower.size() > 4 && (lower.ends_with(".cpl") || lower.ends_with(".ocx"));
+}
+
+// The texts of a section that are nothing but one name, in lower case.
+template <class Character, class Visit>
+void EachName(Bytes section, Visit visit) {
+    std::string name;
+    bool isWhole = true;  // the name begins where a text begins
+    for (size_t at = 0; at + sizeof(Character) <= section.size(); at += sizeof(Character)) {
+        auto c = NumberAt<Character>(section, at, "a section");
+        if (c < 0x80 && IsNameByte(static_cast<uint8_t>(c)) && name.size() < kMaxName) {
+            name += static_cast<char>(c);
+            continue;
+        }
+        if (c == 0 && isWhole && !name.empty()) visit(LowerAscii(name));
+        isWhole = c == 0;
+        name.clear();
     }
-    return false;
+}
+
+}  // namespace
+
+std::vector<std::string> NamedLibraries(const PeImage& image) {
+    std::set<std::string> libraries;
+    for (Bytes section : image.Sections()) {
+        EachName<uint16_t>(section, [&](const std::string& name) {
+            if (IsLibrary(name) || IsShownLibrary(name)) libraries.insert(name);
+        });
+        EachName<uint8_t>(section, [&](const std::string& name) {
+            if (IsShownLibrary(name)) libraries.insert(name);
+        });
+    }
+    return std::vector<std::string>(libraries.begin(), libraries.end());
+}
+
+std::unordered_set<std::string> CollectNames(const PeImage& image) {
+    std::unordered_set<std::string> names;
+    for (Bytes section : image.Sections()) {
+        std::string name;
+        for (uint8_t c : section) {
+            if (IsNameByte(c)) {
+                name += static_cast<char>(c);
+                continue;
+            }
+            if (c == 0 && !name.empty() && name.size() <= kMaxName) names.insert(name);
+            name.clear();
+        }
+    }
+    return names;
 }
 
 }  // namespace qx

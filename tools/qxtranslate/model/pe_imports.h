@@ -5,6 +5,7 @@
 #include "tools/qxtranslate/model/pe_image.h"
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace qx {
@@ -19,9 +20,14 @@ struct Import {
 // Directly and delay-loaded. Throws BadInput when a table reaches beyond the file.
 std::vector<Import> ReadImports(const PeImage& image);
 
-// Whether the bytes of the name, with a terminator, stand anywhere in the file: as the argument of
-// a look-up by name does.
-bool HoldsName(const PeImage& image, const std::string& name);
+// The narrow texts of the file that could be names, in whole: one that the program looks up by name
+// stands among them.
+std::unordered_set<std::string> CollectNames(const PeImage& image);
+
+// The libraries that the program may load while it runs, in lower case: names of such files among
+// its wide texts, without those on which the system itself stands; also among its narrow ones where
+// the name tells that the library is there for what it shows.
+std::vector<std::string> NamedLibraries(const PeImage& image);
 
 }  // namespace qx
 
