@@ -1,6 +1,7 @@
 #include "storage/compound/ole_storage.h"
 
 #include "core/memory_manager.h"
+#include "storage/compound/deep_deletion.h"
 #include "storage/compound/ole_failure.h"
 #include "storage/compound/ole_name.h"
 #include "storage/compound/ole_stream.h"
@@ -24,8 +25,10 @@ HRESULT WithElementName(OleName& wide, const char* name, Call call) {
 }
 
 HRESULT DeleteElement(IStorage* ole, OleName& wide, const char* name) {
-    HRESULT status =
-        WithElementName(wide, name, [&](const wchar_t* text) { return ole->DestroyElement(text); });
+    HRESULT status = WithElementName(wide, name, [&](const wchar_t* text) {
+        DeleteDeepLevels(ole, text);
+        return ole->DestroyElement(text);
+    });
     if (FAILED(status)) throw CXFileException(CodeOfStatus(status), nullptr, QXOP_DELETE_ELEMENT);
     return status;
 }

@@ -119,6 +119,33 @@ TEST_F(StorageTest, AFileOfManyLevelsIsWalkedAndClosed) {
     EXPECT_TRUE(DeleteFileA(path.c_str()));
 }
 
+// The platform alone ends the process over so many levels.
+TEST_F(StorageTest, AStorageOfManyLevelsIsDeleted) {
+    for (bool isReverted : {true, false}) {
+        const int kLevels = isReverted ? 1000 : 5000;
+        std::string path = Path(isReverted ? "reverted.stg" : "deleted.stg");
+        {
+            std::string bytes = DeepFile(kLevels).Bytes();
+            Reference<IXFile> file(Fio_Open(path.c_str(), QXFIO_OUTPUT));
+            file->Write(bytes.data(), static_cast<unsigned>(bytes.size()));
+        }
+        Reference<IXStorage> root(open_Storage(path.c_str(), 0));
+        PutStream(root.Get(), "kept", "abc");
+        EXPECT_EQ(root->DeleteStorage("x"), S_OK);
+        EXPECT_EQ(Names(root->EnumStorages()), List{});
+        if (isReverted) static_cast<CStorage*>(root.Get())->Revert();
+        root.Release();
+        Reference<IXStorage> again(open_Storage(path.c_str(), 1));
+        EXPECT_EQ(Names(again->EnumStorages()), isReverted ? List{"x"} : List{});
+        EXPECT_EQ(Names(again->EnumStreams()), isReverted ? List{} : List{"kept"});
+        if (!isReverted) continue;
+        int depth = 0;
+        for (Reference<IXStorage> level = again; !Names(level->EnumStorages()).empty(); ++depth)
+            level = Reference<IXStorage>(level->OpenStorage("x"));
+        EXPECT_EQ(depth, kLevels);
+    }
+}
+
 // Fifty thousand levels are looked over without an end of the stack.
 TEST_F(StorageTest, AFileOfVeryManyLevelsIsOpened) {
     std::string path = Path("deep.stg");

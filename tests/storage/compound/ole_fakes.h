@@ -153,6 +153,7 @@ private:
         lastMode = asked;
         *out = nullptr;
         if (FAILED(status)) return status;
+        if (!object) return STG_E_FILENOTFOUND;
         object->AddRef();
         *out = object;
         return status;
