@@ -93,7 +93,8 @@ private:
         char* argument = m_characters.Skip(kIniSpace, wordEnd, end);
         char* argumentEnd = m_characters.FindSpace(argument, end);
         *wordEnd = *argumentEnd = 0;
-        if (argument < argumentEnd && IsInclude(word)) Include(CXString(argument));
+        if (argument < argumentEnd && IsInclude(word))
+            Include(CXString(argument), argumentEnd == end);
         return true;
     }
 
@@ -102,13 +103,14 @@ private:
         return _mbsicmp(bytes(word), bytes("include")) == 0;
     }
 
-    // The argument has no blank in it. One that starts with "." stands beside the including file,
-    // with the directory of the outermost file before it all the same.
-    void Include(CXString argument) {
+    // The argument has no blank in it. A quote behind it is dropped where the line ends. One that
+    // starts with "." stands beside the including file, with the directory of the outermost file
+    // before it all the same.
+    void Include(CXString argument, bool endsLine) {
         constexpr char kQuote = '"';
         if (argument.GetAt(0) == kQuote) argument.Delete(0, 1);
         int last = argument.GetLength() - 1;
-        if (last >= 0 && argument.GetAt(last) == kQuote) argument.Delete(last, 1);
+        if (endsLine && last >= 0 && argument.GetAt(last) == kQuote) argument.Delete(last, 1);
         if (argument.GetAt(0) == '.') argument = BesideTopFile(argument);
         CXString path = m_base + argument;
         Reference<IXFile> file(Fio_Open(path, 0));

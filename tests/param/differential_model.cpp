@@ -5,6 +5,7 @@
 #include <mbctype.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 namespace model {
@@ -232,19 +233,29 @@ void Grow(Tree& tree, Random& random, unsigned children, int depth) {
 
 // --- Lines
 
+// In the fewest digits that tell it from every other number.
 std::string RealText(double number) {
     char text[64];
-    snprintf(text, sizeof text, "%.17g", number);
+    return std::string(text, std::to_chars(text, std::end(text), number).ptr);
+}
+
+template <class... Numbers>
+std::string Joined(Numbers... numbers) {
+    std::string text;
+    ((text += (text.empty() ? "" : ",") + std::to_string(numbers)), ...);
     return text;
 }
 
 std::string Quoted(const void* bytes, size_t size) {
+    constexpr char kDigits[] = "0123456789abcdef";
     std::string text = "'";
     for (size_t i = 0; i < size; ++i) {
         unsigned char byte = static_cast<const unsigned char*>(bytes)[i];
-        char digits[8];
-        snprintf(digits, sizeof digits, byte >= 32 && byte < 127 ? "%c" : "\\x%02x", byte);
-        text += digits;
+        if (byte >= 32 && byte < 127) {
+            text += static_cast<char>(byte);
+        } else {
+            ((text += "\\x") += kDigits[byte >> 4]) += kDigits[byte & 15];
+        }
     }
     return text + "'";
 }
@@ -265,6 +276,11 @@ std::string FrameOf(IQXUnknown* object) {
 std::string Plain(const CQXVariant& v) {
     const tagQXVALUE& value = v.value;
     switch (v.type) {
+        case QXVT_SIZE:
+        case QXVT_POINT:
+            return Joined(value.size.cx, value.size.cy);
+        case QXVT_RECT:
+            return Joined(value.rect.left, value.rect.top, value.rect.right, value.rect.bottom);
         case QXVT_DOUBLE:
             return RealText(value.doubleVal);
         case QXVT_FLOAT:

@@ -359,6 +359,15 @@ TEST_F(IniReaderTest, AnIncludeMayBeQuotedSpacedAndInAnyCase) {
     EXPECT_EQ(Read("[\\]\r\n#include ini_reader_sub.ini behind it\r\n"), "k1=5:1");
 }
 
+// A quote goes where the line ends; in front of something else it is a part of the name.
+TEST_F(IniReaderTest, AClosingQuoteIsDroppedAtTheEndOfTheLineOnly) {
+    TextFile sub("ini_reader_sub.ini", "k1=i1\r\n");
+    EXPECT_EQ(Read("[\\]\r\n#include \"ini_reader_sub.ini\"  ; why\r\n"), "k1=5:1");
+    EXPECT_EQ(Read("[\\]\r\n#include ini_reader_sub.ini\"\r\n"), "k1=5:1");
+    EXPECT_THROW(Read("[\\]\r\n#include \"ini_reader_sub.ini\" behind it\r\n"), CXFileException);
+    EXPECT_THROW(Read("[\\]\r\n#include \"ini_reader_sub.ini\" \"\r\n"), CXFileException);
+}
+
 TEST_F(IniReaderTest, OtherDirectivesAndThoseWithoutArgumentAreSkipped) {
     EXPECT_EQ(Read("[\\]\r\n#define x y\r\n#include\r\n#if\r\nkey=i1\r\n"), "key=5:1");
 }
