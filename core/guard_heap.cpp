@@ -4,6 +4,7 @@
 
 #include <qxcore/listitem.h>
 
+#include <cstdint>
 #include <cstring>
 
 namespace qx {
@@ -13,7 +14,7 @@ namespace {
 constexpr size_t kPage = 4096;
 constexpr size_t kAlign = 16;
 constexpr unsigned char kSlack = 0xFD;  // fills the rounding behind a block
-constexpr unsigned kQuarantine = 4096;  // freed blocks that stay unmapped
+constexpr size_t kArena = size_t(1) << 30;
 
 // Stands at the start of a block's region; the block itself ends where the region's last page
 // begins.
@@ -31,31 +32,48 @@ size_t RoundUp(size_t n, size_t to) {
     return (n + to - 1) / to * to;
 }
 
-// The header stands at the start of the block's region, which may lie many pages before the block.
+// A block begins less than a page behind its header.
 GuardBlock* HeaderOf(const void* block) {
-    MEMORY_BASIC_INFORMATION info;
-    VirtualQuery(block, &info, sizeof info);
-    return static_cast<GuardBlock*>(info.AllocationBase);
+    auto before = reinterpret_cast<uintptr_t>(block) - sizeof(GuardBlock);
+    return reinterpret_cast<GuardBlock*>(before / kPage * kPage);
 }
 
-struct Quarantine {
-    CRITICAL_SECTION lock;
-    void* regions[kQuarantine];
-    unsigned next;
+// Addresses that are given out once: a freed block stays unmapped for good. Thousands of regions
+// reserved one by one make the system slow in finding the next.
+class Addresses {
+public:
+    Addresses() { InitializeCriticalSection(&m_lock); }
 
-    Quarantine() : regions{}, next(0) { InitializeCriticalSection(&lock); }
-    void Add(void* region) {
-        EnterCriticalSection(&lock);
-        if (regions[next]) VirtualFree(regions[next], 0, MEM_RELEASE);
-        regions[next] = region;
-        next = (next + 1) % kQuarantine;
-        LeaveCriticalSection(&lock);
+    // Null when the system has no more.
+    char* Take(size_t size) {
+        EnterCriticalSection(&m_lock);
+        if (size > m_left) Reserve(RoundUp(size, kArena));
+        char* region = nullptr;
+        if (size <= m_left) {
+            region = m_next;
+            m_next += size;
+            m_left -= size;
+        }
+        LeaveCriticalSection(&m_lock);
+        return region;
     }
+
+private:
+    void Reserve(size_t size) {
+        void* arena = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS);
+        if (!arena) return;
+        m_next = static_cast<char*>(arena);
+        m_left = size;
+    }
+
+    CRITICAL_SECTION m_lock;
+    char* m_next = nullptr;
+    size_t m_left = 0;
 };
 
-Quarantine& TheQuarantine() {
-    static Quarantine quarantine;
-    return quarantine;
+Addresses& TheAddresses() {
+    static Addresses addresses;
+    return addresses;
 }
 
 void CheckSlack(const GuardBlock* header, const void* block) {
@@ -70,7 +88,6 @@ void CheckSlack(const GuardBlock* header, const void* block) {
 
 void Unmap(GuardBlock* header) {
     VirtualFree(header, header->pages * kPage, MEM_DECOMMIT);
-    TheQuarantine().Add(header);
 }
 
 }  // namespace
@@ -98,13 +115,8 @@ void* SystemHeapAlloc(HANDLE handle, size_t size) {
     if (size > SIZE_MAX / 2) return nullptr;
     size_t rounded = RoundUp(size, kAlign);
     size_t pages = RoundUp(sizeof(GuardBlock) + rounded, kPage) / kPage;
-    auto region =
-        static_cast<char*>(VirtualAlloc(nullptr, (pages + 1) * kPage, MEM_RESERVE, PAGE_NOACCESS));
-    if (!region) return nullptr;
-    if (!VirtualAlloc(region, pages * kPage, MEM_COMMIT, PAGE_READWRITE)) {
-        VirtualFree(region, 0, MEM_RELEASE);
-        return nullptr;
-    }
+    char* region = TheAddresses().Take((pages + 1) * kPage);
+    if (!region || !VirtualAlloc(region, pages * kPage, MEM_COMMIT, PAGE_READWRITE)) return nullptr;
     auto header = reinterpret_cast<GuardBlock*>(region);
     header->size = size;
     header->pages = pages;

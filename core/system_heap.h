@@ -17,8 +17,8 @@ struct LiveBlocks {
 
 #if defined(QXCORE_GUARD_HEAP)
 
-// Each block ends at an unmapped page; a freed block stays unmapped while it is in quarantine. A
-// write behind the block's last byte within its 16-byte rounding is found when the block is freed.
+// Each block ends at an unmapped page; a freed block stays unmapped for good. A write behind the
+// block's last byte within its 16-byte rounding is found when the block is freed.
 HANDLE SystemHeapCreate();
 bool SystemHeapDestroy(HANDLE heap);
 void* SystemHeapAlloc(HANDLE heap, size_t size);  // zero-filled

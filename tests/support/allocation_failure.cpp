@@ -62,12 +62,13 @@ BOOL WINAPI CountedHeapFree(HANDLE heap, DWORD flags, void* block) {
     return realHeapFree(heap, flags, block);
 }
 
-// The guard-page heap takes the record of a heap in one go; for each block it reserves a region,
-// then commits it. On freeing a block it decommits.
+// The guard-page heap takes the record of a heap in one go, and commits each block at an address
+// that it has reserved. On freeing a block it decommits.
 void* WINAPI CountedVirtualAlloc(void* address, SIZE_T size, DWORD type, DWORD protection) {
-    if (!address && FailsNow(type == MEM_RESERVE ? Memory::heaps : Memory::runtime)) return nullptr;
+    bool isBlock = type == MEM_COMMIT;
+    if (type != MEM_RESERVE && FailsNow(isBlock ? Memory::heaps : Memory::runtime)) return nullptr;
     void* region = realVirtualAlloc(address, size, type, protection);
-    if (region && address && type == MEM_COMMIT) ++Live(Memory::heaps);
+    if (region && isBlock) ++Live(Memory::heaps);
     return region;
 }
 
