@@ -92,6 +92,34 @@ TEST_F(FtpChildTest, WhatDoesNotComeBackIsACallOfThePlatform) {
     }
 }
 
+TEST_F(FtpChildTest, AnUploadWhoseDataConnectionIsResetAtAnyPointIsNoAnswerOfSuccess) {
+#ifdef QXCORE_SLOW_BUILD
+    constexpr int kPoints = 5;
+#else
+    constexpr int kPoints = 20;
+#endif
+    const std::string content = Pattern(200000);
+    auto nameAt = [](int point) { return "dir.d/" + std::to_string(point) + ".txt"; };
+    std::vector<std::unique_ptr<FtpChild>> children;
+    for (int point = 1; point <= kPoints; ++point) {
+        MakeFile("local" + std::to_string(point), content);
+        server.SetFault("reset " + std::to_string(content.size() * point / (kPoints + 1)), point);
+        children.push_back(Start("upload", nameAt(point), point));
+    }
+    for (int point = 1; point <= kPoints; ++point) {
+        std::string outcome = children[point - 1]->Outcome("FtpPutFileA");
+        EXPECT_TRUE(outcome == "0" || outcome == "stays in FtpPutFileA") << point << outcome;
+        children[point - 1]->Kill();
+    }
+    EXPECT_TRUE(server.AllGone());
+    for (int point = 1; point <= kPoints; ++point) {
+        std::string left = server.ContentOf("dir.d\\" + std::to_string(point) + ".txt");
+        EXPECT_LE(left.size(), content.size() * point / (kPoints + 1));
+        EXPECT_EQ(left, content.substr(0, left.size())) << point;
+        EXPECT_EQ(ContentOf(Path("local" + std::to_string(point))), content);
+    }
+}
+
 // The server has neither the old file then nor the new one, but what had come of the new.
 TEST_F(FtpChildTest, AProcessKilledInAnUploadLeavesItsFirstBytesOnTheServer) {
     std::string content = Pattern(100000);

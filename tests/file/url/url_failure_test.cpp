@@ -25,6 +25,12 @@ protected:
     }
 };
 
+std::string g_logged;
+
+void WINAPI NotingLog(LPCSTR text) {
+    g_logged += text;
+}
+
 BOOL WINAPI FailingCall(HANDLE) {
     SetLastError(ERROR_DISK_FULL);
     return FALSE;
@@ -78,6 +84,27 @@ TEST_F(UrlFailureTest, WhatClosingTheLocalCopyRaisesReachesTheLastRelease) {
     }
     RemoveTempFiles();
     EXPECT_LE(LiveBlocks(), before + 2);  // the texts of the failure
+}
+
+TEST_F(UrlFailureTest, CredentialsReachNoLog) {
+    ReplacedImport log("OutputDebugStringA", reinterpret_cast<void*>(&NotingLog));
+    ASSERT_TRUE(log);
+    g_logged.clear();
+    std::string local = MakeFile("local", "new");
+    for (const char* name : {"dir.d/a.txt", "dir.d/new.txt", "none.d/sub.d/a.txt"}) {
+        char* url = Url(name);
+        FioFileInfo info;
+        FailureOf([&] { Fio_UrlGetFileInfo(url, &info); });
+        FailureOf([&] { Fio_UrlCreateDirectory(url); });
+        FailureOf([&] { File(Fio_UrlOpen(url, 0)); });
+        FailureOf([&] { OutFile(Fio_UrlOpenOut(url, 0)); });
+        Fio_UrlIsWritableFile(url);
+        Fio_UrlPutFile(url, local.c_str());
+        Fio_DownloadToFile(url, local.c_str());
+        Fio_UrlDeleteFile(url);
+    }
+    RemoveTempFiles();
+    EXPECT_EQ(g_logged, "");
 }
 
 TEST_F(UrlFailureTest, APasswordStandsInNoExceptionButWhereTheUrlDoes) {

@@ -142,6 +142,10 @@ WinInetCalls::WinInetCalls(Teller teller) {
 
 WinInetCalls::~WinInetCalls() = default;
 
+void WinInetCalls::Forget() {
+    g_watch.texts = std::vector<std::string>();
+}
+
 const std::vector<std::string>& WinInetCalls::Texts() const {
     return g_watch.texts;
 }

@@ -18,6 +18,8 @@ public:
     ~WinInetCalls();
     WinInetCalls(const WinInetCalls&) = delete;
 
+    // Lets go of the calls so far, and of the memory that they take.
+    void Forget();
     // From here on the calls go to the platform unseen.
     void Stop() { m_replaced.clear(); }
 

@@ -1,4 +1,5 @@
 // Compound files behind urls, against a real server.
+#include "file/url/wininet_calls.h"
 #include "storage/compound/storage_fixture.h"
 #include "storage/document/document_kinds.h"
 #include "support/allocation_failure.h"
@@ -19,6 +20,8 @@ protected:
         m_inTemp.emplace(m_temp);
     }
     ~UrlStorageTest() override {
+        EXPECT_EQ(calls.OpenHandles(), 0);
+        EXPECT_EQ(calls.WrongClosings(), 0);
         EXPECT_TRUE(server.AllGone());
         m_inTemp.reset();
         for (const std::string& name : TempFiles()) DeleteFileA((m_temp + "\\" + name).c_str());
@@ -59,6 +62,7 @@ protected:
     }
 
     ServedFiles server;
+    WinInetCalls calls;
     std::string url = ServedFiles::Url("a.stg");
 
 private:
@@ -200,9 +204,13 @@ TEST_F(UrlStorageTest, WhateverKeepsTheFileFromBeingBroughtIsTheNetworkWithoutAN
         ServedFiles::Url("none/deeper/a.stg"),                 // a missing directory
     };
     for (const std::string& bad : rows) {
+        calls.Forget();
         long before = LiveBlocks();
         EXPECT_EQ(Thrown([&] { open_UrlStorage(bad.c_str(), nullptr, 0); }), "13 0 ") << bad;
         EXPECT_EQ(Thrown([&] { open_Storage(bad.c_str(), 1); }), "13 0 ") << bad;
+        EXPECT_FALSE(calls.Texts().empty());
+        EXPECT_EQ(calls.OpenHandles(), 0) << bad;
+        calls.Forget();
         EXPECT_EQ(LiveBlocks(), before) << bad;
     }
     EXPECT_EQ(Thrown([&] { open_UrlStorage(url.c_str(), Path("none\\a").c_str(), 0); }), "13 0 ");
