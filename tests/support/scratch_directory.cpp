@@ -59,6 +59,17 @@ std::string ScratchDirectory::Write(const std::string& name, const std::string& 
     return path;
 }
 
+TemporaryFilesIn::TemporaryFilesIn(const std::string& directory) {
+    char usual[MAX_PATH] = {};
+    GetEnvironmentVariableA("TMP", usual, MAX_PATH);
+    m_usual = usual;
+    SetEnvironmentVariableA("TMP", directory.c_str());
+}
+
+TemporaryFilesIn::~TemporaryFilesIn() {
+    SetEnvironmentVariableA("TMP", m_usual.c_str());
+}
+
 bool Exists(const std::string& path) {
     return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }

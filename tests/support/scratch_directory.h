@@ -21,6 +21,18 @@ private:
     std::string m_path;
 };
 
+// For a scope the process makes its temporary files in this directory.
+class TemporaryFilesIn {
+public:
+    explicit TemporaryFilesIn(const std::string& directory);
+    TemporaryFilesIn(const TemporaryFilesIn&) = delete;
+    TemporaryFilesIn& operator=(const TemporaryFilesIn&) = delete;
+    ~TemporaryFilesIn();
+
+private:
+    std::string m_usual;
+};
+
 // Whether there is a file or a directory of that path.
 bool Exists(const std::string& path);
 

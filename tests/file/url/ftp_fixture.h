@@ -26,7 +26,7 @@ protected:
         return m_urls.back().data();
     }
 
-    // The library's files in the system's directory for temporary files.
+    // The library's temporary files, which are in a directory of the test's own.
     static std::vector<std::string> TempFiles() {
         std::vector<std::string> names = NamesIn(TempDirectory());
         std::erase_if(names, [](const std::string& name) { return name.compare(0, 3, "QXP"); });
@@ -49,6 +49,8 @@ private:
         return std::string(directory, length - 1);  // without its last delimiter
     }
 
+    ScratchDirectory m_temp;
+    TemporaryFilesIn m_inTemp{m_temp.Path()};
     std::list<std::string> m_urls;
     UINT m_errorMode = GetErrorMode();
 };

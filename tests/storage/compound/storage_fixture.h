@@ -18,21 +18,6 @@ private:
     ScratchDirectory m_directory;
 };
 
-// Lets temporary files be made in a directory of the test's.
-class TemporaryFilesIn {
-public:
-    explicit TemporaryFilesIn(const std::string& directory) {
-        GetEnvironmentVariableA("TMP", m_usual, MAX_PATH);
-        SetEnvironmentVariableA("TMP", directory.c_str());
-    }
-    TemporaryFilesIn(const TemporaryFilesIn&) = delete;
-    TemporaryFilesIn& operator=(const TemporaryFilesIn&) = delete;
-    ~TemporaryFilesIn() { SetEnvironmentVariableA("TMP", m_usual); }
-
-private:
-    char m_usual[MAX_PATH] = {};
-};
-
 inline std::wstring Widen(const std::string& text) {
     std::wstring wide(text.size(), L' ');
     int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
