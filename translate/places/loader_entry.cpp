@@ -4,26 +4,29 @@
 
 #include <winternl.h>
 
+#include <cstdint>
+
 namespace qx {
 
 namespace {
 
-using Entry = LDR_DATA_TABLE_ENTRY;
+// Addresses are numbers until something is read there: they may be anything.
+constexpr uintptr_t kLinks = offsetof(LDR_DATA_TABLE_ENTRY, InMemoryOrderLinks);
+constexpr uintptr_t kBase = offsetof(LDR_DATA_TABLE_ENTRY, DllBase);
+constexpr uintptr_t kPath = offsetof(LDR_DATA_TABLE_ENTRY, FullDllName);
+constexpr uintptr_t kNext = offsetof(LIST_ENTRY, Flink);
+constexpr uintptr_t kBefore = offsetof(LIST_ENTRY, Blink);
 
 template <class T>
-bool Read(const T* from, T* value) {
-    return GuardedCopy(value, from, sizeof *value);
-}
-
-const Entry* EntryAt(const LIST_ENTRY* links) {
-    return CONTAINING_RECORD(links, Entry, InMemoryOrderLinks);
+bool Read(uintptr_t from, T* value) {
+    return GuardedCopy(value, reinterpret_cast<const void*>(from), sizeof *value);
 }
 
 // An entry that was taken out of the list is not what its neighbours lead to.
-bool IsInList(const Entry* entry) {
-    LIST_ENTRY *before, *next;
-    return Read(&entry->InMemoryOrderLinks.Blink, &before) && Read(&before->Flink, &next) &&
-           next == &entry->InMemoryOrderLinks;
+bool IsInList(uintptr_t entry) {
+    uintptr_t before, next;
+    return Read(entry + kLinks + kBefore, &before) && Read(before + kNext, &next) &&
+           next == entry + kLinks;
 }
 
 bool EndsWithFile(const UNICODE_STRING& path, const char* name, size_t length) {
@@ -32,8 +35,10 @@ bool EndsWithFile(const UNICODE_STRING& path, const char* name, size_t length) {
     wchar_t end[1 + kLongestName];
     size_t characters = path.Length / sizeof *end;
     if (length > kLongestName || characters <= length || characters >= kLongestPath) return false;
-    const wchar_t* from = path.Buffer + (characters - length - 1);
-    if (!GuardedCopy(end, from, (length + 1) * sizeof *end) || !IsSeparator(end[0])) return false;
+    auto from = reinterpret_cast<uintptr_t>(path.Buffer) + (characters - length - 1) * sizeof *end;
+    if (!GuardedCopy(end, reinterpret_cast<const void*>(from), (length + 1) * sizeof *end) ||
+        !IsSeparator(end[0]))
+        return false;
     for (size_t i = 0; i < length; ++i) {
         if (end[i + 1] != static_cast<unsigned char>(name[i]) || end[i + 1] > 0x7F) return false;
     }
@@ -54,25 +59,25 @@ const PEB_LDR_DATA* Loader() {
 }  // namespace
 
 bool IsEntryOf(LoaderEntry address, HMODULE module, const char* name, size_t length) {
-    auto entry = static_cast<const Entry*>(address);
-    PVOID base;
+    auto entry = reinterpret_cast<uintptr_t>(address);
+    HMODULE base;
     UNICODE_STRING path;
-    return IsInList(entry) && Read(&entry->DllBase, &base) && base == module &&
-           Read(&entry->FullDllName, &path) && EndsWithFile(path, name, length);
+    return IsInList(entry) && Read(entry + kBase, &base) && base == module &&
+           Read(entry + kPath, &path) && EndsWithFile(path, name, length);
 }
 
 LoaderEntry FindEntryOf(HMODULE module, const char* name, size_t length) {
     constexpr int kMost = 4096;  // of a list that changes while it is walked
     if (!Loader()) return nullptr;
-    const LIST_ENTRY* head = &Loader()->InMemoryOrderModuleList;
-    LIST_ENTRY* links = nullptr;
-    if (!Read(&head->Flink, &links)) return nullptr;
-    for (int i = 0; i < kMost && links != head; ++i) {
-        const Entry* entry = EntryAt(links);
-        PVOID base;
-        if (!Read(&entry->DllBase, &base)) return nullptr;
-        if (base == module) return IsEntryOf(entry, module, name, length) ? entry : nullptr;
-        if (!Read(&links->Flink, &links)) return nullptr;
+    auto head = reinterpret_cast<uintptr_t>(&Loader()->InMemoryOrderModuleList);
+    uintptr_t links = head;
+    for (int i = 0; i < kMost && Read(links + kNext, &links) && links != head; ++i) {
+        uintptr_t entry = links - kLinks;
+        HMODULE base;
+        if (!Read(entry + kBase, &base)) return nullptr;
+        if (base != module) continue;
+        auto found = reinterpret_cast<LoaderEntry>(entry);
+        return IsEntryOf(found, module, name, length) ? found : nullptr;
     }
     return nullptr;
 }

@@ -20,6 +20,10 @@ constinit char g_programName[260 + 1] = "";
 constinit std::optional<unsigned> g_programHash;
 constinit bool g_canLearn = false;
 
+constexpr char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
 // Four characters at a time: paths are long beside the names at their ends.
 bool IsAscii(const wchar_t* text, size_t length) {
     static_assert(sizeof(wchar_t) == 2);
@@ -66,9 +70,12 @@ unsigned ModuleName::Life() {
     return m_found.life;
 }
 
+// Nearly every intercepted call asks, and nearly every answer is no at the first letter.
 bool ModuleName::Is(const char* name) {
     const char* text = Text();
-    return text && !_stricmp(text, name);
+    if (!text) return false;
+    while (*text && Lower(*text) == Lower(*name)) ++text, ++name;
+    return !*text && !*name;
 }
 
 void ModuleName::Ask() {
