@@ -11,14 +11,27 @@ struct MemoryPlace : Place {
     MemoryPlace() { root.reset(new_MemParam()); }
 };
 
+// The path of a file of its own, which goes with the place.
+class PlaceFile {
+public:
+    explicit PlaceFile(const char* ending) {
+        static ScratchDirectory directory;
+        static int made = 0;
+        path = directory.PathOf("contract" + std::to_string(++made) + ending);
+    }
+    PlaceFile(const PlaceFile&) = delete;
+    PlaceFile& operator=(const PlaceFile&) = delete;
+    ~PlaceFile() { DeleteFileA(path.c_str()); }
+
+    std::string path;
+};
+
 struct IniPlace : Place {
     IniPlace() { root = Reopen(); }
     ~IniPlace() override { root.reset(); }
-    ParamPtr Reopen() override {
-        return ParamPtr(new_IParamIniFile(directory.PathOf("contract.ini").c_str()));
-    }
+    ParamPtr Reopen() override { return ParamPtr(new_IParamIniFile(file.path.c_str())); }
 
-    ScratchDirectory directory;
+    PlaceFile file{".ini"};
 };
 
 // A key of its own, which goes with all below it.
@@ -56,18 +69,17 @@ struct LocalMachine {
 
 // A file that is transacted throughout, the way documents are.
 struct StoragePlace : Place {
-    StoragePlace() { Show(new_Storage(Path().c_str(), QXSTG_TRANSACTED)); }
+    StoragePlace() { Show(new_Storage(file.path.c_str(), QXSTG_TRANSACTED)); }
     ~StoragePlace() override { root.reset(); }
     ParamPtr Reopen() override {
         root.reset();
-        Show(open_Storage(Path().c_str(), 0));
+        Show(open_Storage(file.path.c_str(), 0));
         return std::move(root);
     }
 
-    ScratchDirectory directory;
+    PlaceFile file{".document"};
 
 private:
-    std::string Path() const { return directory.PathOf("contract.document"); }
     void Show(IXStorage* storage) {
         root.reset(new_IXStorParam(storage));
         storage->Release();
