@@ -142,7 +142,8 @@ private:
     bool m_isWide = false;  // the code page is that of wide characters
 };
 
-// The code page is one number, which the texts of the section depend on.
+// The code page is one number, which every section has and its texts depend on: without it a
+// platform may take narrow texts for wide ones, and keep half of what is written.
 bool Section::FindCodePage() {
     constexpr uint16_t kWide = 1200;
     uint32_t pages = 0;
@@ -151,11 +152,11 @@ bool Section::FindCodePage() {
         uint16_t type = 0, page = 0;
         if (place.id != PID_CODEPAGE) continue;
         if (++pages > 1 || !m_bytes.Get(place.offset, type) || type != VT_I2 ||
-            !m_bytes.Get(uint64_t{place.offset} + kTypeWidth, page))
+            !m_bytes.Get(uint64_t{place.offset} + kTypeWidth, page) || page == 0)
             return false;
         m_isWide = page == kWide;
     }
-    return true;
+    return pages == 1;
 }
 
 bool Section::ValueIsSound(uint32_t offset) const {

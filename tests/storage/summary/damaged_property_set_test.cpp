@@ -23,6 +23,7 @@ enum : size_t {
     kSecondNumber = kSection + 16,  // the title
     kSecondOffset = kSection + 20,
     kPageType = kSection + 24,
+    kPage = kSection + 28,
     kTextType = kSection + 32,
     kTextLength = kSection + 36,
     kText = kSection + 40,
@@ -110,6 +111,9 @@ TEST_F(DamagedSetTest, ADamagedNumberIsNotFollowedAndTheSetIsReplacedWhenItIsWri
         {"a value far away", kSecondOffset, 0xFFFFFFF0},
         {"a code page that is no number", kPageType, VT_LPSTR},
         {"two code pages", kSecondNumber, 1},
+        {"no code page", kFirstNumber, 7},
+        {"a code page of no number", kPage, 0},
+        {"no property at all", kCount, 0},
         {"a text longer than the set", kTextLength, 9},
         {"a text of 2 GB", kTextLength, 0x7FFFFFFF},
         {"a text that overflows", kTextLength, 0xFFFFFFFF},
