@@ -50,7 +50,7 @@ void QXMapIndex::Grow() noexcept {
 }
 
 void QXMapIndex::Add(unsigned hash, void* node, const void* target, const void* behind) noexcept {
-    assert(InUse());
+    assert(InUse() && !Find(hash));
     if (m_used > m_mask / 2) Grow();
     if (!m_slots) return;
     auto line = [](const void* at) { return reinterpret_cast<uintptr_t>(at) >> kLineBits; };

@@ -56,6 +56,7 @@ void CMemManager::Stop() {
 }
 
 CHeap* CMemManager::NextHeapLocked() {
+    assert(IsLocked());
     if (nextHeap >= kHeaps) nextHeap = 0;
     return heaps[nextHeap++];
 }

@@ -7,6 +7,9 @@
 #include <qxcore/heap.h>
 #include <qxcore/platform.h>
 
+#include <cassert>
+#include <cstdint>
+
 namespace qx {
 
 class CHeap : public CQXUnknownImpl<IHeap>, public QX_LISTITEM {
@@ -50,6 +53,10 @@ struct CMemManager {
 
     void Start();
     void Stop();
+    // By the running thread.
+    bool IsLocked() const {
+        return reinterpret_cast<uintptr_t>(lock.OwningThread) == GetCurrentThreadId();
+    }
 
     // REQUIRES: lock is held.
     CHeap* NextHeapLocked();
@@ -72,6 +79,7 @@ struct CMemManager {
 extern CMemManager g_memory;
 
 inline void* CHeap::AllocLocked(size_t size) {
+    assert(g_memory.IsLocked());
     size_t total = size + kHeaderSize;
     void* block = total < size ? nullptr : SystemHeapAlloc(m_handle, total);
     if (!block) [[unlikely]]

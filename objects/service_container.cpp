@@ -3,6 +3,8 @@
 #include <qxcore/reference.h>
 #include <qxcore/registry.h>
 
+#include <cassert>
+
 namespace qx {
 
 namespace {
@@ -44,6 +46,7 @@ void CQXServiceContainer::LeaveSweep(const char* name) {
 }
 
 CQXServiceContainer::~CQXServiceContainer() {
+    assert(m_enumerators == 0);
     // Every sink hears of its removal; what one throws ends here, since a destructor has nobody to
     // pass it to.
     Sweep sweep(*this);

@@ -1,8 +1,11 @@
 #include "objects/service_enum.h"
 
+#include <cassert>
+
 namespace qx {
 
 int CServiceNameEnum::Next(unsigned count, const char** out, unsigned* fetched) {
+    assert(out || count == 0);
     unsigned delivered = 0;
     while (delivered < count) {
         const char** name = m_services->GetNextKey(m_at);
@@ -20,6 +23,7 @@ int CServiceNameEnum::Skip(unsigned count) {
 }
 
 int CServiceEnum::Next(unsigned count, IQXUnknown** out, unsigned* fetched) {
+    assert(out || count == 0);
     unsigned delivered = 0;
     while (delivered < count) {
         IQXUnknown** object = m_services->GetNext(m_at);

@@ -34,6 +34,7 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace qx {
 
@@ -91,9 +92,10 @@ public:
         assert(begin < at);
         return IsTrail(begin, at - 1) ? at - 2 : at - 1;
     }
-    // Whether the byte at `at` is the second of its character. REQUIRES: a character begins at
-    // `begin`.
+    // Whether the byte at `at` is the second of its character. REQUIRES: begin <= at, and a
+    // character begins at `begin`.
     bool IsTrail(const char* begin, const char* at) const {
+        assert(begin <= at);
         size_t leads = 0;
         while (at - leads > begin && Leads(*(at - leads - 1))) ++leads;
         return leads & 1;
@@ -145,6 +147,7 @@ public:
     // The first `size` bytes of a text without half a character at their end. REQUIRES: the text is
     // not shorter.
     size_t WithoutHalf(const char* text, size_t size) const {
+        assert(!memchr(text, 0, size));
         if (!size || !Leads(text[size - 1])) return size;
         return IsTrail(text, text + size - 1) ? size : size - 1;
     }

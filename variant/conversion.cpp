@@ -1,6 +1,7 @@
 #include "variant/number_text.h"
 #include "variant/value_block.h"
 
+#include <cassert>
 #include <cstdint>
 
 namespace qx {
@@ -276,6 +277,7 @@ constexpr ConverterTable kTable;
 
 // REQUIRES: dest is empty; a failure leaves it so.
 inline bool Convert(tagQXVARIANT* dest, const tagQXVARIANT& src, unsigned short type) {
+    assert(dest->type == QXVT_EMPTY);
     if (type > QXVT_UNKNOWN && type != QXVT_UNKNOWN_REF) return false;
     const auto& converters = kTable.converters[type <= QXVT_UNKNOWN ? type : kBehind];
     if (!converters[src.type <= QXVT_UNKNOWN ? src.type : kBehind](src.value, dest->value))

@@ -2,6 +2,8 @@
 
 #include <qxcore/string.h>
 
+#include <cassert>
+
 namespace qx {
 
 namespace {
@@ -17,6 +19,7 @@ T* Emptied(tagQXVARIANT* v, T* owned) {
 // REQUIRES: dest is empty. The new value is made before the record is written, so a failure leaves
 // it empty.
 void CopyInto(tagQXVARIANT* dest, const tagQXVARIANT* src) {
+    assert(dest->type == QXVT_EMPTY);
     tagQXVARIANT copy = *src;
     switch (src->type) {
         case QXVT_STRING:
@@ -35,6 +38,7 @@ void CopyInto(tagQXVARIANT* dest, const tagQXVARIANT* src) {
 }  // namespace
 
 void ClearOwner(tagQXVARIANT* v) {
+    assert(OwnsValue(v->type));
     switch (v->type) {
         case QXVT_STRING:
             FreeValue(Emptied(v, v->value.string));

@@ -37,6 +37,7 @@ struct COList {
 // ------------------------------------------------------------------------------------------------
 
 inline void COList::Append(QX_LISTITEM* item) {
+    assert(item && item != head && item != tail);
     if (!tail) {
         head = item;
     } else {

@@ -281,7 +281,7 @@ private:
 //     __CXBuff<CXString, char*> text(name, 260);
 //     GetModuleFileNameA(module, text.buffer, 260);
 //
-// P is a pointer to the string's unit. REQUIRES: the string outlives the scope.
+// P is a pointer to the string's unit. The string outlives the scope.
 template <class S, class P>
 class __CXBuff {
 public:

@@ -7,31 +7,32 @@
 
 namespace {
 
+using qx::Reference;
+
 constexpr int kDeepest = 8;
 constexpr int kMostNames = 200;
 
 std::string g_path;
 
 void Fill(IXStorage* storage, const char* name, unsigned size) {
-    IXStream* stream = storage->CreateStream(name);
+    Reference<IXStream> stream(storage->CreateStream(name));
     std::string bytes(size, static_cast<char>('a' + size % 26));
     stream->Write(bytes.data(), static_cast<int>(size));
-    stream->Release();
 }
 
 // A file with small and large streams, levels and properties, as its bytes.
 std::string WholeFile() {
-    IXStorage* root = new_Storage(g_path.c_str(), 0);
-    Fill(root, "small", 100);
-    Fill(root, "medium", 3000);
-    Fill(root, "large", 20000);
-    IXStorage* child = root->CreateStorage("child", 0);
-    for (int i = 0; i < 12; ++i) Fill(child, ("leaf " + std::to_string(i)).c_str(), i * 64);
-    IXStorage* grandchild = child->CreateStorage("grandchild", 0);
-    Fill(grandchild, "last", 5000);
-    grandchild->Release();
-    child->Release();
-    root->Release();
+    {
+        Reference<IXStorage> root(new_Storage(g_path.c_str(), 0));
+        Fill(root.Get(), "small", 100);
+        Fill(root.Get(), "medium", 3000);
+        Fill(root.Get(), "large", 20000);
+        Reference<IXStorage> child(root->CreateStorage("child", 0));
+        for (int i = 0; i < 12; ++i)
+            Fill(child.Get(), ("leaf " + std::to_string(i)).c_str(), i * 64);
+        Reference<IXStorage> grandchild(child->CreateStorage("grandchild", 0));
+        Fill(grandchild.Get(), "last", 5000);
+    }
     HANDLE file = CreateFileA(g_path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     std::string bytes(GetFileSize(file, nullptr), 0);
     DWORD read;
@@ -47,11 +48,11 @@ void WriteFileBytes(const std::string& bytes) {
     CloseHandle(file);
 }
 
-std::vector<std::string> NamesOf(CTEnum<const char*>* all) {
+std::vector<std::string> NamesOf(CTEnum<const char*>* given) {
+    Reference<CTEnum<const char*>> all(given);
     std::vector<std::string> names;
     const char* name;
     while (names.size() < kMostNames && all->Next(1, &name, nullptr)) names.push_back(name);
-    all->Release();
     return names;
 }
 
@@ -63,7 +64,8 @@ void Try(Act act) {
     }
 }
 
-void ReadStream(IXStream* stream) {
+void ReadStream(IXStream* given) {
+    Reference<IXStream> stream(given);
     if (!stream) return;
     Try([&] {
         char block[1000];
@@ -71,7 +73,6 @@ void ReadStream(IXStream* stream) {
         }
         stream->GetLength();
     });
-    stream->Release();
 }
 
 void Walk(IXStorage* storage, int depth, bool change) {
@@ -83,18 +84,15 @@ void Walk(IXStorage* storage, int depth, bool change) {
     });
     if (change) {
         Try([&] {
-            if (IXStream* stream = storage->CreateStream("added")) {
-                Try([&] { stream->WriteString("something new"); });
-                stream->Release();
-            }
+            Reference<IXStream> stream(storage->CreateStream("added"));
+            if (stream) stream->WriteString("something new");
         });
     }
     Try([&] {
         for (const std::string& name : NamesOf(storage->EnumStorages())) {
             if (depth == kDeepest) break;
-            IXStorage* child = storage->OpenStorage(name.c_str());
-            Walk(child, depth + 1, change);
-            child->Release();
+            Reference<IXStorage> child(storage->OpenStorage(name.c_str()));
+            Walk(child.Get(), depth + 1, change);
         }
     });
 }
@@ -125,9 +123,8 @@ bool Round(Random& random) {
     WriteFileBytes(bytes);
     bool change = random.Below(2);
     Try([&] {
-        IXStorage* root = open_Storage(g_path.c_str(), !change);
-        Walk(root, 0, change);
-        root->Release();
+        Reference<IXStorage> root(open_Storage(g_path.c_str(), !change));
+        Walk(root.Get(), 0, change);
     });
     return true;
 }

@@ -136,22 +136,17 @@ private:
 
 class StorageInMemory {
 public:
-    StorageInMemory() : m_storage(new_Storage(nullptr, 0)) {}
-    StorageInMemory(const StorageInMemory&) = delete;
-    StorageInMemory& operator=(const StorageInMemory&) = delete;
-    ~StorageInMemory() { m_storage->Release(); }
-    IXStorage* Get() const { return m_storage; }
+    IXStorage* Get() const { return m_storage.Get(); }
 
     void Write(const std::map<std::string, std::string>& streams) const {
         for (auto& [name, bytes] : streams) {
-            IXStream* stream = m_storage->CreateStream(name.c_str());
+            qx::Reference<IXStream> stream(m_storage->CreateStream(name.c_str()));
             stream->Write(bytes.data(), static_cast<int>(bytes.size()));
-            stream->Release();
         }
     }
 
 private:
-    IXStorage* m_storage;
+    qx::Reference<IXStorage> m_storage{new_Storage(nullptr, 0)};
 };
 
 // 0, or the code of what came out.

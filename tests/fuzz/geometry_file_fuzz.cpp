@@ -11,6 +11,8 @@
 
 namespace {
 
+using qx::Reference;
+
 constexpr size_t kRoom = 1 << 16;
 
 constexpr const char* kPieces[] = {"[\\view.dll\\Dialogs\\#130]\r\n",
@@ -58,10 +60,10 @@ struct Record {
 using Records = std::map<int, Record>;
 
 template <class Visit>
-void Each(CTEnum<const char*>* names, Visit visit) {
+void Each(CTEnum<const char*>* given, Visit visit) {
+    Reference<CTEnum<const char*>> names(given);
     const char* name;
     while (names->Next(1, &name, nullptr)) visit(std::string(name));
-    names->Release();
 }
 
 Record RecordOf(IParam* dialog) {
@@ -83,33 +85,28 @@ Record RecordOf(IParam* dialog) {
 }
 
 void Collect(Records& records, IParam* module, const std::string& moduleName) {
-    IParam* dialogs = module->OpenSubParam("Dialogs", 0);
+    Reference<IParam> dialogs(module->OpenSubParam("Dialogs", 0));
     if (!dialogs) return;
     Each(dialogs->EnumSubParams(), [&](const std::string& name) {
-        IParam* dialog = dialogs->OpenSubParam(name.c_str(), 0);
+        Reference<IParam> dialog(dialogs->OpenSubParam(name.c_str(), 0));
         if (!dialog) return;
         std::string key = moduleName + "#1" + (name[0] == '#' ? "" : "#") + name + "\xFD\xFD";
-        records[HashResourceKey(key.c_str())] = RecordOf(dialog);
-        dialog->Release();
+        records[HashResourceKey(key.c_str())] = RecordOf(dialog.Get());
     });
-    dialogs->Release();
 }
 
 // Nothing of a file that cannot be read to its end.
 Records ExpectedRecords(const char* path) {
     Records records;
-    IParam* tree = new_MemParam();
+    Reference<IParam> tree(new_MemParam());
     try {
-        Param_IniFile2Param(path, tree);
+        Param_IniFile2Param(path, tree.Get());
         Each(tree->EnumSubParams(), [&](const std::string& name) {
-            IParam* module = tree->OpenSubParam(name.c_str(), 0);
-            if (!module) return;
-            Collect(records, module, name);
-            module->Release();
+            Reference<IParam> module(tree->OpenSubParam(name.c_str(), 0));
+            if (module) Collect(records, module.Get(), name);
         });
     } catch (CXException&) {
     }
-    tree->Release();
     return records;
 }
 

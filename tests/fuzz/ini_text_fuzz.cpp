@@ -9,6 +9,8 @@
 
 namespace {
 
+using qx::Reference;
+
 constexpr char kFile[] = "ini_text_fuzz.ini";
 // Includes nothing: a file that includes itself is the caller's affair.
 constexpr char kIncluded[] = "ini_text_part.ini";
@@ -48,20 +50,16 @@ void WriteFile(const char* name, const std::string& text) {
 unsigned Walk(IParam* node, unsigned depth) {
     unsigned found = 0;
     const char* name;
-    CTEnum<const char*>* values = node->EnumValues();
+    Reference<CTEnum<const char*>> values(node->EnumValues());
     while (values->Next(1, &name, nullptr)) {
         CQXVariant value;
         found += node->GetValue(name, &value);
     }
-    values->Release();
-    CTEnum<const char*>* children = node->EnumSubParams();
+    Reference<CTEnum<const char*>> children(node->EnumSubParams());
     while (depth < 50 && children->Next(1, &name, nullptr)) {
-        IParam* child = node->OpenSubParam(name, 0);
-        if (!child) continue;
-        found += Walk(child, depth + 1);
-        child->Release();
+        Reference<IParam> child(node->OpenSubParam(name, 0));
+        if (child) found += Walk(child.Get(), depth + 1);
     }
-    children->Release();
     return found;
 }
 
@@ -70,16 +68,14 @@ bool Round(Random& random) {
     _setmbcp(kCodePages[random.Below(3)]);
     WriteFile(kFile, RandomText(random, true));
     WriteFile(kIncluded, RandomText(random, false));
-    IParam* root = new_MemParam();
+    Reference<IParam> root(new_MemParam());
     try {
-        Param_IniFile2Param(kFile, root);
+        Param_IniFile2Param(kFile, root.Get());
     } catch (CXException&) {
     }
-    Walk(root, 0);
+    Walk(root.Get(), 0);
     root->Clear();
-    bool empty = Walk(root, 0) == 0;
-    root->Release();
-    return empty;
+    return Walk(root.Get(), 0) == 0;
 }
 
 }  // namespace

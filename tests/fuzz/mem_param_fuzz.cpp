@@ -12,6 +12,8 @@
 
 namespace {
 
+using qx::Reference;
+
 constexpr size_t kNone = std::string::npos;
 
 // Where the delimiters stand. A trail byte that looks like one is none.
@@ -130,7 +132,7 @@ struct Model {
 std::string Text(IParam* node) {
     std::string text;
     const char* name;
-    CTEnum<const char*>* values = node->EnumValues();
+    Reference<CTEnum<const char*>> values(node->EnumValues());
     while (values->Next(1, &name, nullptr)) {
         CQXVariant value;
         text += name;
@@ -138,14 +140,11 @@ std::string Text(IParam* node) {
             text += "=" + std::to_string(value.value.intVal);
         text += ";";
     }
-    values->Release();
-    CTEnum<const char*>* children = node->EnumSubParams();
+    Reference<CTEnum<const char*>> children(node->EnumSubParams());
     while (children->Next(1, &name, nullptr)) {
-        IParam* child = node->OpenSubParam(name, 0);
-        text += std::string(name) + "{" + Text(child) + "}";
-        child->Release();
+        Reference<IParam> child(node->OpenSubParam(name, 0));
+        text += std::string(name) + "{" + Text(child.Get()) + "}";
     }
-    children->Release();
     return text;
 }
 
@@ -166,11 +165,11 @@ void Step(IParam* root, Model& model, Random& random) {
     switch (random.Below(9)) {
         case 0:
         case 1:
-            root->CreateSubParam(path.c_str())->Release();
+            Reference<IParam>(root->CreateSubParam(path.c_str()));
             model.Create(path);
             break;
         case 2:
-            if (IParam* child = root->OpenSubParam(path.c_str(), 1)) child->Release();
+            Reference<IParam>(root->OpenSubParam(path.c_str(), 1));
             model.Open(path, true);
             break;
         case 3:
@@ -199,15 +198,11 @@ void Step(IParam* root, Model& model, Random& random) {
 class Walks {
 public:
     explicit Walks(IParam* root) : m_root(root) {}
-    ~Walks() {
-        for (CTEnum<const char*>* walk : m_walks) walk->Release();
-    }
 
     bool Step(const Model& model, Random& random) {
         size_t at = random.Below(std::size(m_walks));
-        CTEnum<const char*>*& walk = m_walks[at];
+        Names& walk = m_walks[at];
         if (random.Below(6) == 0) {
-            walk->Release();
             walk = Start(at);
         } else if (random.Below(6) == 0) {
             walk->Reset();
@@ -219,28 +214,30 @@ public:
     }
 
 private:
+    using Names = Reference<CTEnum<const char*>>;
+
     IParam* m_root;
-    CTEnum<const char*>* m_walks[4] = {Start(0), Start(1), Start(2), Start(3)};
+    Names m_walks[4] = {Start(0), Start(1), Start(2), Start(3)};
 
     static bool IsOfValues(size_t at) { return at % 2 == 0; }
-    CTEnum<const char*>* Start(size_t at) {
-        return IsOfValues(at) ? m_root->EnumValues() : m_root->EnumSubParams();
+    Names Start(size_t at) {
+        return Names(IsOfValues(at) ? m_root->EnumValues() : m_root->EnumSubParams());
     }
 };
 
 bool Round(Random& random) {
-    IParam* root = new_MemParam();
+    Reference<IParam> root(new_MemParam());
     Model model;
     bool same = true;
     {
-        Walks walks(root);
+        Walks walks(root.Get());
         for (int i = 0; same && i < 40; ++i) {
-            Step(root, model, random);
-            same = Text(root) == model.Text() && walks.Step(model, random);
+            Step(root.Get(), model, random);
+            same = Text(root.Get()) == model.Text() && walks.Step(model, random);
         }
     }
-    if (!same) fprintf(stderr, "tree:  %s\nmodel: %s\n", Text(root).c_str(), model.Text().c_str());
-    root->Release();
+    if (!same)
+        fprintf(stderr, "tree:  %s\nmodel: %s\n", Text(root.Get()).c_str(), model.Text().c_str());
     return same;
 }
 

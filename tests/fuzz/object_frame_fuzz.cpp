@@ -8,6 +8,9 @@
 
 namespace {
 
+using qx::Ask;
+using qx::Reference;
+
 constexpr size_t kLongestName = 259;
 
 std::string Frame(Random& random) {
@@ -23,13 +26,11 @@ std::string Frame(Random& random) {
 // Reads one frame; a stand-in must write what stood there.
 bool ReadFrame(IXStream* stream, const std::string& bytes) {
     int start = stream->Tell();
-    IQXUnknown* object = nullptr;
-    if (!ReadObjectFromXStream(stream, &object)) return object == nullptr;
+    Reference<IQXUnknown> object;
+    if (!ReadObjectFromXStream(stream, object.Receive())) return !object;
     int end = stream->Tell();
-    IQXUnknown* persistent = nullptr;
-    object->QueryInterface(qx_typeid<IPersistXStream>(), &persistent);
-    IXStream* copy = new_StreamOnMemory();
-    WriteObjectToXStream(copy, static_cast<IPersistXStream*>(persistent));
+    Reference<IXStream> copy(new_StreamOnMemory());
+    WriteObjectToXStream(copy.Get(), Ask<IPersistXStream>(object.Get()).Get());
     std::string written(copy->GetLength(), 0);
     copy->Seek(0, 0);
     copy->Read(written.data(), static_cast<int>(written.size()));
@@ -38,31 +39,27 @@ bool ReadFrame(IXStream* stream, const std::string& bytes) {
     bool plainName = read.find('\0') < std::min<size_t>(read.find('\n'), kLongestName + 1);
     // A size cut off by the end passes as one with zeros, and is written in full.
     bool cut = end == stream->GetLength() && read.size() < written.size();
-    bool same = !plainName || written == read || (cut && written.substr(0, read.size()) == read);
-    copy->Release();
-    persistent->Release();
-    object->Release();
-    return same;
+    return !plainName || written == read || (cut && written.substr(0, read.size()) == read);
 }
 
 bool Round(Random& random) {
     std::string bytes;
     for (unsigned n = 1 + random.Below(4); n > 0; --n) bytes += Frame(random);
     Mutate(bytes, random);
-    IXStream* stream = new_StreamOnMemory();
+    Reference<IXStream> stream(new_StreamOnMemory());
     stream->Write(bytes.data(), static_cast<int>(bytes.size()));
     stream->Seek(0, 0);
     bool holds = true;
     try {
-        while (holds && stream->Tell() < stream->GetLength()) holds = ReadFrame(stream, bytes);
+        while (holds && stream->Tell() < stream->GetLength())
+            holds = ReadFrame(stream.Get(), bytes);
     } catch (CXException&) {
     }
     try {
         stream->Seek(0, 0);
-        for (int i = 0; i < 100; ++i) SkipObjectToXStream(stream);
+        for (int i = 0; i < 100; ++i) SkipObjectToXStream(stream.Get());
     } catch (CXException&) {
     }
-    stream->Release();
     return holds;
 }
 

@@ -40,13 +40,11 @@ void AddNode(std::string& bytes, Random& random, int depth) {
     bytes += '\0';
 }
 
-IXStream* NewStream(Random& random) {
-    if (random.Below(2)) return new_StreamOnMemory();
-    IStream* ole = nullptr;
-    CreateStreamOnHGlobal(nullptr, TRUE, &ole);
-    IXStream* stream = new_StreamByOleStream(ole);
-    ole->Release();
-    return stream;
+qx::Reference<IXStream> NewStream(Random& random) {
+    if (random.Below(2)) return qx::Reference<IXStream>(new_StreamOnMemory());
+    qx::Reference<IStream> ole;
+    CreateStreamOnHGlobal(nullptr, TRUE, ole.Receive());
+    return qx::Reference<IXStream>(new_StreamByOleStream(ole.Get()));
 }
 
 bool SurvivesAsAName(const char* name) {
@@ -75,7 +73,7 @@ bool ComesBackWhole(IParam* root) {
 // Saved and loaded, such a tree is the same.
 bool ComesBack(IParam* root, Random& random) {
     bool whole = ComesBackWhole(root);
-    qx::Reference<IXStream> stream(NewStream(random));
+    qx::Reference<IXStream> stream = NewStream(random);
     qx::Reference<IParam> back(new_MemParam());
     try {
         if (!SaveParamToXStream(stream.Get(), root)) return false;

@@ -8,6 +8,8 @@
 
 namespace {
 
+using qx::Reference;
+
 void WriteRandomVariant(IXStream* stream, Random& random) {
     char bytes[64];
     for (char& byte : bytes) byte = static_cast<char>(random.Next());
@@ -35,26 +37,22 @@ std::string Bytes(IXStream* stream, int from) {
 // What is written for a variant comes out the same after another reading.
 bool RoundTrips(const CQXVariant& variant) {
     if (variant.type == QXVT_BLOB && variant.value.blob.size > 1000000) return true;
-    IXStream* stream = new_StreamOnMemory();
+    Reference<IXStream> stream(new_StreamOnMemory());
     stream->WriteVariant(&variant);
-    std::string once = Bytes(stream, 0);
+    std::string once = Bytes(stream.Get(), 0);
     stream->Seek(0, 0);
     CQXVariant again;
     bool whole = stream->ReadVariant(&again) == 1;
     int end = stream->Seek(0, 2);
     stream->WriteVariant(&again);
-    bool same = whole && Bytes(stream, end) == once;
-    stream->Release();
-    return same;
+    return whole && Bytes(stream.Get(), end) == once;
 }
 
-IXStream* NewStream(Random& random) {
-    if (random.Below(2)) return new_StreamOnMemory();
-    IStream* ole = nullptr;
-    CreateStreamOnHGlobal(nullptr, TRUE, &ole);
-    IXStream* stream = new_StreamByOleStream(ole);
-    ole->Release();
-    return stream;
+Reference<IXStream> NewStream(Random& random) {
+    if (random.Below(2)) return Reference<IXStream>(new_StreamOnMemory());
+    Reference<IStream> ole;
+    CreateStreamOnHGlobal(nullptr, TRUE, ole.Receive());
+    return Reference<IXStream>(new_StreamByOleStream(ole.Get()));
 }
 
 bool ReadAll(IXStream* stream, int bytes) {
@@ -70,17 +68,14 @@ bool ReadAll(IXStream* stream, int bytes) {
 }
 
 bool Round(Random& random) {
-    IXStream* source = new_StreamOnMemory();
-    for (unsigned n = 1 + random.Below(5); n > 0; --n) WriteRandomVariant(source, random);
-    std::string bytes = Bytes(source, 0);
-    source->Release();
+    Reference<IXStream> source(new_StreamOnMemory());
+    for (unsigned n = 1 + random.Below(5); n > 0; --n) WriteRandomVariant(source.Get(), random);
+    std::string bytes = Bytes(source.Get(), 0);
     Mutate(bytes, random);
-    IXStream* stream = NewStream(random);
+    Reference<IXStream> stream = NewStream(random);
     stream->Write(bytes.data(), static_cast<int>(bytes.size()));
     stream->Seek(0, 0);
-    bool holds = ReadAll(stream, static_cast<int>(bytes.size()));
-    stream->Release();
-    return holds;
+    return ReadAll(stream.Get(), static_cast<int>(bytes.size()));
 }
 
 }  // namespace
