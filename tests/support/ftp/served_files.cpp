@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace fs = std::filesystem;
 
@@ -15,7 +14,11 @@ namespace {
 
 std::string BytesOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::string bytes;
+    std::vector<char> part(1 << 16);
+    while (file.read(part.data(), std::streamsize(part.size())) || file.gcount())
+        bytes.append(part.data(), size_t(file.gcount()));
+    return bytes;
 }
 
 void WriteBytes(const std::string& path, const std::string& bytes) {
