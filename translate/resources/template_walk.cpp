@@ -98,17 +98,23 @@ const TemplateForm& FormOf(TemplateBytes dialog) {
     return isExtended ? kExtendedForm : kClassicForm;
 }
 
-TemplateWalk WalkTemplate(TemplateBytes dialog, TemplateVisitor& visitor) {
+TemplateWalk WalkControls(TemplateBytes dialog, unsigned count, TemplateVisitor& visitor) {
     const TemplateForm& form = FormOf(dialog);
     TemplateReader reader(dialog);
     if (!WalkHead(reader, form, visitor)) return {};
-    unsigned count = ControlCount(dialog, form);
     for (unsigned i = 0; i < count; ++i) {
         TemplateControl control;
         if (!TakeControl(reader, form, &control)) return {true, i, false};
         visitor.Control(i, control);
     }
     return {true, count, true};
+}
+
+TemplateWalk WalkTemplate(TemplateBytes dialog, TemplateVisitor& visitor) {
+    const TemplateForm& form = FormOf(dialog);
+    // One that ends before its count ends before its controls in any case.
+    unsigned count = dialog.size < form.head ? 0 : ControlCount(dialog, form);
+    return WalkControls(dialog, count, visitor);
 }
 
 }  // namespace qx

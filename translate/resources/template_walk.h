@@ -79,6 +79,8 @@ struct TemplateWalk {
 
 // Nothing behind the bytes is read: a template that ends too early ends the walk.
 TemplateWalk WalkTemplate(TemplateBytes dialog, TemplateVisitor& visitor);
+// The same over so many controls, whatever number the template counts.
+TemplateWalk WalkControls(TemplateBytes dialog, unsigned count, TemplateVisitor& visitor);
 
 }  // namespace qx
 
