@@ -64,7 +64,6 @@ public:
         while (uint16_t c = Word()) text += static_cast<char16_t>(c);
         return text;
     }
-    uint16_t PeekWord() const { return WordAt(m_bytes, m_at, m_what); }
     void AlignTo4() { Take((4 - m_at % 4) % 4); }
 
 private:

@@ -1,5 +1,6 @@
 #include "tools/qxtranslate/model/resource_texts.h"
 #include "tools/qxtranslate/model/unicode.h"
+#include "translate/resources/template_walk.h"
 
 #include <algorithm>
 
@@ -8,79 +9,19 @@ namespace qx {
 namespace {
 
 constexpr uint16_t kOrdinal = 0xFFFF;
-constexpr uint32_t kSetFont = 0x40;
 constexpr unsigned kUnitsPerCharacter = 4;
 constexpr unsigned kUnitsPerLine = 8;
 
-// A field that is a number or a text.
-struct Field {
-    bool isNumber = false;
-    uint16_t number = 0;
+bool IsNumber(TemplatePart field) {
+    return WordAt(field.data) == kOrdinal;
+}
+
+// A wide text without its terminator.
+std::u16string TextOf(TemplatePart part) {
     std::u16string text;
-};
-
-Field ReadField(ByteReader& reader) {
-    Field field;
-    if (reader.PeekWord() != kOrdinal) {
-        field.text = reader.Text();
-        return field;
-    }
-    reader.Word();
-    field.isNumber = true;
-    field.number = reader.Word();
-    return field;
-}
-
-struct DialogHead {
-    bool isExtended = false;
-    uint32_t style = 0;
-    unsigned controls = 0;
-    int16_t width = 0, height = 0;
-    std::u16string caption;
-};
-
-DialogHead ReadHead(ByteReader& reader, Bytes dialog) {
-    DialogHead head;
-    head.isExtended = WordAt(dialog, 2, reader.What()) == 0xFFFF;
-    if (head.isExtended) {
-        reader.Take(12);
-        head.style = reader.Long();
-    } else {
-        head.style = reader.Long();
-        reader.Long();
-    }
-    head.controls = reader.Word();
-    reader.Take(4);  // where it stands
-    head.width = static_cast<int16_t>(reader.Word());
-    head.height = static_cast<int16_t>(reader.Word());
-    ReadField(reader);  // the menu
-    ReadField(reader);  // the class
-    head.caption = reader.Text();
-    if (head.style & kSetFont) {
-        reader.Take(head.isExtended ? 6 : 2);
-        reader.Text();
-    }
-    return head;
-}
-
-struct Control {
-    uint32_t id = 0;
-    int16_t width = 0, height = 0;
-    Field windowClass;
-    Field title;
-};
-
-Control ReadControl(ByteReader& reader, bool isExtended) {
-    Control control;
-    reader.AlignTo4();
-    reader.Take(isExtended ? 16 : 12);
-    control.width = static_cast<int16_t>(reader.Word());
-    control.height = static_cast<int16_t>(reader.Word());
-    control.id = isExtended ? reader.Long() : reader.Word();
-    control.windowClass = ReadField(reader);
-    control.title = ReadField(reader);
-    reader.Take(reader.Word());
-    return control;
+    for (size_t at = 0; at + 2 < part.size; at += 2)
+        text += static_cast<char16_t>(WordAt(part.data + at));
+    return text;
 }
 
 constexpr struct {
@@ -98,54 +39,90 @@ std::string WhyOutOfReach(const std::u16string& text) {
 }
 
 // The class in words, and why its texts are out of reach.
-void DescribeClass(const Field& windowClass, ResourceText& text) {
-    if (!windowClass.isNumber) {
-        text.what = "control of the class " + ToUtf8(windowClass.text);
-        text.outOfReach = "only labels and buttons of dialogs are translated, and this is a " +
-                          ToUtf8(windowClass.text);
+void DescribeClass(TemplatePart windowClass, ResourceText& text) {
+    if (!IsNumber(windowClass)) {
+        std::string name = ToUtf8(TextOf(windowClass));
+        text.what = "control of the class " + name;
+        text.outOfReach =
+            "only labels and buttons of dialogs are translated, and this is a " + name;
         return;
     }
-    auto row = std::find_if(std::begin(kAtoms), std::end(kAtoms),
-                            [&](auto& a) { return a.atom == windowClass.number; });
+    uint16_t atom = WordAt(windowClass.data + 2);
+    auto row =
+        std::find_if(std::begin(kAtoms), std::end(kAtoms), [&](auto& a) { return a.atom == atom; });
     text.what = row == std::end(kAtoms) ? "control" : row->name;
     if (row == std::end(kAtoms) || !row->isTranslated)
         text.outOfReach = "only labels and buttons of dialogs are translated";
 }
 
-std::string Room(int width, int height) {
-    unsigned characters = static_cast<unsigned>(std::max(width, 0)) / kUnitsPerCharacter;
-    unsigned lines = std::max(1u, static_cast<unsigned>(std::max(height, 0)) / kUnitsPerLine);
+std::string Room(int16_t width, int16_t height) {
+    unsigned characters = static_cast<unsigned>(std::max<int>(width, 0)) / kUnitsPerCharacter;
+    unsigned lines = std::max(1u, static_cast<unsigned>(std::max<int>(height, 0)) / kUnitsPerLine);
     std::string room = "about " + std::to_string(characters) + " characters";
     return lines > 1 ? room + " in each of " + std::to_string(lines) + " lines" : room;
 }
 
-}  // namespace
+int16_t CoordinateAt(const uint8_t* at) {
+    return static_cast<int16_t>(WordAt(at));
+}
 
-std::vector<ResourceText> ReadDialog(Bytes dialog) {
-    constexpr unsigned kSeenControls = 256;  // of an extended template the count's low byte counts
-    ByteReader reader(dialog, "a dialog");
-    DialogHead head = ReadHead(reader, dialog);
-    std::vector<ResourceText> texts;
-    if (!head.caption.empty()) {
-        texts.push_back({"caption", head.caption, 0, "dialog caption", Room(head.width, 0),
-                         WhyOutOfReach(head.caption)});
+class TextCollector final : public TemplateVisitor {
+public:
+    // The program sees the first `seen` controls.
+    TextCollector(const TemplateForm& form, unsigned seen) : m_form(form), m_seen(seen) {}
+
+    void Head(TemplatePart part) override { m_width = CoordinateAt(part.data + m_form.extent); }
+    void Caption(TemplatePart part) override {
+        std::u16string caption = TextOf(part);
+        if (caption.empty()) return;
+        texts.push_back(
+            {"caption", caption, 0, "dialog caption", Room(m_width, 0), WhyOutOfReach(caption)});
     }
-    unsigned seen = head.isExtended ? head.controls % kSeenControls : head.controls;
-    for (unsigned i = 0; i < head.controls; ++i) {
-        Control control = ReadControl(reader, head.isExtended);
-        if (control.title.isNumber || control.title.text.empty()) continue;
-        ResourceText text = {std::to_string(i),
-                             control.title.text,
-                             control.id,
+    void Font(TemplatePart, TemplatePart) override {}
+    void Control(unsigned index, const TemplateControl& control) override {
+        if (IsNumber(control.title) || TextOf(control.title).empty()) return;
+        const uint8_t* extent = control.head.data + m_form.controlRect + 4;
+        ResourceText text = {std::to_string(index),
+                             TextOf(control.title),
+                             IdOf(control.head),
                              "",
-                             Room(control.width, control.height),
+                             Room(CoordinateAt(extent), CoordinateAt(extent + 2)),
                              ""};
         DescribeClass(control.windowClass, text);
         if (text.outOfReach.empty()) text.outOfReach = WhyOutOfReach(text.text);
-        if (i >= seen) text.outOfReach = "the dialog has too many controls and is cut before it";
+        if (index >= m_seen)
+            text.outOfReach = "the dialog has too many controls and is cut before it";
         texts.push_back(text);
     }
-    return texts;
+
+    std::vector<ResourceText> texts;
+
+private:
+    // The last field of the head: a word, of an extended template two.
+    uint32_t IdOf(TemplatePart head) const {
+        const uint8_t* id = head.data + m_form.controlRect + 8;
+        if (&m_form == &kClassicForm) return WordAt(id);
+        return WordAt(id) | static_cast<uint32_t>(WordAt(id + 2)) << 16;
+    }
+
+    const TemplateForm& m_form;
+    unsigned m_seen;
+    int16_t m_width = 0;
+};
+
+}  // namespace
+
+std::vector<ResourceText> ReadDialog(Bytes dialog) {
+    constexpr const char* kWhat = "a dialog";
+    // In memory of its own it stands at an address that is a multiple of 4, as in the program.
+    std::vector<uint8_t> aligned(dialog.begin(), dialog.end());
+    const TemplateBytes bytes = {aligned.data(), aligned.size()};
+    const TemplateForm& form = FormOf(bytes);
+    unsigned count = WordAt(dialog, form.count, kWhat);
+    TextCollector collector(form, form.countSize == 1 ? count % 256 : count);
+    if (!WalkControls(bytes, count, collector).isWhole)
+        throw BadInput(std::string(kWhat) + " reaches beyond the end");
+    return std::move(collector.texts);
 }
 
 }  // namespace qx
