@@ -1,6 +1,10 @@
 #!/usr/bin/env python3
 """qxtranslate run against programs of Wine: run_test.py TOP BIN. Needs a display."""
+import os
 import pathlib
+import resource
+import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -20,9 +24,9 @@ class Run(unittest.TestCase):
         self.addCleanup(self.folder.cleanup)
         self.dir = pathlib.Path(self.folder.name)
 
-    def tool(self, *words):
-        return subprocess.run([TOP / "scripts/run-wine", BIN / "qxtranslate.exe", *map(str, words)], timeout=180,
-                              capture_output=True, stdin=subprocess.DEVNULL)
+    def tool(self, *words, program=BIN / "qxtranslate.exe", **settings):
+        return subprocess.run([TOP / "scripts/run-wine", program, *map(str, words)], timeout=180,
+                              capture_output=True, stdin=subprocess.DEVNULL, **settings)
 
     def done(self, *words):
         result = self.tool(*words)
@@ -49,6 +53,86 @@ class Run(unittest.TestCase):
         notepad = windows(WINE / "notepad.exe")
         self.assertIn("cannot be read", self.fails("--dictionary", windows(self.dir / "none.wld"), "--", notepad))
         self.assertIn("must not be patched", self.fails("--module", "KERNEL32.dll", "--", notepad))
+
+    def test_a_32_bit_program_is_one_sentence(self):
+        whole = bytearray((BIN / "foreign.exe").read_bytes())
+        header = int.from_bytes(whole[0x3C:0x40], "little")
+        whole[header + 4:header + 6], whole[header + 24:header + 26] = b"\x4c\x01", b"\x0b\x01"
+        with tempfile.TemporaryDirectory() as folder:
+            program = pathlib.Path(folder) / "narrow.exe"
+            program.write_bytes(whole)
+            self.assertIn("32-bit program", self.fails("--", windows(program)))
+
+    def test_a_tool_without_its_agent_is_one_sentence(self):
+        for name in ("qxtranslate.exe", "qxcore.dll"):
+            shutil.copy(BIN / name, self.dir)
+        result = self.tool("run", "--", windows(self.copy_of_foreign()), program=self.dir / "qxtranslate.exe")
+        self.assertEqual(result.returncode, 2)
+        self.assertIn(b"qxagent.dll is missing", result.stderr)
+        self.assert_nothing_runs()
+
+    def copy_of_foreign(self):
+        """A program whose name nobody else's processes bear."""
+        copy = self.dir / f"foreign{os.getpid()}.exe"
+        shutil.copy(BIN / "foreign.exe", copy)
+        return copy
+
+    def assert_nothing_runs(self):
+        name = f"foreign{os.getpid()}.exe".encode()
+        for line in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+            try:
+                if line.parent.name != str(os.getpid()):
+                    self.assertNotIn(name, line.read_bytes().split(b"\0")[0])
+            except OSError:
+                pass  # it has ended meanwhile
+
+    def test_after_a_failure_no_process_and_no_file_is_left(self):
+        program = self.copy_of_foreign()
+        for words in (["--dump", windows(self.dir / "none/d")], ["--record", windows(self.dir / "none/r")],
+                      ["--command", 1], ["--module", "ntdll.dll"], ["--dictionary", windows(self.dir)]):
+            result = self.tool("run", "--after", "0", *words, "--", windows(program))
+            self.assertEqual((result.returncode, result.stderr.count(b"\n")), (2, 1), (words, result.stderr))
+            self.assertEqual(list(self.dir.iterdir()), [program])
+            self.assert_nothing_runs()
+
+    def test_a_record_that_finds_the_disk_full_is_one_sentence(self):
+        def fill():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
+        self.done("--version")  # starts the server, which may write what it likes
+        record = self.dir / "r"
+        result = self.tool("run", "--record", windows(record), "--", windows(BIN / "foreign.exe"), preexec_fn=fill)
+        self.assertEqual((result.returncode, result.stderr.count(b"\n")), (2, 1), result.stderr)
+        self.assertIn(b"r cannot be written", result.stderr)
+        self.assertEqual(list(self.dir.iterdir()), [])
+
+    def dictionary(self):
+        path = self.dir / "foreign.wld"
+        path.write_bytes(b'"Open"\r\n"Aufmachen"\r\n')
+        return windows(path)
+
+    def test_what_hurts_foreign_programs_is_made_up_for(self):
+        result = self.tool("run", "--dictionary", self.dictionary(), "--", windows(BIN / "foreign.exe"))
+        self.assertEqual(result.returncode, 0, result)  # the program's own code is another
+        self.assertEqual(result.stdout.decode().splitlines(), [
+            "pointer 1: 9 Aufmachen",
+            "pointer 2: 14 Not translated",
+            "whole: 9 Aufmachen",
+            "cut: 2 Au",
+            "narrow, cut: 2 Au",
+            "loaded menu: Aufmachen",
+            "by name: 9 Aufmachen",
+            "freed nothing: 0",
+        ])
+
+    def test_wide_boxes_are_translated_on_demand_only(self):
+        dump = self.dir / "dump.txt"
+        for options, text in (([], "Open"), (["--wide-boxes"], "Aufmachen")):
+            self.done("run", "--dictionary", self.dictionary(), *options, "--after", "0", "--dump", windows(dump),
+                      "--close", "--", windows(BIN / "foreign.exe"), "box")
+            lines = [line.split("\t") for line in dump.read_text().splitlines()]
+            self.assertIn(["dialog", text, "-1", text], lines)
+            self.assertEqual([line[3] for line in lines].count(text), 2)
 
     def test_without_a_dictionary_the_program_is_as_it_is(self):
         self.assertIn(["menu", "0", "&Game"], self.run_program("winemine.exe"))

@@ -3,6 +3,8 @@
 #include "tools/qxtranslate/verbs.h"
 #include "tools/qxtranslate/wide_text.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -80,7 +82,13 @@ public:
     explicit ProgramFile(const std::string& target) : m_target(target) {
         if (target.empty()) return;
         m_aside = target + "." + std::to_string(GetCurrentProcessId()) + ".tmp";
+        // Before the program runs is the time to find that it could not write.
+        FILE* file = _wfopen(ToWide(m_aside).c_str(), L"wb");
+        if (!file) throw BadInput(target + " cannot be written: " + std::strerror(errno));
+        fclose(file);
     }
+    ProgramFile(const ProgramFile&) = delete;
+    ProgramFile& operator=(const ProgramFile&) = delete;
     ~ProgramFile() {
         if (!m_aside.empty()) DeleteFileW(ToWide(m_aside).c_str());
     }
