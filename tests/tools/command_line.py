@@ -92,6 +92,15 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(bad.returncode, 1)
         self.assertIn(b"b.po:1: error:", bad.stdout)
 
+    def test_check_reads_the_geometry_file_too(self):
+        po = self.file("a.po", '#: a.exe/dialog/1/0\n' + GOOD)
+        good = self.file("good.dlg", "[\\a.exe\\Dialogs\\#1]\r\n0=t0,0,9,0\r\n")
+        self.assertEqual(self.run_tool("check", po, "--geometry", good).returncode, 0)
+        bad = self.run_tool("check", po, "--geometry", self.file("bad.dlg", "[\\a.exe\\Dialogs\\#2]\r\n0=9\r\n"))
+        self.assertEqual(bad.returncode, 1)
+        self.assertIn(b"bad.dlg:2: error:", bad.stdout)
+        self.assertIn(b"bad.dlg:1: warning:", bad.stdout)
+
     def test_build_and_import_are_each_others_way_back(self):
         po = self.file("a.po", 'msgid "Open\\tCtrl+O"\nmsgstr "Öffnen\\tStrg+O"\n')
         self.assertEqual(self.run_tool("build", po, "--codepage", "1252", "-o", "a.wld").returncode, 0)

@@ -7,6 +7,7 @@
 #include "tools/qxtranslate/model/bad_input.h"
 #include "tools/qxtranslate/model/checks.h"
 #include "tools/qxtranslate/model/compile.h"
+#include "tools/qxtranslate/model/geometry_text.h"
 #include "tools/qxtranslate/model/harvest.h"
 #include "tools/qxtranslate/platform.h"
 
@@ -85,6 +86,7 @@ void Round(unsigned seed) {
     std::string text(data.begin(), data.end());
     try {
         if (kind == 3) {
+            qx::WriteGeometry(qx::ReadGeometry(text).dialogs);
             qx::WritePo(qx::Decompile(qx::ReadDictionary(text, page), page));
             return;
         }
