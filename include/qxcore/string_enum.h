@@ -18,7 +18,11 @@
 #include <qxcore/reference.h>
 
 // Copies of several texts in one block of memory, which is freed with the array. What the
-// enumerators below are made of; a program's own enumerator may use it too.
+// enumerators below are made of; a program's own enumerator may use it too:
+//
+//     QXTextArray fields;
+//     fields.Split(",", line);
+//     for (unsigned i = 0; i < fields.count; ++i) Use(fields.texts[i]);
 class QXTextArray {
 public:
     QXTextArray() = default;
@@ -30,12 +34,14 @@ public:
 
     // The pieces of `text` between any of the characters of `separators`, by the runtime's
     // multibyte code page. A run of separators counts as one, and no piece is empty. A null text
-    // has none. REQUIRES: separators is not null.
+    // has none; without any separator the whole text is the one piece. REQUIRES: separators is not
+    // null.
     QXCORE_API void Split(const char* separators, const char* text);
     // The texts of a block that ends with an empty text. A null block has none.
     QXCORE_API void CopyBlock(const char* block);
 
-    // How many texts there are, where each begins, and the memory that all of them lie in.
+    // How many texts there are, where each begins, and the memory that all of them lie in. Without
+    // a text both pointers are null.
     unsigned count = 0;
     char** texts = nullptr;
     char* characters = nullptr;
@@ -55,6 +61,7 @@ public:
     void Reset() override;
 
 protected:
+    // Filled by the class derived from this one before anybody can ask.
     QXTextArray m_array;
 
     // Takes a reference on the owner, which may be null.
@@ -66,7 +73,7 @@ private:
 };
 
 // The pieces of a text between separators, as QXTextArray::Split makes them: "a;;b" at ";" has the
-// pieces "a" and "b". C is char.
+// pieces "a" and "b". A separator may be a double-byte character. C is char.
 template <class C>
 class _CCharSeparatedStringsEnum : public _CTextArrayEnum<const C*> {
 public:

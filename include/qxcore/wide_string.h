@@ -23,10 +23,11 @@ public:
     CXStringW(const char* s) { Convert(s); }
     CXStringW(const CXStringW&) = default;
     CXStringW& operator=(const CXStringW&) = default;
+    // As the constructors; a null text empties the string.
     QXCORE_API CXStringW& operator=(const wchar_t* s);
     CXStringW& operator=(const char* s);
 
-    // -1, 0 or 1: unit by unit, by their numbers.
+    // -1, 0 or 1: unit by unit, by their numbers, so a surrogate comes before U+E000.
     int Compare(const wchar_t* s) const;
 
 private:
