@@ -50,6 +50,9 @@ class CommandLine(unittest.TestCase):
         self.fails("harvest", WINE / "notepad.exe", "--language", "german")
         self.fails("harvest", WINE / "notepad.exe", "--pair", "0x409")
 
+    def test_run_says_where_it_works(self):
+        self.assertIn("only qxtranslate.exe", self.fails("run", "--dictionary", "de.wld", "--", "notepad.exe"))
+
     def test_files_that_cannot_be_read_are_named(self):
         for verb in ("harvest", "audit", "check", "export"):
             self.assertIn("gone.po", self.fails(verb, "gone.po"))
@@ -100,6 +103,13 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(bad.returncode, 1)
         self.assertIn(b"bad.dlg:2: error:", bad.stdout)
         self.assertIn(b"bad.dlg:1: warning:", bad.stdout)
+
+    def test_status_names_the_files_that_were_not_harvested(self):
+        po = self.file("a.po", GOOD)
+        record = self.file("r", "LoadStringW\tb.cpl\t\tmiss\tOther\t\nLoadStringW\ta.exe\t\tplain\tOpen\tAuf\n")
+        result = self.run_tool("status", po, "--record", record)
+        self.assertEqual((result.returncode, result.stderr),
+                         (0, b"b.cpl: 1 texts that were looked up stand in no entry\n"))
 
     def test_build_and_import_are_each_others_way_back(self):
         po = self.file("a.po", 'msgid "Open\\tCtrl+O"\nmsgstr "Öffnen\\tStrg+O"\n')

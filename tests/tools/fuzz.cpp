@@ -68,7 +68,8 @@ const char* kDictionary =
     "c\r\n\"DialogFontName\"\r\n\"x\"\r\n\"DialogFontSize\"\r\n\"8\"\r\n\"DialogFontScript\"\r\n\"0"
     "\"\r\n"
     "\"a.exe#1#130\xFD\xFD"
-    "Open\\n\"\r\n\"Auf\\\\\"\r\n\"\x95\x5C\"\r\n\"b\"\r\n";
+    "Open\\n\"\r\n\"Auf\\\\\"\r\n\"\x95\x5C\"\r\n\"b\"\r\n"
+    "[\\a.exe\\Dialogs\\#130]\r\nDialog Size=z3,0\r\n4=t1,0,-3,0|5=t1,0,3,0\r\n";
 
 void Round(unsigned seed) {
     static const auto western = qx::OpenCodePage(1252), japanese = qx::OpenCodePage(932);

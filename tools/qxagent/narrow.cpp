@@ -26,11 +26,29 @@ std::wstring Widen(std::string_view text) {
     return wide;
 }
 
+namespace {
+
+// A byte of UTF-8 that goes on with a character.
+bool IsContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+size_t CharacterBytes(std::string_view text) {
+    size_t size = 1;
+    if (GetACP() == CP_UTF8) {
+        while (size < text.size() && IsContinuation(text[size])) ++size;
+    } else if (text.size() > 1 && IsDBCSLeadByte(static_cast<BYTE>(text[0]))) {
+        size = 2;
+    }
+    return size;
+}
+
+}  // namespace
+
 size_t WholeBytes(std::string_view text, size_t room) {
     size_t whole = 0;
     while (whole < text.size()) {
-        bool isDouble = IsDBCSLeadByte(static_cast<BYTE>(text[whole])) && whole + 1 < text.size();
-        size_t next = whole + (isDouble ? 2 : 1);
+        size_t next = whole + CharacterBytes(text.substr(whole));
         if (next > room) break;
         whole = next;
     }

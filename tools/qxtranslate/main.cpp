@@ -37,11 +37,8 @@ int RunCommandLine(std::vector<std::string> words) {
     app.require_subcommand(1);
     Run run;
     for (auto define : {DefineHarvest, DefineAudit, DefineBuild, DefineImport, DefineExport,
-                        DefineCheck, DefineStatus, DefineMerge, DefinePseudo})
+                        DefineCheck, DefineStatus, DefineMerge, DefinePseudo, DefineRun})
         define(app, run);
-#ifdef _WIN32
-    DefineRun(app, run);
-#endif
     std::reverse(words.begin(), words.end());
     try {
         app.parse(words);

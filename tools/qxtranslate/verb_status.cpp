@@ -4,7 +4,9 @@
 #include "tools/qxtranslate/verbs.h"
 
 #include <cstdio>
+#include <map>
 #include <memory>
+#include <set>
 
 namespace qx {
 
@@ -55,6 +57,21 @@ Table Rows(const Status& status) {
     return table;
 }
 
+// Texts that the program looked up, and that no entry stands for: their files were not harvested.
+void TellUnknown(const PoFile& po, const std::vector<LookUp>& record) {
+    std::set<std::string> known;
+    for (const PoEntry& entry : po.entries) known.insert(entry.source);
+    std::map<std::string, std::set<std::string>> unknown;
+    for (const LookUp& lookUp : record) {
+        if (lookUp.ending == "miss" && !lookUp.module.empty() && !known.count(lookUp.source))
+            unknown[lookUp.module].insert(lookUp.source);
+    }
+    for (auto& [module, texts] : unknown) {
+        std::fprintf(stderr, "%s: %zu texts that were looked up stand in no entry\n",
+                     module.c_str(), texts.size());
+    }
+}
+
 int RunStatus(const Options& options) {
     auto read = [](const std::string& path) {
         return Naming(path, [&] { return ReadPo(ReadText(path)); });
@@ -64,6 +81,7 @@ int RunStatus(const Options& options) {
     if (!options.harvest.empty()) harvest = read(options.harvest);
     if (!options.record.empty())
         record = Naming(options.record, [&] { return ReadRecord(ReadText(options.record)); });
+    TellUnknown(po, record);
     Status status = StatusOf(po, options.harvest.empty() ? nullptr : &harvest,
                              options.record.empty() ? nullptr : &record);
     WriteResult(options.output, options.format == Format::Text

@@ -21,10 +21,8 @@ void DefineExport(CLI::App& app, Run& run);
 void DefineHarvest(CLI::App& app, Run& run);
 void DefineImport(CLI::App& app, Run& run);
 void DefineMerge(CLI::App& app, Run& run);
-#ifdef _WIN32
-void DefineRun(CLI::App& app, Run& run);
-#endif
 void DefinePseudo(CLI::App& app, Run& run);
+void DefineRun(CLI::App& app, Run& run);
 void DefineStatus(CLI::App& app, Run& run);
 
 // Options that several verbs have.
