@@ -7,7 +7,7 @@ namespace qx {
 void DefineRun(CLI::App& app, Run& run) {
     CLI::App* verb = app.add_subcommand(
         "run", "Starts an unmodified program in another language (qxtranslate.exe only)");
-    verb->allow_extras();
+    verb->prefix_command();
     verb->callback([&run] {
         run = []() -> int {
             throw BadInput(
