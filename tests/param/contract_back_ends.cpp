@@ -8,7 +8,7 @@
 namespace {
 
 struct MemoryPlace : Place {
-    MemoryPlace() { root.reset(new_MemParam()); }
+    MemoryPlace() { root = ParamPtr(new_MemParam()); }
 };
 
 // The path of a file of its own, which goes with the place.
@@ -28,7 +28,7 @@ public:
 
 struct IniPlace : Place {
     IniPlace() { root = Reopen(); }
-    ~IniPlace() override { root.reset(); }
+    ~IniPlace() override { root.Release(); }
     ParamPtr Reopen() override { return ParamPtr(new_IParamIniFile(file.path.c_str())); }
 
     PlaceFile file{".ini"};
@@ -45,10 +45,10 @@ struct RegistryPlace : Place {
         RegCreateKeyExA(Hive::Key(), key.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &opened,
                         nullptr);
         RegCloseKey(opened);
-        root.reset(Hive::Open(key.c_str()));
+        root = ParamPtr(Hive::Open(key.c_str()));
     }
     ~RegistryPlace() override {
-        root.reset();
+        root.Release();
         RegDeleteTreeA(Hive::Key(), key.c_str());
         RegDeleteKeyA(Hive::Key(), "Software\\qxcore tests");  // when it was the last one in it
     }
@@ -70,9 +70,9 @@ struct LocalMachine {
 // A file that is transacted throughout, the way documents are.
 struct StoragePlace : Place {
     StoragePlace() { Show(new_Storage(file.path.c_str(), QXSTG_TRANSACTED)); }
-    ~StoragePlace() override { root.reset(); }
+    ~StoragePlace() override { root.Release(); }
     ParamPtr Reopen() override {
-        root.reset();
+        root.Release();
         Show(open_Storage(file.path.c_str(), 0));
         return std::move(root);
     }
@@ -81,7 +81,7 @@ struct StoragePlace : Place {
 
 private:
     void Show(IXStorage* storage) {
-        root.reset(new_IXStorParam(storage));
+        root = ParamPtr(new_IXStorParam(storage));
         storage->Release();
     }
 };
@@ -123,7 +123,7 @@ std::string SortedTree(IParam* node) {
     }
     for (const std::string& name : SortedNames(node->EnumSubParams())) {
         ParamPtr child(node->OpenSubParam(name.c_str(), 0));
-        add(name + "{" + (child ? SortedTree(child.get()) : "?") + "}");
+        add(name + "{" + (child ? SortedTree(child.Get()) : "?") + "}");
     }
     return text;
 }

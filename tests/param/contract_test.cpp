@@ -13,7 +13,7 @@ class EveryParamTest : public testing::TestWithParam<BackEnd> {
 protected:
     const BackEnd& kind = GetParam();
     std::unique_ptr<Place> place = kind.make();
-    IParam* root = place->root.get();
+    IParam* root = place->root.Get();
 
     ParamPtr Create(const char* name) { return ParamPtr(root->CreateSubParam(name)); }
     ParamPtr Open(const char* name, int create = 0) {
@@ -24,8 +24,8 @@ protected:
     void Plant() {
         SetInt(root, "x", 1);
         ParamPtr a = Create("aa");
-        SetInt(a.get(), "y", 2);
-        SetInt(ParamPtr(a->CreateSubParam("bb")).get(), "z", 3);
+        SetInt(a.Get(), "y", 2);
+        SetInt(ParamPtr(a->CreateSubParam("bb")).Get(), "z", 3);
     }
     bool IsWithoutForm(unsigned short type) { return Has(kind.withoutForm, type); }
     bool IsLosing(unsigned short type) { return Has(kind.losingForm, type); }
@@ -93,9 +93,9 @@ TEST_P(EveryParamTest, ANewTreeIsEmptyAndHasOneReference) {
 TEST_P(EveryParamTest, ACreatedChildIsEmptyListedAndFoundAgain) {
     ParamPtr child = Create("aa child");
     ASSERT_TRUE(child);
-    EXPECT_EQ(CountOf(child.get()), kind.second == Second::sameObject ? 2u : 1u);
-    EXPECT_EQ(SortedTree(child.get()), "");
-    child.reset();
+    EXPECT_EQ(CountOf(child.Get()), kind.second == Second::sameObject ? 2u : 1u);
+    EXPECT_EQ(SortedTree(child.Get()), "");
+    child.Release();
     EXPECT_EQ(NamesText(root->EnumSubParams()), "aa child");
     EXPECT_TRUE(Open("aa child"));
     EXPECT_TRUE(Open("AA CHILD"));
@@ -104,8 +104,8 @@ TEST_P(EveryParamTest, ACreatedChildIsEmptyListedAndFoundAgain) {
 TEST_P(EveryParamTest, CreatingAnExistingChildEmptiesIt) {
     {
         ParamPtr a = Create("aa");
-        SetInt(a.get(), "x", 1);
-        SetInt(ParamPtr(a->CreateSubParam("bb")).get(), "y", 2);
+        SetInt(a.Get(), "x", 1);
+        SetInt(ParamPtr(a->CreateSubParam("bb")).Get(), "y", 2);
     }
     EXPECT_TRUE(Create("AA"));
     EXPECT_EQ(Tree(), kind.createOfExisting);
@@ -114,7 +114,7 @@ TEST_P(EveryParamTest, CreatingAnExistingChildEmptiesIt) {
 TEST_P(EveryParamTest, CreatingAHeldChildGivesTheObjectOrAnother) {
     ParamPtr held = Create("aa"), again = Create("aa");
     ASSERT_TRUE(again);
-    EXPECT_EQ(again.get() == held.get(), kind.createOfExistingIsTheSame);
+    EXPECT_EQ(again.Get() == held.Get(), kind.createOfExistingIsTheSame);
 }
 
 TEST_P(EveryParamTest, OpeningAMissingChildIsNullUnlessItCreates) {
@@ -135,16 +135,16 @@ TEST_P(EveryParamTest, OpeningAnExistingChildLeavesItsContents) {
 
 TEST_P(EveryParamTest, AHeldChildOpensASecondTimeAsTheTableSays) {
     ParamPtr held = Create("aa");
-    SetInt(held.get(), "x", 1);
+    SetInt(held.Get(), "x", 1);
     ParamPtr second = Open("aa");
     if (kind.second == Second::refused) {
         EXPECT_FALSE(second);
     } else {
         ASSERT_TRUE(second);
-        EXPECT_EQ(second.get() == held.get(), kind.second == Second::sameObject);
-        EXPECT_EQ(GetInt(second.get(), "x"), 1);
-        SetInt(second.get(), "x", 2);
-        EXPECT_EQ(GetInt(held.get(), "x"), 2);
+        EXPECT_EQ(second.Get() == held.Get(), kind.second == Second::sameObject);
+        EXPECT_EQ(GetInt(second.Get(), "x"), 1);
+        SetInt(second.Get(), "x", 2);
+        EXPECT_EQ(GetInt(held.Get(), "x"), 2);
     }
 }
 
@@ -152,27 +152,27 @@ TEST_P(EveryParamTest, AnExistingPathOpensItsLeaf) {
     Plant();
     ParamPtr leaf = Open("aa\\bb");
     ASSERT_TRUE(leaf);
-    EXPECT_EQ(GetInt(leaf.get(), "z"), 3);
+    EXPECT_EQ(GetInt(leaf.Get(), "z"), 3);
 }
 
 TEST_P(EveryParamTest, CreatingAPathMakesWhatTheTableSays) {
     ParamPtr leaf = Create("aa\\bb");
     ASSERT_TRUE(leaf);
-    SetInt(leaf.get(), "own", 1);
-    EXPECT_EQ(GetInt(leaf.get(), "own"), 1);
+    SetInt(leaf.Get(), "own", 1);
+    EXPECT_EQ(GetInt(leaf.Get(), "own"), 1);
     leaf->DeleteValue("own");
-    leaf.reset();
+    leaf.Release();
     EXPECT_EQ(Tree(), kind.createOfPath);
 }
 
 TEST_P(EveryParamTest, OpeningAPathThatCreatesMakesWhatTheTableSays) {
-    EXPECT_EQ(Open("aa\\bb", 1) != nullptr, kind.openOfPathAnswers);
+    EXPECT_EQ(bool(Open("aa\\bb", 1)), kind.openOfPathAnswers);
     EXPECT_EQ(Tree(), kind.openOfPath);
 }
 
 TEST_P(EveryParamTest, OpeningAPathUnderAnExistingChildMakesWhatTheTableSays) {
     Create("aa");
-    EXPECT_EQ(Open("aa\\bb", 1) != nullptr, kind.openOfPathWithAAnswers);
+    EXPECT_EQ(bool(Open("aa\\bb", 1)), kind.openOfPathWithAAnswers);
     EXPECT_EQ(Tree(), kind.openOfPathWithA);
 }
 
@@ -204,13 +204,13 @@ TEST_P(EveryParamTest, DeletingAllChildrenLeavesTheValuesAndTheNodeUsable) {
 
 TEST_P(EveryParamTest, AChildOutlivesItsParent) {
     ParamPtr leaf(Create("aa")->CreateSubParam("bb"));
-    place->root.reset();
-    SetInt(leaf.get(), "late", 7);
-    EXPECT_EQ(GetInt(leaf.get(), "late"), 7);
-    leaf.reset();
+    place->root.Release();
+    SetInt(leaf.Get(), "late", 7);
+    EXPECT_EQ(GetInt(leaf.Get(), "late"), 7);
+    leaf.Release();
     if (!kind.keeps) return;
     ParamPtr again = place->Reopen();
-    EXPECT_EQ(SortedTree(again.get()), "aa{bb{late=5:7}}");
+    EXPECT_EQ(SortedTree(again.Get()), "aa{bb{late=5:7}}");
 }
 
 // Values
@@ -295,7 +295,7 @@ TEST_P(EveryParamTest, AValueOfNoNameHasTheNameOfTheTable) {
 }
 
 TEST_P(EveryParamTest, ValuesAndChildrenAreTwoNameSpacesWhereTheBackEndHasTwo) {
-    SetInt(Create("same").get(), "inner", 2);
+    SetInt(Create("same").Get(), "inner", 2);
     SetInt(root, "same", 1);
     EXPECT_EQ(Tree(), kind.oneNameSpace ? "same=5:1" : "same=5:1 same{inner=5:2}");
 }
@@ -339,7 +339,7 @@ TEST_P(EveryParamTest, DeletingAValueAnswersWhatTheTableSays) {
 
 TEST_P(EveryParamTest, DeletingAllValuesLeavesTheChildrenAndTheNodeUsable) {
     for (const char* name : {"aa", "bb", "cc", "dd"}) SetInt(root, name, 1);
-    SetInt(Create("child").get(), "inner", 1);
+    SetInt(Create("child").Get(), "inner", 1);
     root->DeleteAllValues();
     EXPECT_EQ(Tree(), "child{inner=5:1}");
     SetInt(root, "again", 2);
@@ -360,7 +360,7 @@ TEST_P(EveryParamTest, AClearedNodeGoesOnOrIsAtItsEnd) {
     CQXVariant value(5), out;
     EXPECT_EQ(root->SetValue("new", &value), kind.clearedGoesOn);
     EXPECT_EQ(GetInt(root, "new"), kind.clearedGoesOn ? 5 : -1);
-    EXPECT_EQ(Create("child") != nullptr, kind.clearedGoesOn);
+    EXPECT_EQ(bool(Create("child")), kind.clearedGoesOn);
 }
 
 TEST_P(EveryParamTest, ClearOfAChildLeavesWhatTheTableSays) {
@@ -422,7 +422,7 @@ TEST_P(EveryParamTest, AnEnumeratorIsLiveOrASnapshot) {
     SetInt(root, "aa", 1);
     NamesPtr names(root->EnumValues());
     SetInt(root, "bb", 2);
-    std::string seen = NamesText(names.release());
+    std::string seen = NamesText(names.Detach());
     EXPECT_EQ(seen.find('b') != std::string::npos, kind.enumerationIsLive) << seen;
 }
 
@@ -480,7 +480,7 @@ TEST_P(EveryParamTest, InterfacesAreAttachedReplacedAndTakenOff) {
     EXPECT_EQ(root->QueryInterface(qx_typeid<IStrange>(), &out), 0);
     EXPECT_EQ(table->RegisterInterface(second, qx_typeid<IStrange>(), 1), 1);
     EXPECT_EQ(table->Release(), 1u);
-    place->root.reset();
+    place->root.Release();
     EXPECT_EQ(CountOf(second), 1u);  // the table went with the node
     first->Release();
     second->Release();
@@ -518,10 +518,10 @@ TEST_P(EveryParamTest, TheSlotsStandInTheirOrder) {
 
 TEST_P(EveryParamTest, WhatTheLastReleaseLeavesIsThereAgain) {
     Plant();
-    place->root.reset();
+    place->root.Release();
     ParamPtr again = place->Reopen();
-    ASSERT_EQ(again != nullptr, kind.keeps);
+    ASSERT_EQ(bool(again), kind.keeps);
     if (again) {
-        EXPECT_EQ(SortedTree(again.get()), "x=5:1 aa{y=5:2 bb{z=5:3}}");
+        EXPECT_EQ(SortedTree(again.Get()), "x=5:1 aa{y=5:2 bb{z=5:3}}");
     }
 }

@@ -19,8 +19,8 @@ std::string Levels(int count, const char* level = "a\\") {
 ParamPtr Chain(int levels) {
     ParamPtr root(new_MemParam());
     ParamPtr node(root->OpenSubParam("a", 1));
-    for (int i = 1; i < levels; ++i) node.reset(node->CreateSubParam("a"));
-    SetInt(node.get(), "leaf", 7);
+    for (int i = 1; i < levels; ++i) node = ParamPtr(node->CreateSubParam("a"));
+    SetInt(node.Get(), "leaf", 7);
     return root;
 }
 
@@ -28,13 +28,13 @@ ParamPtr Chain(int levels) {
 
 TEST(DeepTreeTest, ReleasingATreeWalksDownIt) {
     ParamPtr root = Chain(kManyLevels);
-    OnSmallStack([&] { root.reset(); });
+    OnSmallStack([&] { root.Release(); });
 }
 
 TEST(DeepTreeTest, ClearingANodeWalksDownItsTree) {
     ParamPtr root = Chain(kManyLevels);
     OnSmallStack([&] { root->Clear(); });
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
 }
 
 TEST(DeepTreeTest, DeletingAChildWalksDownItsTree) {
@@ -43,27 +43,27 @@ TEST(DeepTreeTest, DeletingAChildWalksDownItsTree) {
         root->DeleteSubParam("a");
         other->DeleteAllSubParams();
     });
-    EXPECT_EQ(TreeText(root.get()), "");
-    EXPECT_EQ(TreeText(other.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
+    EXPECT_EQ(TreeText(other.Get()), "");
 }
 
 TEST(DeepTreeTest, CreatingAnExistingChildWalksDownItsTree) {
     ParamPtr root = Chain(kManyLevels);
     OnSmallStack([&] { ParamPtr(root->CreateSubParam("a")); });
-    EXPECT_EQ(TreeText(root.get()), "a{}");
+    EXPECT_EQ(TreeText(root.Get()), "a{}");
 }
 
 TEST(DeepTreeTest, APathIsCreatedOpenedAndReadLevelByLevel) {
     ParamPtr root(new_MemParam());
     std::string path = Levels(kManyLevels) + "leaf";
     OnSmallStack([&] {
-        SetInt(ParamPtr(root->CreateSubParam(path.c_str())).get(), "v", 1);
-        EXPECT_EQ(GetInt(root.get(), (path + "\\v").c_str()), 1);
+        SetInt(ParamPtr(root->CreateSubParam(path.c_str())).Get(), "v", 1);
+        EXPECT_EQ(GetInt(root.Get(), (path + "\\v").c_str()), 1);
         EXPECT_TRUE(ParamPtr(root->OpenSubParam(path.c_str(), 0)));
         EXPECT_FALSE(ParamPtr(root->OpenSubParam((path + "\\missing").c_str(), 0)));
-        SetInt(root.get(), (path + "\\w").c_str(), 2);
-        EXPECT_EQ(GetInt(root.get(), (path + "\\w").c_str()), 2);
-        root.reset();
+        SetInt(root.Get(), (path + "\\w").c_str(), 2);
+        EXPECT_EQ(GetInt(root.Get(), (path + "\\w").c_str()), 2);
+        root.Release();
     });
 }
 
@@ -84,8 +84,8 @@ TEST(DeepTreeTest, AHeaderAndAKeyOfEmptyLevelsAreRead) {
         directory.Write("deep.ini", "[\\" + levels + "\r\n" + levels + "=i1\r\n[\\]\r\nk=i5\r\n");
     OnSmallStack([&] {
         ParamPtr root(new_MemParam());
-        EXPECT_EQ(Param_IniFile2Param(path.c_str(), root.get()), 1);
-        EXPECT_EQ(GetInt(root.get(), "k"), 5);
+        EXPECT_EQ(Param_IniFile2Param(path.c_str(), root.Get()), 1);
+        EXPECT_EQ(GetInt(root.Get(), "k"), 5);
     });
 }
 
@@ -93,6 +93,6 @@ TEST(DeepTreeTest, ANodeHeldInTheMiddleLivesOnWithWhatIsBelowIt) {
     ParamPtr root = Chain(1000);
     ParamPtr middle(root->OpenSubParam((Levels(499) + "a").c_str(), 0));
     ASSERT_TRUE(middle);
-    root.reset();
-    EXPECT_EQ(GetInt(middle.get(), (Levels(500) + "leaf").c_str()), 7);
+    root.Release();
+    EXPECT_EQ(GetInt(middle.Get(), (Levels(500) + "leaf").c_str()), 7);
 }

@@ -264,8 +264,8 @@ std::string FrameOf(IQXUnknown* object) {
     if (!object) return "null";
     IQXUnknown* writes = nullptr;
     object->QueryInterface(qx_typeid<IPersistXStream>(), &writes);
-    std::unique_ptr<IXStream, ReleaseObject> stream(new_StreamOnMemory());
-    WriteObjectToXStream(stream.get(), static_cast<IPersistXStream*>(writes));
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
+    WriteObjectToXStream(stream.Get(), static_cast<IPersistXStream*>(writes));
     if (writes) writes->Release();
     std::string bytes(stream->Seek(0, 2), '?');
     stream->Seek(0, 0);
@@ -397,7 +397,7 @@ Tree Read(IParam* node) {
     NamesPtr children(node->EnumSubParams());
     while (children->Next(1, &name, nullptr)) {
         ParamPtr child(node->OpenSubParam(name, 0));
-        Tree below = child ? Read(child.get()) : Tree();
+        Tree below = child ? Read(child.Get()) : Tree();
         below.name = child ? name : std::string(name) + " does not open";
         tree.children.push_back(std::move(below));
     }
@@ -407,7 +407,7 @@ Tree Read(IParam* node) {
 void Write(const Tree& tree, IParam* node) {
     for (const Tree& child : tree.children) {
         ParamPtr made(node->CreateSubParam(child.name.c_str()));
-        if (made) Write(child, made.get());
+        if (made) Write(child, made.Get());
     }
     for (const Value& value : tree.values) node->SetValue(value.name.c_str(), &value.value);
 }

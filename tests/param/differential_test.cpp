@@ -60,7 +60,7 @@ struct KnownPlace {
     // Ends with all nodes released and the place opened again, so that what is read was stored.
     void Settle(Place& place) const {
         if (!Kind().keeps) return;
-        place.root.reset();
+        place.root.Release();
         place.root = place.Reopen();
     }
 };
@@ -102,10 +102,10 @@ bool CarryFile(IParam* from, IParam* to) {
 }
 
 bool CarryStream(IParam* from, IParam* to) {
-    std::unique_ptr<IXStream, ReleaseObject> stream(new_StreamOnMemory());
-    EXPECT_EQ(SaveParamToXStream(stream.get(), from), 1);
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), from), 1);
     stream->Seek(0, 0);
-    EXPECT_EQ(LoadParamFromXStream(stream.get(), to), 1);
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), to), 1);
     return true;
 }
 
@@ -132,10 +132,10 @@ void ExpectTree(const model::Tree& expected, IParam* node) {
 void ExpectCopies(const model::Tree& tree, IParam* root) {
     for (const KnownPlace& to : Places()) {
         std::unique_ptr<Place> second = to.Make();
-        Param_CopyTo(root, second->root.get());
+        Param_CopyTo(root, second->root.Get());
         to.Settle(*second);
         SCOPED_TRACE(to.name);
-        ExpectTree(model::Kept(model::Copied(tree), to.losses), second->root.get());
+        ExpectTree(model::Kept(model::Copied(tree), to.losses), second->root.Get());
     }
 }
 
@@ -144,11 +144,11 @@ void ExpectForms(const model::Tree& tree, IParam* root, unsigned seed) {
     for (const Form& form : Forms()) {
         const KnownPlace& to = Places()[seed++ % Places().size()];
         std::unique_ptr<Place> second = to.Make();
-        if (!form.carry(root, second->root.get())) continue;
+        if (!form.carry(root, second->root.Get())) continue;
         to.Settle(*second);
         SCOPED_TRACE(std::string(form.name) + " into " + to.name);
         const model::Losses& losses = form.valuesFirst ? to.valuesFirst : to.losses;
-        ExpectTree(model::Kept(Carried(tree, form), losses), second->root.get());
+        ExpectTree(model::Kept(Carried(tree, form), losses), second->root.Get());
     }
 }
 
@@ -168,18 +168,18 @@ TEST(DifferentialTest, TreesComeBackFromMemoryTextAndStream) {
     unsigned carried = 0, count = 0;
     ForTrees(10000, kSome, [&](const model::Tree& tree, unsigned) {
         ParamPtr source(new_MemParam()), copy(new_MemParam());
-        model::Write(tree, source.get());
-        ExpectTree(tree, source.get());
-        Param_CopyTo(source.get(), copy.get());
-        ExpectTree(tree, copy.get());
+        model::Write(tree, source.Get());
+        ExpectTree(tree, source.Get());
+        Param_CopyTo(source.Get(), copy.Get());
+        ExpectTree(tree, copy.Get());
         for (const Form& form : Forms()) {
             if (form.carry == CarryFile) continue;
             ParamPtr target(new_MemParam());
             ++count;
-            if (!form.carry(source.get(), target.get())) continue;
+            if (!form.carry(source.Get(), target.Get())) continue;
             ++carried;
             SCOPED_TRACE(form.name);
-            ExpectTree(Carried(tree, form), target.get());
+            ExpectTree(Carried(tree, form), target.Get());
         }
     });
     EXPECT_GT(carried, count * 9 / 10);
@@ -189,17 +189,17 @@ TEST(DifferentialTest, TreesComeBackFromMemoryTextAndStream) {
 TEST(DifferentialTest, TreesComeBackThroughEveryPairOfBackEndsAndForms) {
     ForTrees(200, kFew, [](const model::Tree& tree, unsigned seed) {
         ParamPtr source(new_MemParam());
-        model::Write(tree, source.get());
+        model::Write(tree, source.Get());
         for (const KnownPlace& from : Places()) {
             std::unique_ptr<Place> first = from.Make();
-            Param_CopyTo(source.get(), first->root.get());
+            Param_CopyTo(source.Get(), first->root.Get());
             from.Settle(*first);
             model::Tree inFirst = model::Kept(tree, from.losses);
             SCOPED_TRACE(from.name);
-            ExpectTree(inFirst, first->root.get());
+            ExpectTree(inFirst, first->root.Get());
             bool isMemory = &from == &Places().front();
-            if (!isMemory) ExpectCopies(inFirst, first->root.get());
-            ExpectForms(inFirst, first->root.get(), seed);
+            if (!isMemory) ExpectCopies(inFirst, first->root.Get());
+            ExpectForms(inFirst, first->root.Get(), seed);
             seed += static_cast<unsigned>(Forms().size());
         }
     });

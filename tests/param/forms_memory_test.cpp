@@ -22,15 +22,15 @@ using FormsMemoryTest = IniFileTest;
 TEST_F(FormsMemoryTest, EachOperationOfALiveTreeThrowsAndTheTreeGoesOn) {
     auto make = [&] {
         ParamPtr root = Root();
-        SetInt(root.get(), "node\\child\\x", 1);
-        SetInt(root.get(), "node\\y", 2);
+        SetInt(root.Get(), "node\\child\\x", 1);
+        SetInt(root.Get(), "node\\y", 2);
         return root;
     };
     auto usable = [](ParamPtr& root) {
-        SetInt(root.get(), "later", 7);
-        EXPECT_EQ(GetInt(root.get(), "later"), 7);
-        SetInt(root.get(), "node\\later", 8);
-        EXPECT_EQ(GetInt(root.get(), "node\\later"), 8);
+        SetInt(root.Get(), "later", 7);
+        EXPECT_EQ(GetInt(root.Get(), "later"), 7);
+        SetInt(root.Get(), "node\\later", 8);
+        EXPECT_EQ(GetInt(root.Get(), "node\\later"), 8);
     };
     CQXVariant text("text");
     auto fail = [&](auto act) { EXPECT_GT(FailEachAllocation(make, act, usable), 0u); };
@@ -63,7 +63,7 @@ TEST_F(FormsMemoryTest, PlainValuesOfALiveTreeNeedNoMemory) {
 
 TEST_F(FormsMemoryTest, ANodeThatFindsNoMemoryIsNull) {
     auto make = [&](ParamPtr& root) {
-        root.reset(new_IParamIniFile(file.c_str()));
+        root = ParamPtr(new_IParamIniFile(file.c_str()));
         if (!root) throw CXMemException();  // as FailEachAllocation counts failures
     };
     EXPECT_GT(FailEachAllocation([] { return ParamPtr(); }, make,
@@ -83,7 +83,7 @@ TEST_F(FormsMemoryTest, AWriterLeavesTheTargetAndNothingBesideIt) {
         EXPECT_EQ(search, INVALID_HANDLE_VALUE) << found.cFileName;
         if (search != INVALID_HANDLE_VALUE) FindClose(search);
     };
-    auto write = [&](ParamPtr& tree) { Param_Param2IniFile(tree.get(), file.c_str()); };
+    auto write = [&](ParamPtr& tree) { Param_Param2IniFile(tree.Get(), file.c_str()); };
     EXPECT_GT(FailEachAllocation(make, write, stays), 3u);
     EXPECT_EQ(Content().substr(0, 7), "\r\n[\\]\r\n");
 }
@@ -95,7 +95,7 @@ TEST_F(FormsMemoryTest, ATextThatFindsNoMemoryStaysOrIsWhole) {
     };
     auto make = [] { return std::make_unique<Subject>(); };
     auto write = [](std::unique_ptr<Subject>& subject) {
-        if (!Param_Param2String(subject->tree.get(), subject->text)) throw CXMemException();
+        if (!Param_Param2String(subject->tree.Get(), subject->text)) throw CXMemException();
     };
     auto stays = [](std::unique_ptr<Subject>& subject) { EXPECT_STREQ(subject->text, "old"); };
     EXPECT_GT(FailEachAllocation(make, write, stays), 3u);
@@ -104,12 +104,12 @@ TEST_F(FormsMemoryTest, ATextThatFindsNoMemoryStaysOrIsWhole) {
 TEST_F(FormsMemoryTest, ATreeThatIsReadKeepsWhatCameBefore) {
     auto make = [] { return ParamPtr(new_MemParam()); };
     auto usable = [](ParamPtr& tree) {
-        SetInt(tree.get(), "later", 7);
-        EXPECT_EQ(GetInt(tree.get(), "later"), 7);
+        SetInt(tree.Get(), "later", 7);
+        EXPECT_EQ(GetInt(tree.Get(), "later"), 7);
     };
     CXString text("[\\]|a=i1|[\\b]|c=sx|");
     auto read = [&](ParamPtr& tree) {
-        if (!Param_String2Param(text, tree.get())) throw CXMemException();
+        if (!Param_String2Param(text, tree.Get())) throw CXMemException();
     };
     EXPECT_GT(FailEachAllocation(make, read, usable), 5u);
 }
@@ -117,25 +117,25 @@ TEST_F(FormsMemoryTest, ATreeThatIsReadKeepsWhatCameBefore) {
 TEST_F(FormsMemoryTest, StreamsCopiesAndComparisonsLeakNothing) {
     struct Subject {
         ParamPtr tree = NewTree(), other = ParamPtr(new_MemParam());
-        Ref<IXStream> stream{new_StreamOnMemory()};
+        qx::Reference<IXStream> stream{new_StreamOnMemory()};
     };
     auto make = [] { return std::make_unique<Subject>(); };
     auto saved = [] {
         auto subject = std::make_unique<Subject>();
-        SaveParamToXStream(subject->stream.get(), subject->tree.get());
+        SaveParamToXStream(subject->stream.Get(), subject->tree.Get());
         subject->stream->Seek(0, 0);
         return subject;
     };
     auto usable = [](std::unique_ptr<Subject>& s) {
-        EXPECT_EQ(TreeText(s->tree.get()), "text=10:some text child{deep{x=10:some text}}");
-        SetInt(s->other.get(), "later", 7);
-        EXPECT_EQ(GetInt(s->other.get(), "later"), 7);
+        EXPECT_EQ(TreeText(s->tree.Get()), "text=10:some text child{deep{x=10:some text}}");
+        SetInt(s->other.Get(), "later", 7);
+        EXPECT_EQ(GetInt(s->other.Get(), "later"), 7);
     };
     using S = std::unique_ptr<Subject>;
-    auto save = [](S& s) { SaveParamToXStream(s->stream.get(), s->tree.get()); };
-    auto load = [](S& s) { LoadParamFromXStream(s->stream.get(), s->other.get()); };
-    auto copy = [](S& s) { Param_CopyTo(s->tree.get(), s->other.get()); };
-    auto compare = [](S& s) { Param_Cmp(s->tree.get(), s->tree.get()); };
+    auto save = [](S& s) { SaveParamToXStream(s->stream.Get(), s->tree.Get()); };
+    auto load = [](S& s) { LoadParamFromXStream(s->stream.Get(), s->other.Get()); };
+    auto copy = [](S& s) { Param_CopyTo(s->tree.Get(), s->other.Get()); };
+    auto compare = [](S& s) { Param_Cmp(s->tree.Get(), s->tree.Get()); };
     EXPECT_GT(FailEachAllocation(make, save, usable), 3u);
     EXPECT_GT(FailEachAllocation(saved, load, usable), 5u);
     EXPECT_GT(FailEachAllocation(make, copy, usable), 5u);

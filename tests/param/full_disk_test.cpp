@@ -24,8 +24,8 @@ void FillDisk(unsigned left) {
 TEST(ParamFullDiskTest, ATreeThatFindsNoRoomLeavesTheOldFileAndNothingElse) {
     ASSERT_TRUE(Exists("T:\\")) << "this program is started by tests/file/local/full_disk";
     ParamPtr tree(new_MemParam());
-    SetInt(tree.get(), "old", 1);
-    ASSERT_EQ(Param_Param2IniFile(tree.get(), kFile), 1);
+    SetInt(tree.Get(), "old", 1);
+    ASSERT_EQ(Param_Param2IniFile(tree.Get(), kFile), 1);
     for (int i = 0; i < 200; ++i) {
         CQXVariant text(std::string(2000, 'x').c_str());
         tree->SetValue(("value" + std::to_string(i)).c_str(), &text);
@@ -33,7 +33,7 @@ TEST(ParamFullDiskTest, ATreeThatFindsNoRoomLeavesTheOldFileAndNothingElse) {
     for (unsigned left : {0u, 8192u, 131072u, 262144u}) {
         FillDisk(left);
         try {
-            Param_Param2IniFile(tree.get(), kFile);
+            Param_Param2IniFile(tree.Get(), kFile);
             ADD_FAILURE() << "it was written with " << left << " bytes left";
         } catch (CXFileException& e) {
             // Wine extends a file by a hole, which may then have no page for a byte.
@@ -47,7 +47,7 @@ TEST(ParamFullDiskTest, ATreeThatFindsNoRoomLeavesTheOldFileAndNothingElse) {
         EXPECT_EQ(search, INVALID_HANDLE_VALUE);
         if (search != INVALID_HANDLE_VALUE) FindClose(search);
     }
-    EXPECT_EQ(Param_Param2IniFile(tree.get(), kFile), 1);
+    EXPECT_EQ(Param_Param2IniFile(tree.Get(), kFile), 1);
     EXPECT_GT(ContentOfFile(kFile).size(), 300000u);
     DeleteFileA(kFile);
 }

@@ -32,13 +32,13 @@ protected:
 
 TEST_F(IniDoubleByteTest, AByteThatLooksLikeABackslashDividesNoPath) {
     ParamPtr root = Root();
-    SetInt(root.get(), "\x83\x5C", 1);
-    SetInt(root.get(), "x\x83\x5C\\\x94\x5C", 2);
+    SetInt(root.Get(), "\x83\x5C", 1);
+    SetInt(root.Get(), "x\x83\x5C\\\x94\x5C", 2);
     EXPECT_EQ(Lines(), "[\\]|@=e|\x83\x5C=i1|[\\x\x83\x5C]|@=e|\x94\x5C=i2");
     EXPECT_EQ(NamesText(root->EnumValues()), "@,\x83\x5C");
     EXPECT_EQ(NamesText(root->EnumSubParams()), "x\x83\x5C");
-    EXPECT_EQ(GetInt(root.get(), "\x83\x5C"), 1);
-    EXPECT_EQ(GetInt(root.get(), "x\x83\x5C\\\x94\x5C"), 2);
+    EXPECT_EQ(GetInt(root.Get(), "\x83\x5C"), 1);
+    EXPECT_EQ(GetInt(root.Get(), "x\x83\x5C\\\x94\x5C"), 2);
 }
 
 TEST_F(IniDoubleByteTest, AChildOfOneCharacterIsListed) {
@@ -63,9 +63,9 @@ TEST_F(IniDoubleByteTest, AWholeTreeIsWrittenAndReadBack) {
     CQXVariant text("\x83\x7C\x83\x5C");
     ParamPtr child(tree->CreateSubParam("\x83\x5C\\\x83\x7C"));
     child->SetValue("\x83\x3D\x94\x5C", &text);
-    Param_Param2IniFile(tree.get(), file.c_str());
-    Param_IniFile2Param(file.c_str(), back.get());
-    EXPECT_EQ(TreeText(back.get()), TreeText(tree.get()));
+    Param_Param2IniFile(tree.Get(), file.c_str());
+    Param_IniFile2Param(file.c_str(), back.Get());
+    EXPECT_EQ(TreeText(back.Get()), TreeText(tree.Get()));
     EXPECT_EQ(Content(),
               "\r\n[\\]\r\n\r\n[\\\x83\x5C]\r\n\r\n[\\\x83\x5C\\\x83\x7C]\r\n"
               "\x83\x3D\x94\x5C=s\x83\x7C\x83\x5C\r\n");
@@ -76,8 +76,8 @@ TEST_F(IniCutTest, ALineIsCutAtAWholeCharacter) {
         ParamPtr tree(new_MemParam());
         CQXVariant text(Repeated(5000).c_str());
         tree->SetValue(name, &text);
-        SetInt(tree.get(), "next", 5);
-        Param_Param2IniFile(tree.get(), file.c_str());
+        SetInt(tree.Get(), "next", 5);
+        Param_Param2IniFile(tree.Get(), file.c_str());
         std::string head = std::string("\r\n[\\]\r\n") + name + "=s";
         EXPECT_EQ(Content(), head + Fitting(8189 - strlen(name) - 2) + "\r\nnext=i5\r\n");
     }
@@ -86,7 +86,7 @@ TEST_F(IniCutTest, ALineIsCutAtAWholeCharacter) {
 TEST_F(IniCutTest, AValuesPathIsCutAtAWholeCharacter) {
     ParamPtr root = Root();
     std::string leaf = Repeated(5000);
-    SetInt(root.get(), ("ab\\" + leaf).c_str(), 5);
+    SetInt(root.Get(), ("ab\\" + leaf).c_str(), 5);
     EXPECT_EQ(NamesText(ParamPtr(root->OpenSubParam("ab", 0))->EnumValues()),
               "@," + Fitting(8191 - 3));
 }

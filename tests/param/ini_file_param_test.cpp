@@ -35,10 +35,10 @@ TEST_F(IniFileParamTest, APlainValueIsReadAndWrittenByOneCallOfThePlatform) {
     ReplacedImport read("GetPrivateProfileStringA", reinterpret_cast<void*>(&CountedRead));
     ASSERT_TRUE(write && read);
     g_writes = g_reads = 0;
-    SetInt(root.get(), "x", 5);
+    SetInt(root.Get(), "x", 5);
     EXPECT_EQ(g_writes, 1);
     EXPECT_EQ(g_reads, 0);
-    EXPECT_EQ(GetInt(root.get(), "x"), 5);
+    EXPECT_EQ(GetInt(root.Get(), "x"), 5);
     EXPECT_EQ(root->DeleteValue("x"), 1);
     EXPECT_EQ(g_writes, 2);
     EXPECT_EQ(g_reads, 1);
@@ -58,7 +58,7 @@ TEST_F(IniFileParamTest, AFolderThatCannotBeMadeLeavesANodeThatHoldsNothing) {
     ASSERT_TRUE(root);
     CQXVariant value(5);
     EXPECT_EQ(root->SetValue("a", &value), 0);
-    EXPECT_EQ(GetInt(root.get(), "a"), -1);
+    EXPECT_EQ(GetInt(root.Get(), "a"), -1);
     EXPECT_EQ(NamesText(root->EnumValues()), "");
     EXPECT_EQ(NamesText(root->EnumSubParams()), "");
     ParamPtr(root->CreateSubParam("c"));
@@ -73,21 +73,21 @@ TEST_F(IniFileParamTest, AMarkerThatIsThereIsNotWrittenAgain) {
 
 TEST_F(IniFileParamTest, EnumValuesDeliversTheMarkerLikeAnyOtherKey) {
     ParamPtr root = Root();
-    SetInt(root.get(), "x", 1);
+    SetInt(root.Get(), "x", 1);
     EXPECT_EQ(NamesText(root->EnumValues()), "@,x");
-    EXPECT_EQ(TreeText(root.get()), "@=0: x=5:1");
+    EXPECT_EQ(TreeText(root.Get()), "@=0: x=5:1");
 }
 
 TEST_F(IniFileParamTest, ChildrenAreSectionsByTheirPath) {
     ParamPtr root = Root(), a(root->CreateSubParam("ab")), b(a->CreateSubParam("cd"));
-    SetInt(b.get(), "x", 1);
+    SetInt(b.Get(), "x", 1);
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\ab]|@=e|[\\ab\\cd]|@=e|x=i1");
-    EXPECT_EQ(GetInt(root.get(), "ab\\cd\\x"), 1);
+    EXPECT_EQ(GetInt(root.Get(), "ab\\cd\\x"), 1);
 }
 
 TEST_F(IniFileParamTest, APathInAChildsNameReachesDeeperAndMakesNoSectionBetween) {
     ParamPtr root = Root();
-    SetInt(ParamPtr(root->CreateSubParam("ab\\cd")).get(), "x", 1);
+    SetInt(ParamPtr(root->CreateSubParam("ab\\cd")).Get(), "x", 1);
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\ab\\cd]|@=e|x=i1");
     EXPECT_TRUE(ParamPtr(root->OpenSubParam("ab\\cd", 0)));
     EXPECT_FALSE(ParamPtr(root->OpenSubParam("ab", 0)));
@@ -97,28 +97,28 @@ TEST_F(IniFileParamTest, APathInAChildsNameReachesDeeperAndMakesNoSectionBetween
 
 TEST_F(IniFileParamTest, SetValueOfAPathMakesTheChildAndWritesNothingHere) {
     ParamPtr root = Root();
-    SetInt(root.get(), "ab\\b", 7);
+    SetInt(root.Get(), "ab\\b", 7);
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\ab]|@=e|b=i7");
-    SetInt(root.get(), "ab\\c", 8);
+    SetInt(root.Get(), "ab\\c", 8);
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\ab]|@=e|b=i7|c=i8");
-    SetInt(root.get(), "ab\\cd\\e", 9);
+    SetInt(root.Get(), "ab\\cd\\e", 9);
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\ab]|@=e|b=i7|c=i8|[\\ab\\cd]|@=e|e=i9");
 }
 
 TEST_F(IniFileParamTest, CreateSubParamEmptiesAChildWithAllBelowIt) {
     ParamPtr root = Root();
-    SetInt(root.get(), "ab\\cd\\x", 1);
-    SetInt(root.get(), "ab\\y", 2);
-    SetInt(root.get(), "other\\z", 3);
+    SetInt(root.Get(), "ab\\cd\\x", 1);
+    SetInt(root.Get(), "ab\\y", 2);
+    SetInt(root.Get(), "other\\z", 3);
     ParamPtr(root->CreateSubParam("ab"));
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\other]|@=e|z=i3|[\\ab]|@=e");
 }
 
 TEST_F(IniFileParamTest, DeleteSubParamRemovesItsSectionsAndAMissingOneIsNoError) {
     ParamPtr root = Root();
-    SetInt(root.get(), "ab\\cd\\x", 1);
-    SetInt(root.get(), "abc\\x", 1);
-    SetInt(root.get(), "ab\\y", 1);
+    SetInt(root.Get(), "ab\\cd\\x", 1);
+    SetInt(root.Get(), "abc\\x", 1);
+    SetInt(root.Get(), "ab\\y", 1);
     root->DeleteSubParam("missing");
     root->DeleteSubParam("AB");
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\abc]|@=e|x=i1");
@@ -126,9 +126,9 @@ TEST_F(IniFileParamTest, DeleteSubParamRemovesItsSectionsAndAMissingOneIsNoError
 
 TEST_F(IniFileParamTest, DeleteAllSubParamsKeepsTheValues) {
     ParamPtr root = Root();
-    SetInt(root.get(), "x", 1);
-    SetInt(root.get(), "ab\\cd\\x", 1);
-    SetInt(root.get(), "ef\\x", 1);
+    SetInt(root.Get(), "x", 1);
+    SetInt(root.Get(), "ab\\cd\\x", 1);
+    SetInt(root.Get(), "ef\\x", 1);
     ParamPtr(root->CreateSubParam("ab"));
     root->DeleteAllSubParams();
     EXPECT_EQ(Lines(), "[\\]|@=e|x=i1");
@@ -136,9 +136,9 @@ TEST_F(IniFileParamTest, DeleteAllSubParamsKeepsTheValues) {
 
 TEST_F(IniFileParamTest, DeleteAllValuesWritesTheMarkerAgain) {
     ParamPtr root = Root();
-    SetInt(root.get(), "x", 1);
-    SetInt(root.get(), "", 2);
-    SetInt(root.get(), "ab\\y", 3);
+    SetInt(root.Get(), "x", 1);
+    SetInt(root.Get(), "", 2);
+    SetInt(root.Get(), "ab\\y", 3);
     EXPECT_EQ(Raw("\\", "@"), "i2");
     root->DeleteAllValues();
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\ab]|@=e|y=i3");
@@ -146,21 +146,21 @@ TEST_F(IniFileParamTest, DeleteAllValuesWritesTheMarkerAgain) {
 
 TEST_F(IniFileParamTest, ClearRemovesTheSectionAndOnlyANewNodeBringsTheMarkerBack) {
     ParamPtr root = Root(), child(root->CreateSubParam("ab"));
-    SetInt(child.get(), "cd\\x", 1);
+    SetInt(child.Get(), "cd\\x", 1);
     child->Clear();
     EXPECT_EQ(Lines(), "[\\]|@=e");
     EXPECT_FALSE(ParamPtr(root->OpenSubParam("ab", 0)));
     EXPECT_EQ(NamesText(child->EnumValues()), "");
-    SetInt(child.get(), "y", 2);
+    SetInt(child.Get(), "y", 2);
     EXPECT_EQ(Lines(), "[\\]|@=e|[\\ab]|y=i2");
     ParamPtr again(root->OpenSubParam("ab", 0));
-    EXPECT_EQ(TreeText(again.get()), "y=5:2 @=0:");
+    EXPECT_EQ(TreeText(again.Get()), "y=5:2 @=0:");
 }
 
 TEST_F(IniFileParamTest, ClearOfTheRootRemovesWhatItLists) {
     ParamPtr root = Root();
-    SetInt(root.get(), "x", 1);
-    SetInt(root.get(), "ab\\cd\\x", 1);
+    SetInt(root.Get(), "x", 1);
+    SetInt(root.Get(), "ab\\cd\\x", 1);
     ParamPtr(root->CreateSubParam("ab"));
     Write(Content() + "[foreign]\r\nkey=text\r\n");
     root->Clear();
@@ -197,7 +197,7 @@ TEST_F(IniFileParamTest, EachAncestorIsListedOnceInTheOrderOfTheFile) {
 TEST_F(IniFileParamTest, NamesThatDifferInCaseAreListedBothAndOpenTheSameSection) {
     Write("[\\Node\\x]\r\nv=i1\r\n[\\node\\y]\r\nv=i2\r\n[\\node]\r\nv=i3\r\n");
     EXPECT_EQ(NamesText(Root()->EnumSubParams()), "Node,node");
-    EXPECT_EQ(GetInt(Root().get(), "NODE\\v"), 3);
+    EXPECT_EQ(GetInt(Root().Get(), "NODE\\v"), 3);
     EXPECT_EQ(NamesText(ParamPtr(Root()->OpenSubParam("NODE", 0))->EnumSubParams()), "x,y");
 }
 
@@ -238,7 +238,7 @@ TEST_F(IniFileParamTest, ADelimiterBehindTheRootIsDroppedFromAName) {
 TEST_F(IniFileParamTest, AFileOfAnotherProgramShowsNoTree) {
     Write("; comment\r\n[settings]\r\nkey=hello\r\nnumber=5\r\n");
     ParamPtr root = Root();
-    EXPECT_EQ(TreeText(root.get()), "@=0:");
+    EXPECT_EQ(TreeText(root.Get()), "@=0:");
     EXPECT_EQ(Lines(), "; comment|[settings]|key=hello|number=5|[\\]|@=e");
 }
 
@@ -247,8 +247,8 @@ TEST_F(IniFileParamTest, CommentsAndLinesOfOthersStay) {
         "; head\r\n[\\]\r\n@=e\r\n; about x\r\nx=i1\r\nline without a "
         "value\r\n[other]\r\nkey=1\r\n");
     ParamPtr root = Root();
-    SetInt(root.get(), "x", 2);
-    SetInt(root.get(), "y", 3);
+    SetInt(root.Get(), "x", 2);
+    SetInt(root.Get(), "y", 3);
     EXPECT_EQ(Lines(), "; head|[\\]|@=e|; about x|x=i2|line without a value|y=i3|[other]|key=1");
 }
 
@@ -279,10 +279,10 @@ TEST_F(IniFileParamTest, EachTypeIsStoredAsItsLetterAndText) {
 
 TEST_F(IniFileParamTest, BlobsAndObjectsHaveNoFormAndLeaveTheFileAlone) {
     ParamPtr root = Root();
-    SetInt(root.get(), "k", 1);
+    SetInt(root.Get(), "k", 1);
     std::string before = Content();
     char bytes[] = {1, 2};
-    CQXVariant blob(tagQXBLOB{2, bytes}), object(static_cast<IQXUnknown*>(root.get()));
+    CQXVariant blob(tagQXBLOB{2, bytes}), object(static_cast<IQXUnknown*>(root.Get()));
     EXPECT_EQ(root->SetValue("k", &blob), 0);
     EXPECT_EQ(root->SetValue("k", &object), 0);
     EXPECT_EQ(Content(), before);
@@ -320,19 +320,19 @@ TEST_F(IniFileParamTest, GetValueClearsOnAMissAndNotOnAMissingPath) {
 
 TEST_F(IniFileParamTest, AnEmptyOrNullNameIsTheDefaultName) {
     ParamPtr root = Root();
-    SetInt(root.get(), "", 1);
+    SetInt(root.Get(), "", 1);
     EXPECT_EQ(Lines(), "[\\]|@=i1");
-    SetInt(root.get(), nullptr, 2);
+    SetInt(root.Get(), nullptr, 2);
     EXPECT_EQ(Lines(), "[\\]|@=i2");
-    EXPECT_EQ(GetInt(root.get(), ""), 2);
-    SetInt(root.get(), "ab\\", 3);
+    EXPECT_EQ(GetInt(root.Get(), ""), 2);
+    SetInt(root.Get(), "ab\\", 3);
     EXPECT_EQ(Raw("\\ab", "@"), "i3");
 }
 
 TEST_F(IniFileParamTest, DeleteValueTakesItsNameAsItStands) {
     ParamPtr root = Root();
-    SetInt(root.get(), "x", 1);
-    SetInt(root.get(), "ab\\y", 2);
+    SetInt(root.Get(), "x", 1);
+    SetInt(root.Get(), "ab\\y", 2);
     EXPECT_NE(root->DeleteValue("missing"), 0);
     EXPECT_NE(root->DeleteValue("ab\\y"), 0);
     EXPECT_EQ(Lines(), "[\\]|@=e|x=i1|[\\ab]|@=e|y=i2");
@@ -342,19 +342,19 @@ TEST_F(IniFileParamTest, DeleteValueTakesItsNameAsItStands) {
 
 TEST_F(IniFileParamTest, DeleteValueOfANullNameRemovesTheSection) {
     ParamPtr root = Root(), child(root->CreateSubParam("ab"));
-    SetInt(child.get(), "x", 1);
+    SetInt(child.Get(), "x", 1);
     EXPECT_NE(child->DeleteValue(nullptr), 0);
     EXPECT_EQ(Lines(), "[\\]|@=e");
 }
 
 TEST_F(IniFileParamTest, TwoNodesOverOneFileSeeEachOther) {
     ParamPtr one = Root(), two = Root();
-    SetInt(one.get(), "x", 1);
-    EXPECT_EQ(GetInt(two.get(), "x"), 1);
-    SetInt(two.get(), "ab\\y", 2);
-    EXPECT_EQ(TreeText(one.get()), "@=0: x=5:1 ab{@=0: y=5:2}");
+    SetInt(one.Get(), "x", 1);
+    EXPECT_EQ(GetInt(two.Get(), "x"), 1);
+    SetInt(two.Get(), "ab\\y", 2);
+    EXPECT_EQ(TreeText(one.Get()), "@=0: x=5:1 ab{@=0: y=5:2}");
     Write("[\\]\r\n@=e\r\nx=i9\r\n");
-    EXPECT_EQ(TreeText(two.get()), "@=0: x=5:9");
+    EXPECT_EQ(TreeText(two.Get()), "@=0: x=5:9");
 }
 
 TEST_F(IniFileParamTest, EnumeratorsHoldTheNodeAndAreSnapshots) {
@@ -365,9 +365,9 @@ TEST_F(IniFileParamTest, EnumeratorsHoldTheNodeAndAreSnapshots) {
     EXPECT_EQ(CountOf(root), 3u);
     root->Clear();
     EXPECT_EQ(root->Release(), 2u);
-    EXPECT_EQ(NamesText(values.release()), "@,x");
+    EXPECT_EQ(NamesText(values.Detach()), "@,x");
     EXPECT_EQ(CountOf(root), 1u);
-    EXPECT_EQ(NamesText(children.release()), "ab");
+    EXPECT_EQ(NamesText(children.Detach()), "ab");
 }
 
 TEST_F(IniFileParamTest, AnEmptySectionGivesEmptyEnumerators) {
@@ -387,29 +387,29 @@ TEST_F(IniFileParamTest, OnlyAttachedInterfacesAreAnswered) {
     EXPECT_EQ(root->QueryInterface(qx_typeid<IParam>(), &out), 0);
     EXPECT_EQ(root->QueryInterface(qx_typeid<IQXUnknown>(), &out), 0);
     ASSERT_EQ(root->QueryInterface(qx_typeid<IRegisterIface>(), &out), 1);
-    EXPECT_EQ(CountOf(root.get()), 2u);
-    static_cast<IRegisterIface*>(out)->RegisterInterface(root.get(), qx_typeid<IParam>(), 0);
+    EXPECT_EQ(CountOf(root.Get()), 2u);
+    static_cast<IRegisterIface*>(out)->RegisterInterface(root.Get(), qx_typeid<IParam>(), 0);
     out->Release();
     EXPECT_EQ(root->QueryInterface(qx_typeid<IParam>(), nullptr), 1);
 }
 
 TEST_F(IniFileParamTest, BehindTheInterfaceStandTheListingAndTheParent) {
     ParamPtr root = Root(), child(root->CreateSubParam("ab"));
-    auto list = Slot<CTEnum<const char*>*(IParam*)>(root.get(), 14);
-    auto setParent = Slot<void(IParam*, IParam*)>(child.get(), 15);
-    auto getParent = Slot<IParam*(IParam*)>(child.get(), 16);
-    EXPECT_EQ(NamesText(list(root.get())), "ab");
-    EXPECT_EQ(getParent(root.get()), nullptr);
-    EXPECT_EQ(CountOf(root.get()), 2u);
-    EXPECT_EQ(ParamPtr(getParent(child.get())), root);
-    setParent(child.get(), root.get());
-    EXPECT_EQ(CountOf(root.get()), 2u);
+    auto list = Slot<CTEnum<const char*>*(IParam*)>(root.Get(), 14);
+    auto setParent = Slot<void(IParam*, IParam*)>(child.Get(), 15);
+    auto getParent = Slot<IParam*(IParam*)>(child.Get(), 16);
+    EXPECT_EQ(NamesText(list(root.Get())), "ab");
+    EXPECT_EQ(getParent(root.Get()), nullptr);
+    EXPECT_EQ(CountOf(root.Get()), 2u);
+    EXPECT_EQ(ParamPtr(getParent(child.Get())).Get(), root.Get());
+    setParent(child.Get(), root.Get());
+    EXPECT_EQ(CountOf(root.Get()), 2u);
     ParamPtr other(new_MemParam());
-    setParent(child.get(), other.get());
-    EXPECT_EQ(CountOf(root.get()), 1u);
-    EXPECT_EQ(CountOf(other.get()), 2u);
-    child.reset();
-    EXPECT_EQ(CountOf(other.get()), 1u);
+    setParent(child.Get(), other.Get());
+    EXPECT_EQ(CountOf(root.Get()), 1u);
+    EXPECT_EQ(CountOf(other.Get()), 2u);
+    child.Release();
+    EXPECT_EQ(CountOf(other.Get()), 1u);
 }
 
 TEST_F(IniFileParamTest, AChildHoldsItsParent) {
@@ -417,15 +417,15 @@ TEST_F(IniFileParamTest, AChildHoldsItsParent) {
     ParamPtr child(root->CreateSubParam("ab"));
     EXPECT_EQ(CountOf(root), 2u);
     root->Release();
-    SetInt(child.get(), "x", 1);
-    EXPECT_EQ(GetInt(child.get(), "x"), 1);
+    SetInt(child.Get(), "x", 1);
+    EXPECT_EQ(GetInt(child.Get(), "x"), 1);
     EXPECT_EQ(CountOf(root), 1u);
 }
 
 TEST_F(IniFileParamTest, AChainOfNodesEndsWithItsLastChild) {
     ParamPtr node = Root();
-    for (int i = 0; i < 300; ++i) node.reset(node->CreateSubParam("n"));
-    OnSmallStack([&] { node.reset(); }, 64 * 1024);
+    for (int i = 0; i < 300; ++i) node = ParamPtr(node->CreateSubParam("n"));
+    OnSmallStack([&] { node.Release(); }, 64 * 1024);
 }
 
 TEST_F(IniFileParamTest, ALongTextIsStoredWholeAndAPathHasALimit) {
@@ -437,10 +437,10 @@ TEST_F(IniFileParamTest, ALongTextIsStoredWholeAndAPathHasALimit) {
     EXPECT_TRUE(back == value);
     // A path is cut behind 8191 bytes.
     std::string leaf(9000, 'k');
-    SetInt(root.get(), ("ab\\" + leaf).c_str(), 5);
+    SetInt(root.Get(), ("ab\\" + leaf).c_str(), 5);
     EXPECT_EQ(NamesText(ParamPtr(root->OpenSubParam("ab", 0))->EnumValues()),
               "@," + leaf.substr(0, 8191 - 3));
-    EXPECT_EQ(GetInt(root.get(), ("ab\\" + leaf).c_str()), 5);
+    EXPECT_EQ(GetInt(root.Get(), ("ab\\" + leaf).c_str()), 5);
 }
 
 TEST_F(IniFileParamTest, AListingEndsAtItsLimit) {
@@ -476,6 +476,6 @@ TEST_F(IniFileParamTest, ADirectoryInPlaceOfTheFileHoldsNothing) {
     ParamPtr root = Root();
     CQXVariant value(1);
     EXPECT_EQ(root->SetValue("x", &value), 0);
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
     root->Clear();
 }

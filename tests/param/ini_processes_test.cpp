@@ -55,10 +55,10 @@ protected:
         EXPECT_EQ(Finish(two), 0u);
         int lost = 0;
         ParamPtr tree(new_MemParam());
-        Param_IniFile2Param(file.c_str(), tree.get());
+        Param_IniFile2Param(file.c_str(), tree.Get());
         for (const char* prefix : {"one", "two"}) {
             for (int i = 0; i < kKeys; ++i) {
-                int stored = GetInt(tree.get(), (prefix + std::to_string(i)).c_str());
+                int stored = GetInt(tree.Get(), (prefix + std::to_string(i)).c_str());
                 EXPECT_TRUE(stored == i || stored == -1);
                 lost += stored != i;
             }
@@ -109,7 +109,7 @@ TEST_F(IniProcessesTest, AReadOnlyTargetIsToldAndStays) {
     SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY);
     ParamPtr tree(new_MemParam());
     try {
-        Param_Param2IniFile(tree.get(), file.c_str());
+        Param_Param2IniFile(tree.Get(), file.c_str());
         ADD_FAILURE() << "nothing was thrown";
     } catch (CXException& e) {
         EXPECT_EQ(e.GetCode(), QXERR_ACCESS_DENIED);
@@ -125,10 +125,10 @@ TEST_F(IniProcessesTest, ATargetThatIsHeldIsToldAndStays) {
                               0, nullptr);
     ASSERT_NE(held, INVALID_HANDLE_VALUE);
     ParamPtr tree(new_MemParam());
-    EXPECT_THROW(Param_Param2IniFile(tree.get(), file.c_str()), CXException);
+    EXPECT_THROW(Param_Param2IniFile(tree.Get(), file.c_str()), CXException);
     EXPECT_EQ(Content(), "old");
     CloseHandle(held);
-    EXPECT_EQ(Param_Param2IniFile(tree.get(), file.c_str()), 1);
+    EXPECT_EQ(Param_Param2IniFile(tree.Get(), file.c_str()), 1);
     EXPECT_EQ(Content(), "\r\n[\\]\r\n");
 }
 

@@ -32,12 +32,12 @@ protected:
 
     std::string Read(const std::string& text) {
         TextFile file("ini_reader_test.ini", text);
-        EXPECT_EQ(Param_IniFile2Param(file.name.c_str(), root.get()), 1);
-        return TreeText(root.get());
+        EXPECT_EQ(Param_IniFile2Param(file.name.c_str(), root.Get()), 1);
+        return TreeText(root.Get());
     }
     // What one "key=..." gives in a fresh tree.
     std::string ReadValue(const std::string& value) {
-        root.reset(new_MemParam());
+        root = ParamPtr(new_MemParam());
         return Read("[\\]\r\nkey=" + value + "\r\n");
     }
 };
@@ -78,16 +78,16 @@ CXFileException FailureOfClosing(const char* path, IParam* root) {
 
 TEST_F(IniReaderTest, AFileThatCannotBeClosedIsToldAndWhatItHeldIsRead) {
     TextFile file("ini_reader_test.ini", "[\\]\r\nkey=i5\r\n");
-    EXPECT_EQ(FailureOfClosing(file.name.c_str(), root.get()).code, QXERR_MEMORY);
-    EXPECT_EQ(TreeText(root.get()), "key=5:5");
+    EXPECT_EQ(FailureOfClosing(file.name.c_str(), root.Get()).code, QXERR_MEMORY);
+    EXPECT_EQ(TreeText(root.Get()), "key=5:5");
     EXPECT_EQ(UnmapKeptViews(), 1u);
 }
 
 TEST_F(IniReaderTest, AnIncludedFileThatCannotBeClosedIsToldToo) {
     TextFile file("ini_reader_test.ini", "[\\]\r\n#include part.ini\r\nlate=i1\r\n");
     TextFile part("part.ini", "key=i5\r\n");
-    EXPECT_EQ(FailureOfClosing(file.name.c_str(), root.get()).code, QXERR_MEMORY);
-    EXPECT_EQ(TreeText(root.get()), "key=5:5");
+    EXPECT_EQ(FailureOfClosing(file.name.c_str(), root.Get()).code, QXERR_MEMORY);
+    EXPECT_EQ(TreeText(root.Get()), "key=5:5");
     EXPECT_EQ(UnmapKeptViews(), 2u);
 }
 
@@ -165,7 +165,7 @@ TEST_F(IniReaderTest, AKeyWithAPathFollowsTheTreesRule) {
 }
 
 TEST_F(IniReaderTest, TheTargetIsNotEmptiedFirst) {
-    SetInt(root.get(), "old", 1);
+    SetInt(root.Get(), "old", 1);
     EXPECT_EQ(Read("[\\]\r\nnew=i2\r\n"), "old=5:1 new=5:2");
 }
 
@@ -285,7 +285,7 @@ TEST_F(IniReaderTest, DecimalsReadTheSameUnderACommaLocale) {
     ReadValue("R2.5");
     EXPECT_STREQ(setlocale(LC_ALL, nullptr), inside.c_str());
     setlocale(LC_ALL, before.c_str());
-    EXPECT_EQ(TreeText(root.get()), "key=8:2.5");
+    EXPECT_EQ(TreeText(root.Get()), "key=8:2.5");
 }
 
 // Bounds.
@@ -294,7 +294,7 @@ TEST_F(IniReaderTest, ALineOf8192BytesIsWholeAndALongerOneComesInPieces) {
     // "key=s" and 8187 characters are 8192 bytes; the next piece is a line of its own, a bare key.
     std::string value(8192 - 5, 'v');
     EXPECT_EQ(Read("[\\]\r\nkey=s" + value + "\n"), "key=10:" + value);
-    root.reset(new_MemParam());
+    root = ParamPtr(new_MemParam());
     EXPECT_EQ(Read("[\\]\r\nkey=s" + value + "rest\r\n"), "key=10:" + value + " rest=5:0");
 }
 
@@ -303,23 +303,23 @@ TEST_F(IniReaderTest, AFullLineBeforeALoneLineFeedEndsTheInput) {
     // return it is not.
     std::string value(8192 - 5, 'v');
     EXPECT_EQ(Read("[\\]\nkey=s" + value + "\nk1=i1\n"), "key=10:" + value);
-    root.reset(new_MemParam());
+    root = ParamPtr(new_MemParam());
     EXPECT_EQ(Read("[\\]\nkey=s" + value + "\r\nk1=i1\n"), "key=10:" + value + " k1=5:1");
     // A line feed as byte 8192 ends its own line.
     value.pop_back();
-    root.reset(new_MemParam());
+    root = ParamPtr(new_MemParam());
     EXPECT_EQ(Read("[\\]\nkey=s" + value + "\nk1=i1\n"), "key=10:" + value + " k1=5:1");
 }
 
 TEST_F(IniReaderTest, ALineOfNulCharactersThrowsCode34) {
     TextFile file("ini_reader_nul.ini", std::string("[\\]\r\na1=i1\r\n\0\0\0\nb1=i2\r\n", 24));
     try {
-        Param_IniFile2Param(file.name.c_str(), root.get());
+        Param_IniFile2Param(file.name.c_str(), root.Get());
         ADD_FAILURE();
     } catch (CXException& e) {
         EXPECT_EQ(e.GetCode(), 34);
     }
-    EXPECT_EQ(TreeText(root.get()), "a1=5:1");
+    EXPECT_EQ(TreeText(root.Get()), "a1=5:1");
 }
 
 TEST_F(IniReaderTest, ANulInsideALineEndsItsText) {
@@ -337,7 +337,7 @@ TEST_F(IniReaderTest, ANullTargetAnswersZero) {
 
 TEST_F(IniReaderTest, AFileThatCannotBeOpenedThrows) {
     try {
-        Param_IniFile2Param("no such file.ini", root.get());
+        Param_IniFile2Param("no such file.ini", root.Get());
         ADD_FAILURE();
     } catch (CXFileException& e) {
         EXPECT_EQ(e.GetCode(), 6);
@@ -347,7 +347,7 @@ TEST_F(IniReaderTest, AFileThatCannotBeOpenedThrows) {
 
 TEST_F(IniReaderTest, TheFileIsClosedAfterwards) {
     TextFile file("ini_reader_closed.ini", "[\\]\r\nkey=i1\r\n");
-    Param_IniFile2Param(file.name.c_str(), root.get());
+    Param_IniFile2Param(file.name.c_str(), root.Get());
     EXPECT_EQ(remove(file.name.c_str()), 0);
 }
 
@@ -362,9 +362,9 @@ TEST_F(IniReaderTest, AnIncludeIsReadInPlaceAndCarriesTheSectionThrough) {
 TEST_F(IniReaderTest, AnIncludeMayBeQuotedSpacedAndInAnyCase) {
     TextFile sub("ini_reader_sub.ini", "k1=i1\r\n");
     EXPECT_EQ(Read("[\\]\r\n# include \"ini_reader_sub.ini\"\r\n"), "k1=5:1");
-    root.reset(new_MemParam());
+    root = ParamPtr(new_MemParam());
     EXPECT_EQ(Read("[\\]\r\n#INCLUDE ini_reader_sub.ini\r\n"), "k1=5:1");
-    root.reset(new_MemParam());
+    root = ParamPtr(new_MemParam());
     EXPECT_EQ(Read("[\\]\r\n#include ini_reader_sub.ini behind it\r\n"), "k1=5:1");
 }
 
@@ -395,21 +395,21 @@ TEST_F(IniReaderTest, IncludesNest) {
 TEST_F(IniReaderTest, AMissingIncludeEndsTheWholeReadWithTheFilesException) {
     TextFile file("ini_reader_missing.ini", "[\\]\r\nk1=i1\r\n#include nowhere.ini\r\nk2=i2\r\n");
     try {
-        Param_IniFile2Param(file.name.c_str(), root.get());
+        Param_IniFile2Param(file.name.c_str(), root.Get());
         ADD_FAILURE();
     } catch (CXFileException& e) {
         EXPECT_EQ(e.GetCode(), 6);
         EXPECT_STREQ(e.name, "nowhere.ini");
     }
-    EXPECT_EQ(TreeText(root.get()), "k1=5:1");
+    EXPECT_EQ(TreeText(root.Get()), "k1=5:1");
     EXPECT_EQ(remove(file.name.c_str()), 0);
 }
 
 TEST_F(IniReaderTest, AnArgumentIsCutAtItsFirstBlank) {
     TextFile sub("ini_reader_sub.ini", "k1=i1\r\n");
     TextFile file("ini_reader_blank.ini", "[\\]\r\n#include \"ini_reader_sub.ini and more\"\r\n");
-    EXPECT_EQ(Param_IniFile2Param(file.name.c_str(), root.get()), 1);
-    EXPECT_EQ(TreeText(root.get()), "k1=5:1");
+    EXPECT_EQ(Param_IniFile2Param(file.name.c_str(), root.Get()), 1);
+    EXPECT_EQ(TreeText(root.Get()), "k1=5:1");
 }
 
 TEST_F(IniReaderTest, AnIncludeStandsBesideTheOutermostFile) {
@@ -417,8 +417,8 @@ TEST_F(IniReaderTest, AnIncludeStandsBesideTheOutermostFile) {
     {
         TextFile sub("ini_reader_dir\\sub.ini", "k1=i1\r\n");
         TextFile main("ini_reader_dir\\main.ini", "[\\]\r\n#include sub.ini\r\n");
-        EXPECT_EQ(Param_IniFile2Param(main.name.c_str(), root.get()), 1);
-        EXPECT_EQ(TreeText(root.get()), "k1=5:1");
+        EXPECT_EQ(Param_IniFile2Param(main.name.c_str(), root.Get()), 1);
+        EXPECT_EQ(TreeText(root.Get()), "k1=5:1");
     }
     RemoveDirectoryA("ini_reader_dir");
 }
@@ -431,8 +431,8 @@ TEST_F(IniReaderTest, AnIncludeThatStartsWithADotGetsBothDirectories) {
     {
         TextFile sub("ini_reader_a\\ini_reader_a\\sub.ini", "k1=i1\r\n");
         TextFile main("ini_reader_a\\main.ini", "[\\]\r\n#include .\\sub.ini\r\n");
-        EXPECT_EQ(Param_IniFile2Param(main.name.c_str(), root.get()), 1);
-        EXPECT_EQ(TreeText(root.get()), "k1=5:1");
+        EXPECT_EQ(Param_IniFile2Param(main.name.c_str(), root.Get()), 1);
+        EXPECT_EQ(TreeText(root.Get()), "k1=5:1");
     }
     RemoveDirectoryA("ini_reader_a\\ini_reader_a");
     RemoveDirectoryA("ini_reader_a");

@@ -13,7 +13,7 @@ protected:
     ParamPtr tree{new_MemParam()};
 
     std::string Written() {
-        EXPECT_EQ(Param_Param2IniFile(tree.get(), file.c_str()), 1);
+        EXPECT_EQ(Param_Param2IniFile(tree.Get(), file.c_str()), 1);
         return Content();
     }
     // The value of the line that a value is written as.
@@ -31,8 +31,8 @@ protected:
     std::string ReadBack(const CQXVariant& value) {
         Written(value);
         ParamPtr back(new_MemParam());
-        EXPECT_EQ(Param_IniFile2Param(file.c_str(), back.get()), 1);
-        return TreeText(back.get());
+        EXPECT_EQ(Param_IniFile2Param(file.c_str(), back.Get()), 1);
+        return TreeText(back.Get());
     }
 };
 
@@ -49,11 +49,11 @@ TEST_F(IniWriterTest, AnEmptyTreeIsTheHeaderOfTheRoot) {
 }
 
 TEST_F(IniWriterTest, ValuesComeBeforeChildrenAndChildrenDepthFirst) {
-    SetInt(tree.get(), "z", 1);
-    SetInt(ParamPtr(tree->CreateSubParam("a\\deep\\deeper")).get(), "x", 2);
+    SetInt(tree.Get(), "z", 1);
+    SetInt(ParamPtr(tree->CreateSubParam("a\\deep\\deeper")).Get(), "x", 2);
     ParamPtr(tree->CreateSubParam("b"));
-    SetInt(tree.get(), "y", 3);
-    SetInt(ParamPtr(tree->OpenSubParam("a", 0)).get(), "w", 4);
+    SetInt(tree.Get(), "y", 3);
+    SetInt(ParamPtr(tree->OpenSubParam("a", 0)).Get(), "w", 4);
     EXPECT_EQ(Written(),
               "\r\n[\\]\r\nz=i1\r\ny=i3\r\n\r\n[\\a]\r\nw=i4\r\n\r\n[\\a\\deep]\r\n"
               "\r\n[\\a\\deep\\deeper]\r\nx=i2\r\n\r\n[\\b]\r\n");
@@ -118,15 +118,15 @@ TEST_F(IniWriterTest, DecimalsHaveFourteenDigitsAndAPointInEveryLocale) {
 TEST_F(IniWriterTest, BlobsAndObjectsAreLeftOut) {
     char bytes[] = {1, 2};
     EXPECT_EQ(Written(CQXVariant(tagQXBLOB{2, bytes})), "(left out)");
-    EXPECT_EQ(Written(CQXVariant(static_cast<IQXUnknown*>(tree.get()))), "(left out)");
+    EXPECT_EQ(Written(CQXVariant(static_cast<IQXUnknown*>(tree.Get()))), "(left out)");
     tree->Clear();
 }
 
 TEST_F(IniWriterTest, ValuesThatCannotBeReadAreLeftOut) {
-    SetInt(tree.get(), "a\\b", 5);
+    SetInt(tree.Get(), "a\\b", 5);
     ParamPtr(tree->OpenSubParam("a", 0))->DeleteAllValues();
     EXPECT_EQ(Written(), "\r\n[\\]\r\n\r\n[\\a]\r\n");
-    SetInt(tree.get(), "a\\b", 6);
+    SetInt(tree.Get(), "a\\b", 6);
     EXPECT_EQ(Written(), "\r\n[\\]\r\na\\b=i6\r\n\r\n[\\a]\r\nb=i6\r\n");
 }
 
@@ -150,28 +150,28 @@ TEST_F(IniWriterTest, ASemicolonOrASeparatorInATextIsLostInReading) {
 
 TEST_F(IniWriterTest, WhatTheTargetHeldIsReplaced) {
     Write("[old]\r\nkey=1\r\n");
-    SetInt(tree.get(), "x", 1);
+    SetInt(tree.Get(), "x", 1);
     EXPECT_EQ(Written(), "\r\n[\\]\r\nx=i1\r\n");
 }
 
 TEST_F(IniWriterTest, ATreeOverTheSameFileIsWrittenAsItStands) {
     ParamPtr live = Root();
-    SetInt(live.get(), "ab\\x", 1);
-    EXPECT_EQ(Param_Param2IniFile(live.get(), file.c_str()), 1);
+    SetInt(live.Get(), "ab\\x", 1);
+    EXPECT_EQ(Param_Param2IniFile(live.Get(), file.c_str()), 1);
     EXPECT_EQ(Content(), "\r\n[\\]\r\n@=e\r\n\r\n[\\ab]\r\n@=e\r\nx=i1\r\n");
-    EXPECT_EQ(TreeText(live.get()), "@=0: ab{@=0: x=5:1}");
+    EXPECT_EQ(TreeText(live.Get()), "@=0: ab{@=0: x=5:1}");
 }
 
 TEST_F(IniWriterTest, AListedChildThatCannotBeOpenedIsSkipped) {
     Write("[\\]\r\n@=e\r\n[\\aa\\bb]\r\nx=i1\r\n");
     std::string other = directory.PathOf("other.ini");
-    EXPECT_EQ(Param_Param2IniFile(Root().get(), other.c_str()), 1);
+    EXPECT_EQ(Param_Param2IniFile(Root().Get(), other.c_str()), 1);
     EXPECT_EQ(ContentOfFile(other), "\r\n[\\]\r\n@=e\r\n");
 }
 
 TEST_F(IniWriterTest, AFileThatCannotBeWrittenIsTold) {
     try {
-        Param_Param2IniFile(tree.get(), directory.PathOf("no\\such\\folder.ini").c_str());
+        Param_Param2IniFile(tree.Get(), directory.PathOf("no\\such\\folder.ini").c_str());
         ADD_FAILURE() << "nothing was thrown";
     } catch (CXException& e) {
         EXPECT_EQ(e.GetCode(), QXERR_BAD_NAME);
@@ -189,17 +189,17 @@ TEST_F(IniWriterTest, ALineThatIsTooLongIsCutAndTheNextOneIsWhole) {
     std::string text(9000, 't');
     CQXVariant value(text.c_str());
     tree->SetValue("long", &value);
-    SetInt(tree.get(), "next", 5);
+    SetInt(tree.Get(), "next", 5);
     EXPECT_EQ(Written(), "\r\n[\\]\r\nlong=s" + text.substr(0, 8189 - 6) + "\r\nnext=i5\r\n");
     ParamPtr back(new_MemParam());
-    Param_IniFile2Param(file.c_str(), back.get());
-    EXPECT_EQ(TreeText(back.get()), "long=10:" + text.substr(0, 8189 - 6) + " next=5:5");
+    Param_IniFile2Param(file.c_str(), back.Get());
+    EXPECT_EQ(TreeText(back.Get()), "long=10:" + text.substr(0, 8189 - 6) + " next=5:5");
 }
 
 TEST_F(IniWriterTest, APathThatIsTooLongIsCut) {
     std::string name(6000, 'n'), other(6000, 'm');
-    SetInt(ParamPtr(tree->CreateSubParam((name + "\\" + other).c_str())).get(), "x", 1);
-    SetInt(ParamPtr(tree->CreateSubParam("after")).get(), "y", 2);
+    SetInt(ParamPtr(tree->CreateSubParam((name + "\\" + other).c_str())).Get(), "x", 1);
+    SetInt(ParamPtr(tree->CreateSubParam("after")).Get(), "y", 2);
     std::string path = "\\" + name, below = path + "\\" + other;
     EXPECT_EQ(Written(), "\r\n[\\]\r\n\r\n[" + path + "]\r\n\r\n[" + below.substr(0, 8187) +
                              "]\r\nx=i1\r\n\r\n[\\after]\r\ny=i2\r\n");
@@ -207,9 +207,9 @@ TEST_F(IniWriterTest, APathThatIsTooLongIsCut) {
 
 TEST_F(IniWriterTest, ATreeOfAnyDepthIsWalked) {
     std::string path = Repeated(std::min(3000, kTooManyCalls), "a\\") + "a";
-    SetInt(ParamPtr(tree->CreateSubParam(path.c_str())).get(), "x", 1);
-    OnSmallStack([&] { EXPECT_EQ(Param_Param2IniFile(tree.get(), file.c_str()), 1); });
+    SetInt(ParamPtr(tree->CreateSubParam(path.c_str())).Get(), "x", 1);
+    OnSmallStack([&] { EXPECT_EQ(Param_Param2IniFile(tree.Get(), file.c_str()), 1); });
     ParamPtr back(new_MemParam());
-    Param_IniFile2Param(file.c_str(), back.get());
-    EXPECT_EQ(GetInt(back.get(), (path + "\\x").c_str()), 1);
+    Param_IniFile2Param(file.c_str(), back.Get());
+    EXPECT_EQ(GetInt(back.Get(), (path + "\\x").c_str()), 1);
 }

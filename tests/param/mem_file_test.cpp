@@ -1,8 +1,6 @@
 // The file behind the text form, slot by slot. No export gives one out.
 #include "param/mem_file.h"
 
-#include "support/held.h"
-
 #include <gtest/gtest.h>
 #include <qxcore/exception.h>
 
@@ -32,7 +30,7 @@ std::string Content(CMemFile& file) {
 }  // namespace
 
 TEST(MemFileTest, ANewFileIsEmpty) {
-    Held<CMemFile> file(1024u);
+    auto file = qx::Make<CMemFile>(1024u);
     EXPECT_EQ(file->GetLength(), 0u);
     EXPECT_EQ(file->Tell(), 0u);
     EXPECT_STREQ(file->GetPath(), "MemFile");
@@ -42,7 +40,7 @@ TEST(MemFileTest, ANewFileIsEmpty) {
 }
 
 TEST(MemFileTest, ItAnswersForAFile) {
-    Held<CMemFile> file(1024u);
+    auto file = qx::Make<CMemFile>(1024u);
     EXPECT_EQ(file->QueryInterface(qx_typeid<IXFile>(), nullptr), 1);
     EXPECT_EQ(file->QueryInterface(qx_typeid<IQXUnknown>(), nullptr), 1);
     EXPECT_EQ(file->QueryInterface(qx_typeid<IXOutFile>(), nullptr), 0);

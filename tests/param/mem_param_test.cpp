@@ -23,40 +23,40 @@ unsigned CountOf(IQXUnknown* object) {
 }  // namespace
 
 TEST_F(MemParamTest, ANewRootIsEmptyAndHasOneReference) {
-    EXPECT_EQ(TreeText(root.get()), "");
-    EXPECT_EQ(CountOf(root.get()), 1u);
+    EXPECT_EQ(TreeText(root.Get()), "");
+    EXPECT_EQ(CountOf(root.Get()), 1u);
 }
 
 TEST_F(MemParamTest, AnEmptyOrNullValueNameIsTheDefaultName) {
-    SetInt(root.get(), "", 1);
+    SetInt(root.Get(), "", 1);
     EXPECT_EQ(NamesText(root->EnumValues()), "@");
-    SetInt(root.get(), nullptr, 2);
-    EXPECT_EQ(TreeText(root.get()), "@=5:2");
-    EXPECT_EQ(GetInt(root.get(), "@"), 2);
-    EXPECT_EQ(GetInt(root.get(), ""), 2);
-    EXPECT_EQ(GetInt(root.get(), nullptr), 2);
+    SetInt(root.Get(), nullptr, 2);
+    EXPECT_EQ(TreeText(root.Get()), "@=5:2");
+    EXPECT_EQ(GetInt(root.Get(), "@"), 2);
+    EXPECT_EQ(GetInt(root.Get(), ""), 2);
+    EXPECT_EQ(GetInt(root.Get(), nullptr), 2);
     EXPECT_EQ(root->DeleteValue(nullptr), 1);
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
 }
 
 TEST_F(MemParamTest, NamesDifferingInCaseAreOneValueWithItsFirstSpelling) {
-    SetInt(root.get(), "X", 1);
-    SetInt(root.get(), "x", 2);
-    EXPECT_EQ(TreeText(root.get()), "X=5:2");
+    SetInt(root.Get(), "X", 1);
+    SetInt(root.Get(), "x", 2);
+    EXPECT_EQ(TreeText(root.Get()), "X=5:2");
 }
 
 TEST_F(MemParamTest, ValuesAndChildrenAreTwoNameSpaces) {
-    SetInt(root.get(), "same", 1);
-    SetInt(Create("same").get(), "inner", 2);
-    EXPECT_EQ(TreeText(root.get()), "same=5:1 same{inner=5:2}");
+    SetInt(root.Get(), "same", 1);
+    SetInt(Create("same").Get(), "inner", 2);
+    EXPECT_EQ(TreeText(root.Get()), "same=5:1 same{inner=5:2}");
 }
 
 TEST_F(MemParamTest, NamesComeInTheOrderOfFirstCreationWhichReplacingKeeps) {
-    for (const char* name : {"zeta", "alpha", "mid"}) SetInt(root.get(), name, 1);
-    SetInt(root.get(), "ALPHA", 7);
+    for (const char* name : {"zeta", "alpha", "mid"}) SetInt(root.Get(), name, 1);
+    SetInt(root.Get(), "ALPHA", 7);
     for (const char* name : {"two", "one", "three"}) Create(name);
     Create("ONE");
-    EXPECT_EQ(TreeText(root.get()), "zeta=5:1 alpha=5:7 mid=5:1 two{} one{} three{}");
+    EXPECT_EQ(TreeText(root.Get()), "zeta=5:1 alpha=5:7 mid=5:1 two{} one{} three{}");
 }
 
 TEST_F(MemParamTest, AValueKeepsItsTypeAndIsACopy) {
@@ -75,7 +75,7 @@ TEST_F(MemParamTest, GetValueClearsWhatTheOutVariantHeld) {
     IParam* held = new_MemParam();
     CQXVariant out(static_cast<IQXUnknown*>(held));
     EXPECT_EQ(CountOf(held), 2u);
-    SetInt(root.get(), "a", 5);
+    SetInt(root.Get(), "a", 5);
     EXPECT_EQ(root->GetValue("a", &out), 1);
     EXPECT_EQ(CountOf(held), 1u);
     EXPECT_EQ(ValueText(out), "5:5");
@@ -91,43 +91,43 @@ TEST_F(MemParamTest, AMissAnswersZeroAndLeavesOut) {
 
 TEST_F(MemParamTest, AllVariantTypesAreHeld) {
     char bytes[] = {1, 2, 3};
-    CQXVariant blob(tagQXBLOB{3, bytes}), object(static_cast<IQXUnknown*>(root.get())), out;
+    CQXVariant blob(tagQXBLOB{3, bytes}), object(static_cast<IQXUnknown*>(root.Get())), out;
     ParamPtr other(new_MemParam());
     EXPECT_EQ(other->SetValue("blob", &blob), 1);
     EXPECT_EQ(other->SetValue("object", &object), 1);
-    EXPECT_EQ(CountOf(root.get()), 3u);
+    EXPECT_EQ(CountOf(root.Get()), 3u);
     ASSERT_EQ(other->GetValue("blob", &out), 1);
     EXPECT_TRUE(out == blob);
-    other.reset();
-    EXPECT_EQ(CountOf(root.get()), 2u);
+    other.Release();
+    EXPECT_EQ(CountOf(root.Get()), 2u);
 }
 
 TEST_F(MemParamTest, SetValueWithAPathStoresInTheChildAndUnderTheWholeNameHere) {
-    SetInt(root.get(), "a\\b", 7);
+    SetInt(root.Get(), "a\\b", 7);
     EXPECT_EQ(NamesText(root->EnumValues()), "a\\b");
-    EXPECT_EQ(GetInt(Open("a").get(), "b"), 7);
-    EXPECT_EQ(GetInt(root.get(), "a\\b"), 7);
-    SetInt(Open("a").get(), "b", 8);
-    EXPECT_EQ(GetInt(root.get(), "a\\b"), 8);  // the copy under the whole name is never read
+    EXPECT_EQ(GetInt(Open("a").Get(), "b"), 7);
+    EXPECT_EQ(GetInt(root.Get(), "a\\b"), 7);
+    SetInt(Open("a").Get(), "b", 8);
+    EXPECT_EQ(GetInt(root.Get(), "a\\b"), 8);  // the copy under the whole name is never read
 }
 
 TEST_F(MemParamTest, DeleteValueOfAPathDeletesOnlyTheLiteralKey) {
-    SetInt(root.get(), "a\\b", 7);
+    SetInt(root.Get(), "a\\b", 7);
     EXPECT_EQ(root->DeleteValue("a\\b"), 1);
     EXPECT_EQ(NamesText(root->EnumValues()), "");
-    EXPECT_EQ(GetInt(Open("a").get(), "b"), 7);
+    EXPECT_EQ(GetInt(Open("a").Get(), "b"), 7);
 }
 
 TEST_F(MemParamTest, GetValueSplitsAtTheLastDelimiter) {
-    SetInt(Create("a\\b").get(), "c", 3);
-    EXPECT_EQ(GetInt(root.get(), "a\\b\\c"), 3);
-    EXPECT_EQ(GetInt(root.get(), "A\\B\\C"), 3);
+    SetInt(Create("a\\b").Get(), "c", 3);
+    EXPECT_EQ(GetInt(root.Get(), "a\\b\\c"), 3);
+    EXPECT_EQ(GetInt(root.Get(), "A\\B\\C"), 3);
 }
 
 TEST_F(MemParamTest, AValuePathThatEndsWithADelimiterMeansTheDefaultValue) {
-    SetInt(root.get(), "a\\", 9);
-    EXPECT_EQ(GetInt(Open("a").get(), "@"), 9);
-    EXPECT_EQ(GetInt(root.get(), "a\\"), 9);
+    SetInt(root.Get(), "a\\", 9);
+    EXPECT_EQ(GetInt(Open("a").Get(), "@"), 9);
+    EXPECT_EQ(GetInt(root.Get(), "a\\"), 9);
 }
 
 TEST_F(MemParamTest, DeletingAMissingValueIsNoError) {
@@ -136,52 +136,52 @@ TEST_F(MemParamTest, DeletingAMissingValueIsNoError) {
 }
 
 TEST_F(MemParamTest, DeleteValueTakesANameThatAnEnumeratorDelivered) {
-    SetInt(root.get(), "a", 1);
-    SetInt(root.get(), "b", 2);
+    SetInt(root.Get(), "a", 1);
+    SetInt(root.Get(), "b", 2);
     NamesPtr names(root->EnumValues());
     const char* name;
     while (names->Next(1, &name, nullptr)) root->DeleteValue(name);
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
 }
 
 TEST_F(MemParamTest, CreateSubParamOnAnExistingChildGivesTheSameObjectEmptied) {
     ParamPtr first = Create("a");
-    SetInt(first.get(), "x", 1);
+    SetInt(first.Get(), "x", 1);
     first->CreateSubParam("deep")->Release();
     ParamPtr second = Create("A");
-    EXPECT_EQ(second.get(), first.get());
-    EXPECT_EQ(TreeText(root.get()), "a{}");
+    EXPECT_EQ(second.Get(), first.Get());
+    EXPECT_EQ(TreeText(root.Get()), "a{}");
 }
 
 TEST_F(MemParamTest, CreateSubParamMakesTheWholeChain) {
     ParamPtr leaf = Create("a\\b\\c");
-    SetInt(leaf.get(), "v", 1);
-    EXPECT_EQ(TreeText(root.get()), "a{b{c{v=5:1}}}");
+    SetInt(leaf.Get(), "v", 1);
+    EXPECT_EQ(TreeText(root.Get()), "a{b{c{v=5:1}}}");
 }
 
 TEST_F(MemParamTest, CreateSubParamOfAPathClearsOnlyTheLeaf) {
-    SetInt(Create("a").get(), "kept", 1);
-    SetInt(Create("a\\b").get(), "gone", 1);
+    SetInt(Create("a").Get(), "kept", 1);
+    SetInt(Create("a\\b").Get(), "gone", 1);
     Create("a\\b");
-    EXPECT_EQ(TreeText(root.get()), "a{kept=5:1 b{}}");
+    EXPECT_EQ(TreeText(root.Get()), "a{kept=5:1 b{}}");
 }
 
 TEST_F(MemParamTest, OpenSubParamThatCreatesDropsAMissingFirstLevel) {
     ParamPtr child = Open("a\\b", 1);
     ASSERT_TRUE(child);
-    EXPECT_EQ(TreeText(root.get()), "b{}");
-    EXPECT_EQ(Open("b").get(), child.get());
+    EXPECT_EQ(TreeText(root.Get()), "b{}");
+    EXPECT_EQ(Open("b").Get(), child.Get());
 }
 
 TEST_F(MemParamTest, OpenSubParamThatCreatesKeepsAnExistingFirstLevel) {
     Create("a");
     ParamPtr child = Open("a\\b", 1);
-    EXPECT_EQ(TreeText(root.get()), "a{b{}}");
+    EXPECT_EQ(TreeText(root.Get()), "a{b{}}");
 }
 
 TEST_F(MemParamTest, OpenSubParamDropsEachMissingLevelButTheLast) {
     ParamPtr child = Open("a\\b\\c", 1);
-    EXPECT_EQ(TreeText(root.get()), "b{c{}}");  // "a" is dropped, and CreateSubParam makes the rest
+    EXPECT_EQ(TreeText(root.Get()), "b{c{}}");  // "a" is dropped, and CreateSubParam makes the rest
 }
 
 TEST_F(MemParamTest, OpenSubParamOfAMissingChildIsNullUnlessItCreates) {
@@ -189,83 +189,83 @@ TEST_F(MemParamTest, OpenSubParamOfAMissingChildIsNullUnlessItCreates) {
     EXPECT_FALSE(Open("a\\b"));
     EXPECT_TRUE(Open("a", 1));
     EXPECT_FALSE(Open("a\\b"));
-    EXPECT_EQ(TreeText(root.get()), "a{}");
+    EXPECT_EQ(TreeText(root.Get()), "a{}");
 }
 
 TEST_F(MemParamTest, OpenSubParamGivesAReferenceAndDoesNotClear) {
     ParamPtr child = Create("a");
-    SetInt(child.get(), "x", 1);
-    EXPECT_EQ(CountOf(child.get()), 2u);
+    SetInt(child.Get(), "x", 1);
+    EXPECT_EQ(CountOf(child.Get()), 2u);
     ParamPtr again = Open("a", 1);
-    EXPECT_EQ(CountOf(child.get()), 3u);
-    EXPECT_EQ(TreeText(root.get()), "a{x=5:1}");
+    EXPECT_EQ(CountOf(child.Get()), 3u);
+    EXPECT_EQ(TreeText(root.Get()), "a{x=5:1}");
 }
 
 TEST_F(MemParamTest, DeleteSubParamEmptiesAndRemovesTheChild) {
     ParamPtr held = Create("a");
-    SetInt(held.get(), "x", 1);
+    SetInt(held.Get(), "x", 1);
     root->DeleteSubParam("A");
-    EXPECT_EQ(TreeText(root.get()), "");
-    EXPECT_EQ(TreeText(held.get()), "");
-    EXPECT_EQ(CountOf(held.get()), 1u);
+    EXPECT_EQ(TreeText(root.Get()), "");
+    EXPECT_EQ(TreeText(held.Get()), "");
+    EXPECT_EQ(CountOf(held.Get()), 1u);
     root->DeleteSubParam("missing");
 }
 
 TEST_F(MemParamTest, DeleteSubParamOfAPathEmptiesTheLeafAndLeavesItInPlace) {
-    SetInt(Create("a\\b").get(), "x", 1);
+    SetInt(Create("a\\b").Get(), "x", 1);
     root->DeleteSubParam("a\\b");
-    EXPECT_EQ(TreeText(root.get()), "a{b{}}");
+    EXPECT_EQ(TreeText(root.Get()), "a{b{}}");
 }
 
 TEST_F(MemParamTest, DeleteAllSubParamsLeavesTheValuesAndTheNodeUsable) {
     for (const char* name : {"a", "b", "c"}) Create(name);
-    SetInt(root.get(), "x", 1);
+    SetInt(root.Get(), "x", 1);
     root->DeleteAllSubParams();
-    EXPECT_EQ(TreeText(root.get()), "x=5:1");
+    EXPECT_EQ(TreeText(root.Get()), "x=5:1");
     Create("again");
-    EXPECT_EQ(TreeText(root.get()), "x=5:1 again{}");
+    EXPECT_EQ(TreeText(root.Get()), "x=5:1 again{}");
 }
 
 TEST_F(MemParamTest, DeleteAllValuesLeavesTheChildren) {
-    for (const char* name : {"a", "b", "c"}) SetInt(root.get(), name, 1);
+    for (const char* name : {"a", "b", "c"}) SetInt(root.Get(), name, 1);
     Create("child");
     root->DeleteAllValues();
-    EXPECT_EQ(TreeText(root.get()), "child{}");
-    SetInt(root.get(), "again", 2);
-    EXPECT_EQ(TreeText(root.get()), "again=5:2 child{}");
+    EXPECT_EQ(TreeText(root.Get()), "child{}");
+    SetInt(root.Get(), "again", 2);
+    EXPECT_EQ(TreeText(root.Get()), "again=5:2 child{}");
 }
 
 TEST_F(MemParamTest, ClearEmptiesAndTheNodeStaysUsable) {
-    SetInt(root.get(), "x", 1);
+    SetInt(root.Get(), "x", 1);
     Create("a\\b");
     root->Clear();
-    EXPECT_EQ(TreeText(root.get()), "");
-    SetInt(root.get(), "y", 2);
+    EXPECT_EQ(TreeText(root.Get()), "");
+    SetInt(root.Get(), "y", 2);
     Create("c");
-    EXPECT_EQ(TreeText(root.get()), "y=5:2 c{}");
+    EXPECT_EQ(TreeText(root.Get()), "y=5:2 c{}");
 }
 
 TEST_F(MemParamTest, AChildThatACallerHoldsSurvivesTheParentsClearDetached) {
     ParamPtr child = Create("a");
-    SetInt(child.get(), "x", 1);
+    SetInt(child.Get(), "x", 1);
     root->Clear();
-    EXPECT_EQ(TreeText(child.get()), "x=5:1");
-    SetInt(child.get(), "y", 2);
-    EXPECT_EQ(TreeText(child.get()), "x=5:1 y=5:2");
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(child.Get()), "x=5:1");
+    SetInt(child.Get(), "y", 2);
+    EXPECT_EQ(TreeText(child.Get()), "x=5:1 y=5:2");
+    EXPECT_EQ(TreeText(root.Get()), "");
 }
 
 TEST_F(MemParamTest, AChildSurvivesItsParent) {
     ParamPtr child = Create("a");
-    root.reset();
-    SetInt(child.get(), "x", 1);
-    EXPECT_EQ(TreeText(child.get()), "x=5:1");
+    root.Release();
+    SetInt(child.Get(), "x", 1);
+    EXPECT_EQ(TreeText(child.Get()), "x=5:1");
 }
 
 TEST_F(MemParamTest, AnEnumeratorWalksTheLiveList) {
-    SetInt(root.get(), "a", 1);
+    SetInt(root.Get(), "a", 1);
     NamesPtr names(root->EnumValues());
-    SetInt(root.get(), "b", 2);
+    SetInt(root.Get(), "b", 2);
     const char* delivered[4];
     unsigned fetched = 0;
     EXPECT_EQ(names->Next(4, delivered, &fetched), 1);
@@ -278,53 +278,53 @@ TEST_F(MemParamTest, AnEnumeratorWalksTheLiveList) {
 }
 
 TEST_F(MemParamTest, AnEnumeratorThatOutlivesItsNodeIsAtItsEnd) {
-    SetInt(root.get(), "a", 1);
-    SetInt(root.get(), "b", 1);
+    SetInt(root.Get(), "a", 1);
+    SetInt(root.Get(), "b", 1);
     NamesPtr names(root->EnumValues());
     const char* name;
     EXPECT_EQ(names->Next(1, &name, nullptr), 1);
-    root.reset();
+    root.Release();
     EXPECT_EQ(names->Next(1, &name, nullptr), 0);
     names->Reset();
     EXPECT_EQ(names->Next(1, &name, nullptr), 0);
 }
 
 TEST_F(MemParamTest, AnEnumeratorHeldOverClearIsAtItsEnd) {
-    SetInt(root.get(), "a", 1);
-    SetInt(root.get(), "b", 1);
+    SetInt(root.Get(), "a", 1);
+    SetInt(root.Get(), "b", 1);
     NamesPtr names(root->EnumValues());
     const char* name;
     EXPECT_EQ(names->Next(1, &name, nullptr), 1);
     root->Clear();
-    SetInt(root.get(), "c", 1);
+    SetInt(root.Get(), "c", 1);
     EXPECT_EQ(names->Next(1, &name, nullptr), 0);
     names->Reset();
-    EXPECT_EQ(NamesText(names.release()), "c");
+    EXPECT_EQ(NamesText(names.Detach()), "c");
 }
 
 TEST_F(MemParamTest, AnEnumeratorThatWasNotStartedBeforeClearWalksWhatCameAfterIt) {
-    SetInt(root.get(), "a", 1);
+    SetInt(root.Get(), "a", 1);
     NamesPtr values(root->EnumValues()), children(root->EnumSubParams());
     root->Clear();
     root->DeleteAllSubParams();
-    SetInt(root.get(), "b", 1);
+    SetInt(root.Get(), "b", 1);
     Create("child");
-    EXPECT_EQ(NamesText(values.release()), "b");
-    EXPECT_EQ(NamesText(children.release()), "child");
+    EXPECT_EQ(NamesText(values.Detach()), "b");
+    EXPECT_EQ(NamesText(children.Detach()), "child");
 }
 
 TEST_F(MemParamTest, AnEnumeratorPassesOverNamesThatAreDeletedBeforeIt) {
-    for (const char* name : {"a", "b", "c", "d"}) SetInt(root.get(), name, 1);
+    for (const char* name : {"a", "b", "c", "d"}) SetInt(root.Get(), name, 1);
     NamesPtr names(root->EnumValues());
     const char* name;
     EXPECT_EQ(names->Next(1, &name, nullptr), 1);
     root->DeleteValue("b");
     root->DeleteValue("c");
-    EXPECT_EQ(NamesText(names.release()), "d");
+    EXPECT_EQ(NamesText(names.Detach()), "d");
 }
 
 TEST_F(MemParamTest, AnEnumeratorSkipsNamesAndTellsWhetherOneRemains) {
-    for (const char* name : {"a", "b", "c"}) SetInt(root.get(), name, 1);
+    for (const char* name : {"a", "b", "c"}) SetInt(root.Get(), name, 1);
     NamesPtr names(root->EnumValues());
     EXPECT_EQ(names->Skip(2), 1);
     const char* name;
@@ -346,7 +346,7 @@ TEST_F(MemParamTest, AnEnumeratorIsAnEnumeratorOfTexts) {
 }
 
 TEST_F(MemParamTest, ANameStaysWhileTheEnumeratorThatDeliveredItStandsThere) {
-    for (const char* name : {"first", "second"}) SetInt(root.get(), name, 1);
+    for (const char* name : {"first", "second"}) SetInt(root.Get(), name, 1);
     NamesPtr names(root->EnumValues());
     const char *first, *second;
     EXPECT_EQ(names->Next(1, &first, nullptr), 1);
@@ -363,19 +363,19 @@ TEST_F(MemParamTest, ANodeOfAnySizeFindsEachOfItsNames) {
     auto name = [](int i) { return "name" + std::to_string(i); };
     for (int size : {1, 7, 8, 9, 126, 127, 128, 255, kMost}) {
         root->Clear();
-        for (int i = 0; i < size; ++i) SetInt(root.get(), name(i).c_str(), i);
-        for (int i = 0; i < size; i += 2) SetInt(root.get(), name(i).c_str(), 1000 + i);
+        for (int i = 0; i < size; ++i) SetInt(root.Get(), name(i).c_str(), i);
+        for (int i = 0; i < size; i += 2) SetInt(root.Get(), name(i).c_str(), 1000 + i);
         // From the middle outwards, so that no order favours a chain.
         for (int gone = 0; gone < size; ++gone) {
             for (int i = 0; i < size; i += 1 + size / 16) {
                 int place = (i * 7 + size / 2) % size;
                 bool isGone = (place + size - size / 2) % size < gone;
                 int value = place % 2 ? place : 1000 + place;
-                ASSERT_EQ(GetInt(root.get(), name(place).c_str()), isGone ? -1 : value) << size;
+                ASSERT_EQ(GetInt(root.Get(), name(place).c_str()), isGone ? -1 : value) << size;
             }
             root->DeleteValue(name((gone + size / 2) % size).c_str());
         }
-        EXPECT_EQ(TreeText(root.get()), "");
+        EXPECT_EQ(TreeText(root.Get()), "");
     }
 }
 
@@ -391,8 +391,8 @@ TEST_F(MemParamTest, AValueIsReplacedByOnesOfAnySize) {
             EXPECT_TRUE(out == *value) << size;
             root->SetValue(("new" + std::to_string(size)).c_str(), value);
         }
-        SetInt(root.get(), "v", 5);
-        EXPECT_EQ(GetInt(root.get(), "v"), 5);
+        SetInt(root.Get(), "v", 5);
+        EXPECT_EQ(GetInt(root.Get(), "v"), 5);
     }
 }
 
@@ -410,40 +410,40 @@ TEST_F(MemParamTest, ANullTextAndABlobWithoutDataStayWhatTheyAre) {
 }
 
 TEST_F(MemParamTest, TwoNamesWithOneHashAreOneItem) {
-    SetInt(root.get(), "Boskui", 1);
-    SetInt(root.get(), "cKYGVI", 2);
-    EXPECT_EQ(GetInt(root.get(), "Boskui"), 2);
+    SetInt(root.Get(), "Boskui", 1);
+    SetInt(root.Get(), "cKYGVI", 2);
+    EXPECT_EQ(GetInt(root.Get(), "Boskui"), 2);
     EXPECT_EQ(NamesText(root->EnumValues()), "Boskui");
     // The list compares texts, so the first spelling stays in it when the item goes under the other
     // name.
     root->DeleteValue("cKYGVI");
     EXPECT_EQ(NamesText(root->EnumValues()), "Boskui");
-    EXPECT_EQ(GetInt(root.get(), "Boskui"), -1);
+    EXPECT_EQ(GetInt(root.Get(), "Boskui"), -1);
 }
 
 TEST_F(MemParamTest, QueryInterfaceAnswersWhatIsAttachedAndNothingElse) {
-    IQXUnknown* out = root.get();
+    IQXUnknown* out = root.Get();
     EXPECT_EQ(root->QueryInterface(qx_typeid<IParam>(), &out), 0);
     EXPECT_EQ(out, nullptr);
     EXPECT_EQ(root->QueryInterface(qx_typeid<IQXUnknown>(), &out), 0);
     EXPECT_EQ(root->QueryInterface(qx_typeid<IParam>(), nullptr), 0);
     ASSERT_EQ(root->QueryInterface(qx_typeid<IRegisterIface>(), &out), 1);
     auto table = static_cast<IRegisterIface*>(out);
-    EXPECT_EQ(CountOf(root.get()), 2u);
-    EXPECT_EQ(table->RegisterInterface(root.get(), qx_typeid<IParam>(), 0), 1);
+    EXPECT_EQ(CountOf(root.Get()), 2u);
+    EXPECT_EQ(table->RegisterInterface(root.Get(), qx_typeid<IParam>(), 0), 1);
     EXPECT_EQ(root->QueryInterface(qx_typeid<IParam>(), &out), 1);
-    EXPECT_EQ(out, root.get());
+    EXPECT_EQ(out, root.Get());
     out->Release();
     table->Release();
-    EXPECT_EQ(CountOf(root.get()), 1u);
+    EXPECT_EQ(CountOf(root.Get()), 1u);
 }
 
 TEST_F(MemParamTest, ADoubleByteNameWhoseSecondByteIsABackslashIsNoPath) {
     int before = _getmbcp();
     _setmbcp(932);
-    SetInt(root.get(), "\x83\x5C", 5);
+    SetInt(root.Get(), "\x83\x5C", 5);
     EXPECT_EQ(NamesText(root->EnumValues()), "\x83\x5C");
-    EXPECT_EQ(GetInt(root.get(), "\x83\x5C"), 5);
+    EXPECT_EQ(GetInt(root.Get(), "\x83\x5C"), 5);
     Create("\x83\x5C\\x");
     EXPECT_EQ(NamesText(root->EnumSubParams()), "\x83\x5C");
     _setmbcp(before);
@@ -452,14 +452,14 @@ TEST_F(MemParamTest, ADoubleByteNameWhoseSecondByteIsABackslashIsNoPath) {
 TEST_F(MemParamTest, ALeadByteAtTheEndOfANameDoesNotHideItsEnd) {
     int before = _getmbcp();
     _setmbcp(932);
-    SetInt(root.get(), "a\\b\x83", 5);
-    EXPECT_EQ(GetInt(root.get(), "a\\b\x83"), 5);
+    SetInt(root.Get(), "a\\b\x83", 5);
+    EXPECT_EQ(GetInt(root.Get(), "a\\b\x83"), 5);
     EXPECT_EQ(NamesText(root->EnumSubParams()), "a");
     _setmbcp(before);
 }
 
 TEST_F(MemParamTest, TheSlotsOfANodeStandInTheirOrder) {
-    auto slots = *reinterpret_cast<void***>(root.get());
+    auto slots = *reinterpret_cast<void***>(root.Get());
     using Make = IParam* (*)(IParam*, const char*);
     using Open = IParam* (*)(IParam*, const char*, int);
     using ByName = void (*)(IParam*, const char*);
@@ -467,7 +467,7 @@ TEST_F(MemParamTest, TheSlotsOfANodeStandInTheirOrder) {
     using Names = CTEnum<const char*>* (*)(IParam*);
     using Get = int (*)(IParam*, const char*, tagQXVARIANT*);
     using Set = int (*)(IParam*, const char*, const tagQXVARIANT*);
-    IParam* node = root.get();
+    IParam* node = root.Get();
     ParamPtr(reinterpret_cast<Make>(slots[3])(node, "a"));
     ParamPtr(reinterpret_cast<Open>(slots[4])(node, "b", 1));
     EXPECT_EQ(NamesText(reinterpret_cast<Names>(slots[7])(node)), "a,b");

@@ -10,15 +10,15 @@ namespace {
 
 ParamPtr SmallTree() {
     ParamPtr root(new_MemParam());
-    SetInt(root.get(), "a", 1);
+    SetInt(root.Get(), "a", 1);
     ParamPtr(root->CreateSubParam("child"));
     return root;
 }
 
 void ExpectUsable(ParamPtr& root) {
-    SetInt(root.get(), "later", 7);
-    EXPECT_EQ(GetInt(root.get(), "a"), 1);
-    EXPECT_EQ(GetInt(root.get(), "later"), 7);
+    SetInt(root.Get(), "later", 7);
+    EXPECT_EQ(GetInt(root.Get(), "a"), 1);
+    EXPECT_EQ(GetInt(root.Get(), "later"), 7);
     ParamPtr child(root->OpenSubParam("child", 0));
     ASSERT_TRUE(child);
     // Every name that is enumerated leads to its value or child.
@@ -39,7 +39,7 @@ void ExpectUsable(ParamPtr& root) {
 
 TEST(ParamMemoryTest, ARootThatFindsNoMemoryIsNull) {
     auto make = [](ParamPtr& root) {
-        root.reset(new_MemParam());
+        root = ParamPtr(new_MemParam());
         if (!root) throw CXMemException();  // as FailEachAllocation counts failures
     };
     EXPECT_GT(FailEachAllocation([] { return ParamPtr(); }, make,
@@ -56,7 +56,7 @@ TEST(ParamMemoryTest, StoringAValueStoresItWholeOrNotAtAll) {
 }
 
 TEST(ParamMemoryTest, StoringUnderAPathKeepsTheTreeUsable) {
-    auto store = [](ParamPtr& root) { SetInt(root.get(), "x\\y\\z", 5); };
+    auto store = [](ParamPtr& root) { SetInt(root.Get(), "x\\y\\z", 5); };
     EXPECT_GT(FailEachAllocation(SmallTree, store, ExpectUsable), 0u);
 }
 
@@ -68,7 +68,7 @@ TEST(ParamMemoryTest, CreatingAChainKeepsTheTreeUsable) {
 TEST(ParamMemoryTest, ClearingAndDeletingNeedNoMemory) {
     ParamPtr root = SmallTree();
     ParamPtr(root->CreateSubParam("other"));
-    SetInt(root.get(), "b", 2);
+    SetInt(root.Get(), "b", 2);
     {
         FailingAllocation failing(1);
         root->DeleteValue("b");
@@ -77,7 +77,7 @@ TEST(ParamMemoryTest, ClearingAndDeletingNeedNoMemory) {
         root->Clear();
         EXPECT_FALSE(failing.Happened());
     }
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
 }
 
 TEST(ParamMemoryTest, EnumeratingLeaksNothing) {
@@ -100,7 +100,7 @@ TEST(ParamMemoryTest, ReadingAValueLeavesItWhereItIs) {
     };
     auto stillThere = [](ParamPtr& root) {
         ExpectUsable(root);
-        EXPECT_NE(TreeText(root.get()).find("t=10:some text"), std::string::npos);
+        EXPECT_NE(TreeText(root.Get()).find("t=10:some text"), std::string::npos);
     };
     EXPECT_GT(FailEachAllocation(make, read, stillThere), 1u);
 }
@@ -120,7 +120,7 @@ TEST(ParamMemoryTest, DeletingAllValuesOrChildrenGoesOnWhereItStopped) {
     auto make = [] {
         ParamPtr root(new_MemParam());
         for (const char* name : {"a", "b", "c"}) {
-            SetInt(root.get(), name, 1);
+            SetInt(root.Get(), name, 1);
             ParamPtr(root->CreateSubParam(name));
         }
         return root;
@@ -128,7 +128,7 @@ TEST(ParamMemoryTest, DeletingAllValuesOrChildrenGoesOnWhereItStopped) {
     auto goOn = [](ParamPtr& root) {
         root->DeleteAllValues();
         root->DeleteAllSubParams();
-        EXPECT_EQ(TreeText(root.get()), "");
+        EXPECT_EQ(TreeText(root.Get()), "");
     };
     EXPECT_GT(FailEachAllocation(
                   make, [](ParamPtr& root) { root->DeleteAllValues(); }, goOn),
@@ -145,7 +145,7 @@ TEST(ParamMemoryTest, ReadingIniTextKeepsWhatWasRead) {
     FILE* file = fopen("param_memory_test.ini", "wb");
     fputs("[\\]\r\nb=i2\r\n[\\child\\deep]\r\nt=stext\r\nr=R2.5\r\n[\\child]\r\nc=p1,2\r\n", file);
     fclose(file);
-    auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_test.ini", root.get()); };
+    auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_test.ini", root.Get()); };
     // Opening the file without memory gives no file, and reading no file is 0.
     bool mayDoWithout = true;
     EXPECT_GT(FailEachAllocation(SmallTree, read, ExpectUsable, mayDoWithout), 0u);
@@ -161,7 +161,7 @@ TEST(ParamMemoryTest, ReadingIncludesKeepsWhatWasReadAndClosesTheFiles) {
     write("param_memory_outer.ini",
           "[\\]\r\nb=i2\r\n#include .\\param_memory_inner.ini\r\nc=i3\r\n");
     write("param_memory_inner.ini", "[\\child]\r\nt=stext\r\n");
-    auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_outer.ini", root.get()); };
+    auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_outer.ini", root.Get()); };
     auto check = [](ParamPtr& root) {
         ExpectUsable(root);
         FILE* file = fopen("param_memory_inner.ini", "r+b");  // nobody holds it
@@ -181,7 +181,7 @@ TEST(ParamMemoryTest, ADecimalThatFindsNoMemoryLeavesTheLocaleAsItWas) {
     FILE* file = fopen("param_memory_locale.ini", "wb");
     fputs("[\\]\r\nb=R2.5\r\n", file);
     fclose(file);
-    auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_locale.ini", root.get()); };
+    auto read = [](ParamPtr& root) { Param_IniFile2Param("param_memory_locale.ini", root.Get()); };
     auto check = [&](ParamPtr& root) {
         ExpectUsable(root);
         EXPECT_EQ(setlocale(LC_ALL, nullptr), inside);

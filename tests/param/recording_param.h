@@ -3,7 +3,6 @@
 #define QXCORE_TESTS_PARAM_RECORDING_PARAM_H
 
 #include "param/tree_text.h"
-#include "support/held.h"
 
 #include <functional>
 #include <string>
@@ -84,7 +83,7 @@ private:
         if (!node) return nullptr;
         ParamPtr opened(node);
         if (noChild) return nullptr;
-        auto child = new RecordingParam(opened.release(), m_path + "\\" + name, m_calls);
+        auto child = new RecordingParam(opened.Detach(), m_path + "\\" + name, m_calls);
         child->failAt = failAt;
         return child;
     }

@@ -16,10 +16,10 @@ DWORD OpenHandles() {
 // A key with "a", a text, and "child" with two levels below it.
 struct SmallKey {
     SmallKey() {
-        SetInt(root.get(), "a", 1);
+        SetInt(root.Get(), "a", 1);
         CQXVariant text("some text");
         root->SetValue("text", &text);
-        SetInt(ParamPtr(root->CreateSubParam("child\\deep")).get(), "b", 2);
+        SetInt(ParamPtr(root->CreateSubParam("child\\deep")).Get(), "b", 2);
     }
 
     TestKey key;
@@ -31,7 +31,7 @@ std::unique_ptr<SmallKey> MakeSmallKey() {
 }
 
 void ExpectUsable(std::unique_ptr<SmallKey>& small) {
-    IParam* root = small->root.get();
+    IParam* root = small->root.Get();
     SetInt(root, "later", 7);
     EXPECT_EQ(GetInt(root, "later"), 7);
     ParamPtr(root->CreateSubParam("new"));
@@ -43,7 +43,7 @@ void ExpectUsable(std::unique_ptr<SmallKey>& small) {
 
 unsigned FailEach(void (*act)(IParam* root)) {
     return FailEachAllocation(
-        MakeSmallKey, [act](std::unique_ptr<SmallKey>& small) { act(small->root.get()); },
+        MakeSmallKey, [act](std::unique_ptr<SmallKey>& small) { act(small->root.Get()); },
         ExpectUsable);
 }
 
@@ -53,10 +53,10 @@ TEST(RegistryMemoryTest, AKeyThatFindsNoMemoryForItsNodeIsClosedAndTheFailurePas
     TestKey key;
     ParamPtr(new_IParamCUReg(key.Path().c_str()));
     DWORD before = OpenHandles();
-    unsigned failures =
-        FailEachAllocation([] { return ParamPtr(); },
-                           [&](ParamPtr& root) { root.reset(new_IParamCUReg(key.Path().c_str())); },
-                           [](ParamPtr& root) { EXPECT_FALSE(root); });
+    unsigned failures = FailEachAllocation(
+        [] { return ParamPtr(); },
+        [&](ParamPtr& root) { root = ParamPtr(new_IParamCUReg(key.Path().c_str())); },
+        [](ParamPtr& root) { EXPECT_FALSE(root); });
     EXPECT_GT(failures, 2u);
     EXPECT_EQ(OpenHandles(), before);
 }

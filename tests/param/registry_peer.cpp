@@ -44,7 +44,7 @@ void Write(IParam* node) {
     Put(node, "15 rect", CQXVariant(tagRECT{1, 2, 3, -1}));
     Put(node, "16 rrect", CQXVariant(tagRRECT{0, 1, -2.5, 0}));
     Put(node, "17 blob", CQXVariant(tagQXBLOB{3, bytes}));
-    Put(ParamPtr(node->CreateSubParam("child")).get(), "", CQXVariant(5));
+    Put(ParamPtr(node->CreateSubParam("child")).Get(), "", CQXVariant(5));
 }
 
 void Print(IParam* node) {
@@ -74,11 +74,11 @@ int main(int argc, char** argv) {
     if (!node) return 2;
     std::string verb = argv[1];
     if (verb == "write") {
-        Write(node.get());
+        Write(node.Get());
     } else if (verb == "read") {
-        Print(node.get());
+        Print(node.Get());
     } else if (verb == "fill" && argc == 5) {
-        return Fill(node.get(), argv[3], atoi(argv[4]));
+        return Fill(node.Get(), argv[3], atoi(argv[4]));
     }
     return 0;
 }

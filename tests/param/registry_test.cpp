@@ -44,7 +44,7 @@ TEST_F(RegistryTest, TheTwoHivesAreTheCurrentUserAndTheMachine) {
     TestKey machine(HKEY_LOCAL_MACHINE);
     ParamPtr other(new_IParamLMReg(machine.Path().c_str()));
     ASSERT_TRUE(other);
-    SetInt(other.get(), "v", 1);
+    SetInt(other.Get(), "v", 1);
     EXPECT_EQ(machine.Get("v"), "3:0500000001000000");
     EXPECT_EQ(new_IParamCUReg(machine.Path().c_str()), nullptr);
 }
@@ -66,7 +66,7 @@ TEST_F(RegistryTest, KeysAreOpenedForFullAccess) {
 }
 
 TEST_F(RegistryTest, AKeyWithoutFullAccessIsNotThere) {
-    SetInt(Create("a").get(), "v", 1);
+    SetInt(Create("a").Get(), "v", 1);
     ReplacedImport refused("RegOpenKeyExA", reinterpret_cast<void*>(&Refuse));
     ASSERT_TRUE(refused);
     EXPECT_EQ(new_IParamCUReg(key.Path().c_str()), nullptr);
@@ -83,61 +83,61 @@ TEST_F(RegistryTest, ANodeWhoseHandleMayOnlyReadAnswersAsItsContract) {
         return RegOpenKeyExA(above, name, options, KEY_READ, out);
     };
     Create("a");
-    SetInt(root.get(), "v", 1);
+    SetInt(root.Get(), "v", 1);
     ParamPtr reader;
     {
         ReplacedImport replaced(
             "RegOpenKeyExA",
             reinterpret_cast<void*>(static_cast<decltype(&RegOpenKeyExA)>(reading)));
-        reader.reset(new_IParamCUReg(key.Path().c_str()));
+        reader = ParamPtr(new_IParamCUReg(key.Path().c_str()));
     }
     ASSERT_TRUE(reader);
     CQXVariant two(2);
-    EXPECT_EQ(GetInt(reader.get(), "v"), 1);
+    EXPECT_EQ(GetInt(reader.Get(), "v"), 1);
     EXPECT_EQ(reader->SetValue("v", &two), 1);  // whatever the platform said
-    EXPECT_EQ(GetInt(reader.get(), "v"), 1);
+    EXPECT_EQ(GetInt(reader.Get(), "v"), 1);
     EXPECT_EQ(reader->DeleteValue("v"), ERROR_ACCESS_DENIED);
     reader->DeleteAllValues();
     reader->Clear();
-    EXPECT_EQ(TreeText(root.get()), "v=5:1 a{}");
+    EXPECT_EQ(TreeText(root.Get()), "v=5:1 a{}");
 }
 
 TEST_F(RegistryTest, TwoOpensOfAChildAreTwoObjectsThatSeeEachOthersWrites) {
     ParamPtr first = Create("a"), second = Open("A");
-    ASSERT_NE(first.get(), second.get());
-    SetInt(first.get(), "v", 1);
-    EXPECT_EQ(GetInt(second.get(), "v"), 1);
+    ASSERT_NE(first.Get(), second.Get());
+    SetInt(first.Get(), "v", 1);
+    EXPECT_EQ(GetInt(second.Get(), "v"), 1);
 }
 
 TEST_F(RegistryTest, APathIsThePlatforms) {
-    SetInt(Create("a\\b\\c").get(), "v", 1);
+    SetInt(Create("a\\b\\c").Get(), "v", 1);
     EXPECT_TRUE(key.Has("a\\b\\c"));
     EXPECT_TRUE(Open("a\\b"));
-    SetInt(root.get(), "a\\b", 2);
+    SetInt(root.Get(), "a\\b", 2);
     EXPECT_EQ(key.Get("a\\b"), "3:0500000002000000");
     EXPECT_EQ(NamesText(root->EnumValues()), "a\\b");
 }
 
 TEST_F(RegistryTest, DeletingAChildRemovesADeepSubtreeWhole) {
     for (const char* name : {"a\\b\\c", "a\\b\\d", "a\\e", "kept\\a"})
-        SetInt(Create(name).get(), "v", 1);
-    SetInt(Open("a").get(), "v", 1);
+        SetInt(Create(name).Get(), "v", 1);
+    SetInt(Open("a").Get(), "v", 1);
     root->DeleteSubParam("a");
     EXPECT_FALSE(key.Has("a"));
     EXPECT_TRUE(key.Has("kept\\a"));
 }
 
 TEST_F(RegistryTest, ClearLeavesTheSubkeysEmpty) {
-    for (const char* name : {"a\\b\\c", "d"}) SetInt(Create(name).get(), "v", 1);
-    SetInt(root.get(), "v", 1);
+    for (const char* name : {"a\\b\\c", "d"}) SetInt(Create(name).Get(), "v", 1);
+    SetInt(root.Get(), "v", 1);
     root->Clear();
-    EXPECT_EQ(TreeText(root.get()), "a{b{c{}}} d{}");
+    EXPECT_EQ(TreeText(root.Get()), "a{b{c{}}} d{}");
 }
 
 TEST_F(RegistryTest, CreatingAnExistingChildEmptiesItAndLeavesItsSubkeys) {
-    SetInt(Create("a\\b").get(), "v", 1);
+    SetInt(Create("a\\b").Get(), "v", 1);
     ParamPtr again = Create("a");
-    EXPECT_EQ(TreeText(again.get()), "b{}");
+    EXPECT_EQ(TreeText(again.Get()), "b{}");
 }
 
 TEST_F(RegistryTest, KeysOfManyLevelsAreWalked) {
@@ -145,9 +145,9 @@ TEST_F(RegistryTest, KeysOfManyLevelsAreWalked) {
     for (const char* name : {"cleared", "deleted"}) {
         ParamPtr node = Create(name);
         for (int i = 0; i < kSteps; ++i) {
-            node.reset(node->CreateSubParam("a\\a\\a\\a"));
+            node = ParamPtr(node->CreateSubParam("a\\a\\a\\a"));
             ASSERT_TRUE(node) << i;
-            SetInt(node.get(), "v", 1);
+            SetInt(node.Get(), "v", 1);
         }
     }
     OnSmallStack([&] {
@@ -157,7 +157,7 @@ TEST_F(RegistryTest, KeysOfManyLevelsAreWalked) {
     EXPECT_EQ(NamesText(root->EnumSubParams()), "cleared");
     ParamPtr node = Open("cleared");
     for (int i = 0; i < kSteps; ++i) {
-        node.reset(node->OpenSubParam("a\\a\\a\\a", 0));
+        node = ParamPtr(node->OpenSubParam("a\\a\\a\\a", 0));
         ASSERT_TRUE(node) << i;
         EXPECT_EQ(NamesText(node->EnumValues()), "");
     }
@@ -167,15 +167,15 @@ TEST_F(RegistryTest, KeysOfManyLevelsAreWalked) {
 
 TEST_F(RegistryTest, ANodeOfADeletedKeyAnswersThatThereIsNothing) {
     ParamPtr child = Create("a");
-    SetInt(child.get(), "v", 1);
+    SetInt(child.Get(), "v", 1);
     ASSERT_EQ(RegDeleteKeyA(key.Raw(), "a"), ERROR_SUCCESS);
     CQXVariant out("old"), value(2), text("text");
     EXPECT_EQ(child->GetValue("v", &out), 0);
     EXPECT_EQ(out.type, QXVT_EMPTY);
     child->SetValue("v", &value);
     child->SetValue("v", &text);
-    EXPECT_EQ(ParamPtr(child->CreateSubParam("b")), nullptr);
-    EXPECT_EQ(ParamPtr(child->OpenSubParam("b", 1)), nullptr);
+    EXPECT_FALSE(ParamPtr(child->CreateSubParam("b")));
+    EXPECT_FALSE(ParamPtr(child->OpenSubParam("b", 1)));
     EXPECT_EQ(NamesText(child->EnumValues()), "");
     EXPECT_EQ(NamesText(child->EnumSubParams()), "");
     child->DeleteSubParam("b");
@@ -188,29 +188,29 @@ TEST_F(RegistryTest, ANodeOfADeletedKeyAnswersThatThereIsNothing) {
 
 TEST_F(RegistryTest, NamesOf255CharactersAreNames) {
     std::string longest(255, 'n');
-    SetInt(Create(longest).get(), longest.c_str(), 1);
-    EXPECT_EQ(TreeText(root.get()), longest + "{" + longest + "=5:1}");
+    SetInt(Create(longest).Get(), longest.c_str(), 1);
+    EXPECT_EQ(TreeText(root.Get()), longest + "{" + longest + "=5:1}");
     root->DeleteSubParam(longest.c_str());
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
 }
 
 TEST_F(RegistryTest, AListOfValuesEndsAtANameOfMoreThan512Characters) {
     std::string longest(512, 'n'), longer(513, 'o');
-    SetInt(root.get(), longest.c_str(), 1);
+    SetInt(root.Get(), longest.c_str(), 1);
     EXPECT_EQ(NamesText(root->EnumValues()), longest);
-    SetInt(root.get(), longer.c_str(), 2);
-    EXPECT_EQ(GetInt(root.get(), longer.c_str()), 2);
+    SetInt(root.Get(), longer.c_str(), 2);
+    EXPECT_EQ(GetInt(root.Get(), longer.c_str()), 2);
     std::string listed = NamesText(root->EnumValues());
     EXPECT_EQ(listed.find(longer), std::string::npos);
 }
 
 TEST_F(RegistryTest, ASnapshotIsSafeAgainstChangesAndOutlivesItsNode) {
-    for (const char* name : {"a", "b", "c"}) SetInt(root.get(), name, 1);
+    for (const char* name : {"a", "b", "c"}) SetInt(root.Get(), name, 1);
     NamesPtr names(root->EnumValues());
-    SetInt(root.get(), "d", 1);
+    SetInt(root.Get(), "d", 1);
     root->DeleteAllValues();
-    root.reset();
-    EXPECT_EQ(NamesText(names.release()), "a,b,c");
+    root.Release();
+    EXPECT_EQ(NamesText(names.Detach()), "a,b,c");
 }
 
 TEST_F(RegistryTest, ASnapshotHoldsThousandsOfNames) {
@@ -233,7 +233,7 @@ TEST_F(RegistryTest, ASnapshotHoldsThousandsOfNames) {
 }
 
 TEST_F(RegistryTest, ASnapshotSkipsWithoutACheckAndDeliversNothingWithoutAPlace) {
-    for (const char* name : {"a", "b"}) SetInt(root.get(), name, 1);
+    for (const char* name : {"a", "b"}) SetInt(root.Get(), name, 1);
     NamesPtr names(root->EnumValues());
     const char* name = nullptr;
     EXPECT_EQ(names->Next(1, nullptr, nullptr), 0);
@@ -249,16 +249,16 @@ TEST_F(RegistryTest, ASnapshotSkipsWithoutACheckAndDeliversNothingWithoutAPlace)
 TEST_F(RegistryTest, QueryInterfaceAnswersTheNodeForIParam) {
     IQXUnknown* out = nullptr;
     ASSERT_EQ(root->QueryInterface(qx_typeid<IParam>(), &out), 1);
-    EXPECT_EQ(static_cast<IParam*>(out), root.get());
+    EXPECT_EQ(static_cast<IParam*>(out), root.Get());
     EXPECT_EQ(out->Release(), 1u);
 }
 
 TEST_F(RegistryTest, NothingStaysOpen) {
-    SetInt(Create("a\\b\\c").get(), "v", 1);
+    SetInt(Create("a\\b\\c").Get(), "v", 1);
     root->DeleteAllSubParams();
     DWORD before = OpenHandles();
     for (int i = 0; i < 20; ++i) {
-        SetInt(Create("a\\b\\c").get(), "v", 1);
+        SetInt(Create("a\\b\\c").Get(), "v", 1);
         Create("a\\b");
         Open("a", 1);
         Open("missing");

@@ -101,9 +101,9 @@ TEST_F(RegistryValueTest, ANullTextIsAnEmptyOne) {
 }
 
 TEST_F(RegistryValueTest, AnObjectIsASilentNoOpAndSoIsACodeWithoutARow) {
-    SetInt(root.get(), "v", 1);
+    SetInt(root.Get(), "v", 1);
     std::string before = key.Get("v");
-    CQXVariant object(static_cast<IQXUnknown*>(root.get()));
+    CQXVariant object(static_cast<IQXUnknown*>(root.Get()));
     EXPECT_EQ(root->SetValue("v", &object), 0);
     for (unsigned short type : {19, 0x100, 0x4000, 0xFFFF}) {
         tagQXVARIANT strange = {};
@@ -228,11 +228,11 @@ TEST_F(RegistryValueTest, TheDefaultValueOfAKeyIsTheValueWithoutAName) {
     EXPECT_EQ(root->GetValue(nullptr, &out), 1);
     EXPECT_EQ(ValueText(out), "10:default");
     EXPECT_EQ(root->GetValue("@", &out), 0);  // a name like others here
-    SetInt(root.get(), "@", 4);
+    SetInt(root.Get(), "@", 4);
     NamesPtr names(root->EnumValues());
     const char* listed[3];
     unsigned count = 0;
     names->Next(3, listed, &count);
     EXPECT_EQ(count, 2u);
-    EXPECT_EQ(GetInt(root.get(), "@"), 4);
+    EXPECT_EQ(GetInt(root.Get(), "@"), 4);
 }

@@ -7,32 +7,32 @@
 
 namespace {
 
-using StoragePtr = std::unique_ptr<IXStorage, ReleaseObject>;
+using StoragePtr = qx::Reference<IXStorage>;
 
 // "a", a text, and "child" with a level below it.
 ParamPtr SmallTree() {
     StoragePtr storage(new_Storage(nullptr, 0));
-    ParamPtr root(new_IXStorParam(storage.get()));
-    SetInt(root.get(), "a", 1);
+    ParamPtr root(new_IXStorParam(storage.Get()));
+    SetInt(root.Get(), "a", 1);
     CQXVariant text("some text");
     root->SetValue("text", &text);
-    SetInt(ParamPtr(root->CreateSubParam("child\\deep")).get(), "b", 2);
+    SetInt(ParamPtr(root->CreateSubParam("child\\deep")).Get(), "b", 2);
     return root;
 }
 
 void ExpectUsable(ParamPtr& root) {
-    SetInt(root.get(), "later", 7);
-    EXPECT_EQ(GetInt(root.get(), "later"), 7);
+    SetInt(root.Get(), "later", 7);
+    EXPECT_EQ(GetInt(root.Get(), "later"), 7);
     EXPECT_TRUE(ParamPtr(root->CreateSubParam("new")));
     root->DeleteAllSubParams();
     root->DeleteAllValues();
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
 }
 
 // What cannot be had is swallowed, so an operation does without instead of throwing.
 unsigned FailEach(void (*act)(IParam* root)) {
     return FailEachAllocation(
-        SmallTree, [act](ParamPtr& root) { act(root.get()); }, ExpectUsable, true);
+        SmallTree, [act](ParamPtr& root) { act(root.Get()); }, ExpectUsable, true);
 }
 
 void Swallow(CTEnum<const char*>* names) {
@@ -44,7 +44,7 @@ void Swallow(CTEnum<const char*>* names) {
 TEST(StorageParamMemoryTest, ARootThatFindsNoMemoryIsNullAndHoldsNothing) {
     StoragePtr storage(new_Storage(nullptr, 0));
     auto make = [&](ParamPtr& root) {
-        root.reset(new_IXStorParam(storage.get()));
+        root = ParamPtr(new_IXStorParam(storage.Get()));
         if (!root) throw CXMemException();  // as FailEachAllocation counts failures
     };
     EXPECT_GT(FailEachAllocation([] { return ParamPtr(); }, make,

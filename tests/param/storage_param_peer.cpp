@@ -9,16 +9,16 @@
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
     bool writes = strcmp(argv[1], "write") == 0;
-    std::unique_ptr<IXStorage, ReleaseObject> storage(
-        writes ? new_Storage(argv[2], QXSTG_TRANSACTED) : open_Storage(argv[2], 1));
-    ParamPtr root(new_IXStorParam(storage.get()));
+    qx::Reference<IXStorage> storage(writes ? new_Storage(argv[2], QXSTG_TRANSACTED)
+                                            : open_Storage(argv[2], 1));
+    ParamPtr root(new_IXStorParam(storage.Get()));
     if (!writes) {
-        puts(TreeText(root.get()).c_str());
+        puts(TreeText(root.Get()).c_str());
         return 0;
     }
     char bytes[] = {1, 0, 2};
     CQXVariant text("some text"), blob(tagQXBLOB{3, bytes}), real(-2.5);
-    SetInt(root.get(), "", 42);
+    SetInt(root.Get(), "", 42);
     root->SetValue("text", &text);
     ParamPtr leaf(root->CreateSubParam("a child\\leaf"));
     leaf->SetValue("blob", &blob);

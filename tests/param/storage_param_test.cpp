@@ -16,13 +16,13 @@ namespace {
 struct ReleaseOle {
     void operator()(::IUnknown* object) const { object->Release(); }
 };
-using StoragePtr = std::unique_ptr<IXStorage, ReleaseObject>;
-using StreamPtr = std::unique_ptr<IXStream, ReleaseObject>;
+using StoragePtr = qx::Reference<IXStorage>;
+using StreamPtr = qx::Reference<IXStream>;
 
 class StorageParamTest : public testing::Test {
 protected:
     StoragePtr storage{new_Storage(nullptr, 0)};
-    ParamPtr root{new_IXStorParam(storage.get())};
+    ParamPtr root{new_IXStorParam(storage.Get())};
 
     ParamPtr Create(const char* name) { return ParamPtr(root->CreateSubParam(name)); }
     ParamPtr Open(const char* name, int create = 0) {
@@ -96,14 +96,14 @@ public:
 TEST_F(StorageParamTest, TheNodeAnswersItsStorageForIXStorage) {
     IQXUnknown* out = nullptr;
     ASSERT_EQ(root->QueryInterface(qx_typeid<IXStorage>(), &out), 1);
-    EXPECT_EQ(out, storage.get());
+    EXPECT_EQ(out, storage.Get());
     out->Release();
 }
 
 TEST_F(StorageParamTest, TheCallerKeepsHisReferenceAndTheNodeTakesOne) {
-    EXPECT_EQ(CountOf(storage.get()), 2u);
-    root.reset();
-    EXPECT_EQ(CountOf(storage.get()), 1u);
+    EXPECT_EQ(CountOf(storage.Get()), 2u);
+    root.Release();
+    EXPECT_EQ(CountOf(storage.Get()), 1u);
 }
 
 TEST_F(StorageParamTest, AValueIsAStreamOfOneVariant) {
@@ -127,7 +127,7 @@ TEST_F(StorageParamTest, AValueIsAStreamOfOneVariant) {
     for (const Row& row : rows) {
         std::string name = "type " + std::to_string(row.value.type);
         EXPECT_EQ(root->SetValue(name.c_str(), &row.value), 1);
-        EXPECT_EQ(HexOf(storage.get(), name.c_str()), row.bytes) << name;
+        EXPECT_EQ(HexOf(storage.Get(), name.c_str()), row.bytes) << name;
         CQXVariant out(77);
         EXPECT_EQ(root->GetValue(name.c_str(), &out), 1) << name;
         EXPECT_TRUE(out == row.value) << name;
@@ -138,7 +138,7 @@ TEST_F(StorageParamTest, AnObjectComesBackAlsoWhenNobodyKnowsItsClass) {
     auto thing = new CThing;
     CQXVariant value(static_cast<IQXUnknown*>(thing)), out;
     EXPECT_EQ(root->SetValue("object", &value), 1);
-    std::string stored = HexOf(storage.get(), "object");
+    std::string stored = HexOf(storage.Get(), "object");
     EXPECT_EQ(stored, "1200" + Hex(std::string("TestThing", 10)) + "0400000004030201");
     ASSERT_EQ(root->GetValue("object", &out), 1);
     ASSERT_EQ(out.type, QXVT_UNKNOWN);
@@ -147,24 +147,24 @@ TEST_F(StorageParamTest, AnObjectComesBackAlsoWhenNobodyKnowsItsClass) {
     EXPECT_STREQ(static_cast<IPersistXStream*>(found)->GetClassName(), "TestThing");
     found->Release();
     EXPECT_EQ(root->SetValue("copy", &out), 1);
-    EXPECT_EQ(HexOf(storage.get(), "copy"), stored);
+    EXPECT_EQ(HexOf(storage.Get(), "copy"), stored);
     thing->Release();
 }
 
 TEST_F(StorageParamTest, AnEmptyNameMakesTheStreamOfTheDefaultName) {
-    SetInt(root.get(), "", 1);
-    EXPECT_EQ(HexOf(storage.get(), "@"), "050001000000");
+    SetInt(root.Get(), "", 1);
+    EXPECT_EQ(HexOf(storage.Get(), "@"), "050001000000");
     EXPECT_EQ(root->DeleteValue(""), 0);
     EXPECT_EQ(root->DeleteValue(nullptr), 0);
     EXPECT_EQ(root->DeleteValue("@"), 1);
-    EXPECT_EQ(HexOf(storage.get(), "@"), "none");
+    EXPECT_EQ(HexOf(storage.Get(), "@"), "none");
 }
 
 TEST_F(StorageParamTest, AShorterValueKeepsTheRestOfTheLongerOneBehindIt) {
     CQXVariant text("abc"), out;
     root->SetValue("v", &text);
-    SetInt(root.get(), "v", 1);
-    EXPECT_EQ(HexOf(storage.get(), "v"),
+    SetInt(root.Get(), "v", 1);
+    EXPECT_EQ(HexOf(storage.Get(), "v"),
               "050001000000"
               "61626300");
     EXPECT_EQ(root->GetValue("v", &out), 1);
@@ -172,17 +172,17 @@ TEST_F(StorageParamTest, AShorterValueKeepsTheRestOfTheLongerOneBehindIt) {
 }
 
 TEST_F(StorageParamTest, BytesThatAreNoVariantReadAsMissing) {
-    PutBytes(storage.get(), "empty", "");
-    PutBytes(storage.get(), "unknown", std::string("\x13\0\1\2\3\4", 6));
-    PutBytes(storage.get(), "blob", std::string("\x11\0\xff\xff\xff\xff", 6));
-    PutBytes(storage.get(), "half blob", std::string("\x11\0", 2));
-    PutBytes(storage.get(), "object", std::string("\x12\0name", 6));
+    PutBytes(storage.Get(), "empty", "");
+    PutBytes(storage.Get(), "unknown", std::string("\x13\0\1\2\3\4", 6));
+    PutBytes(storage.Get(), "blob", std::string("\x11\0\xff\xff\xff\xff", 6));
+    PutBytes(storage.Get(), "half blob", std::string("\x11\0", 2));
+    PutBytes(storage.Get(), "object", std::string("\x12\0name", 6));
     for (const char* name : {"empty", "unknown", "blob", "half blob", "object"}) {
         CQXVariant out("old");
         EXPECT_EQ(root->GetValue(name, &out), 0) << name;
     }
-    PutBytes(storage.get(), "short", std::string("\5\0\x2a", 3));
-    EXPECT_EQ(GetInt(root.get(), "short"), 42);
+    PutBytes(storage.Get(), "short", std::string("\5\0\x2a", 3));
+    EXPECT_EQ(GetInt(root.Get(), "short"), 42);
 }
 
 TEST_F(StorageParamTest, AMissingNameClearsAndAMissingLevelKeepsTheVariant) {
@@ -195,21 +195,21 @@ TEST_F(StorageParamTest, AMissingNameClearsAndAMissingLevelKeepsTheVariant) {
 
 TEST_F(StorageParamTest, OpeningAPathCreatesItsFirstLevelAlone) {
     EXPECT_FALSE(Open("a\\b", 1));
-    EXPECT_EQ(TreeText(root.get()), "a{}");
+    EXPECT_EQ(TreeText(root.Get()), "a{}");
     Create("a\\b");
     EXPECT_TRUE(Open("a\\b", 1));
-    EXPECT_EQ(TreeText(root.get()), "a{b{}}");
+    EXPECT_EQ(TreeText(root.Get()), "a{b{}}");
 }
 
 TEST_F(StorageParamTest, AValueOfAPathStandsInTheChildOnly) {
-    SetInt(root.get(), "a\\b", 7);
+    SetInt(root.Get(), "a\\b", 7);
     EXPECT_EQ(NamesText(storage->EnumStreams()), "");
     StoragePtr a(storage->OpenStorage("a"));
-    EXPECT_EQ(HexOf(a.get(), "b"), "050007000000");
+    EXPECT_EQ(HexOf(a.Get(), "b"), "050007000000");
 }
 
 TEST_F(StorageParamTest, ADeletedChildIsGoneFromTheStorage) {
-    SetInt(Create("a\\b").get(), "v", 1);
+    SetInt(Create("a\\b").Get(), "v", 1);
     Create("c");
     root->DeleteSubParam("a");
     EXPECT_EQ(NamesText(storage->EnumStorages()), "c");
@@ -219,19 +219,19 @@ TEST_F(StorageParamTest, ADeletedChildIsGoneFromTheStorage) {
 
 TEST_F(StorageParamTest, AHeldChildIsNotOpenedAgainAndIsReplacedWhereItIsCreated) {
     ParamPtr held = Create("a");
-    SetInt(held.get(), "v", 1);
+    SetInt(held.Get(), "v", 1);
     EXPECT_FALSE(Open("a"));
     root->DeleteSubParam("a");
-    EXPECT_EQ(GetInt(held.get(), "v"), 1);
+    EXPECT_EQ(GetInt(held.Get(), "v"), 1);
     ParamPtr second = Open("a", 1);
     ASSERT_TRUE(second);
-    EXPECT_EQ(TreeText(second.get()), "");
-    EXPECT_EQ(GetInt(held.get(), "v"), -1);  // its storage is not in the file any more
-    SetInt(held.get(), "v", 2);
+    EXPECT_EQ(TreeText(second.Get()), "");
+    EXPECT_EQ(GetInt(held.Get(), "v"), -1);  // its storage is not in the file any more
+    SetInt(held.Get(), "v", 2);
     held->Clear();
-    held.reset();
-    SetInt(second.get(), "w", 3);
-    EXPECT_EQ(GetInt(second.get(), "w"), 3);
+    held.Release();
+    SetInt(second.Get(), "w", 3);
+    EXPECT_EQ(GetInt(second.Get(), "w"), 3);
 }
 
 TEST_F(StorageParamTest, APathOfManyLevelsIsWalkedDownAndClosedUpwards) {
@@ -239,8 +239,8 @@ TEST_F(StorageParamTest, APathOfManyLevelsIsWalkedDownAndClosedUpwards) {
     std::string path;
     for (int i = 0; i < kLevels; ++i) path += "a\\";
     OnSmallStack([&] {
-        SetInt(Create((path + "leaf").c_str()).get(), "v", 1);
-        EXPECT_EQ(GetInt(root.get(), (path + "leaf\\v").c_str()), 1);
+        SetInt(Create((path + "leaf").c_str()).Get(), "v", 1);
+        EXPECT_EQ(GetInt(root.Get(), (path + "leaf\\v").c_str()), 1);
     });
     OnSmallStack([&] { EXPECT_FALSE(Open((path + "missing").c_str())); });
     EXPECT_TRUE(Open((path + "leaf").c_str()));
@@ -249,20 +249,20 @@ TEST_F(StorageParamTest, APathOfManyLevelsIsWalkedDownAndClosedUpwards) {
 TEST_F(StorageParamTest, AParentIsHeldByItsChild) {
     ParamPtr child = Create("a");
     constexpr int kFirstOwnSlot = 14 + kDestructorSlots;
-    auto getParent = Slot<IParam*(IParam*)>(child.get(), kFirstOwnSlot + 4);
-    EXPECT_EQ(CountOf(root.get()), 2u);
-    ParamPtr parent(getParent(child.get()));
-    EXPECT_EQ(parent.get(), root.get());
-    EXPECT_EQ(CountOf(root.get()), 3u);
-    EXPECT_EQ(Slot<IParam*(IParam*)>(root.get(), kFirstOwnSlot + 4)(root.get()), nullptr);
-    parent.reset();
-    child.reset();
-    EXPECT_EQ(CountOf(root.get()), 1u);
+    auto getParent = Slot<IParam*(IParam*)>(child.Get(), kFirstOwnSlot + 4);
+    EXPECT_EQ(CountOf(root.Get()), 2u);
+    ParamPtr parent(getParent(child.Get()));
+    EXPECT_EQ(parent.Get(), root.Get());
+    EXPECT_EQ(CountOf(root.Get()), 3u);
+    EXPECT_EQ(Slot<IParam*(IParam*)>(root.Get(), kFirstOwnSlot + 4)(root.Get()), nullptr);
+    parent.Release();
+    child.Release();
+    EXPECT_EQ(CountOf(root.Get()), 1u);
 }
 
 TEST_F(StorageParamTest, TheSlotsBehindThoseOfIParamStandInTheirOrder) {
     constexpr int kFirst = 14 + kDestructorSlots;
-    IParam* node = root.get();
+    IParam* node = root.Get();
     // The template's own count starts at 1 and is another one than the public count.
     EXPECT_EQ(Slot<unsigned(IParam*)>(node, kFirst)(node), 2u);
     EXPECT_EQ(Slot<unsigned(IParam*)>(node, kFirst + 1)(node), 1u);
@@ -271,11 +271,11 @@ TEST_F(StorageParamTest, TheSlotsBehindThoseOfIParamStandInTheirOrder) {
     EXPECT_EQ(Slot<Query>(node, kFirst + 2)(node, qx_typeid<IParam>(), nullptr), 1);
     EXPECT_EQ(Slot<Query>(node, kFirst + 2)(node, qx_typeid<IXStorage>(), nullptr), 0);
     ParamPtr parent(new_MemParam());
-    Slot<void(IParam*, IParam*)>(node, kFirst + 3)(node, parent.get());
-    EXPECT_EQ(CountOf(parent.get()), 2u);
-    EXPECT_EQ(ParamPtr(Slot<IParam*(IParam*)>(node, kFirst + 4)(node)), parent);
-    root.reset();
-    EXPECT_EQ(CountOf(parent.get()), 1u);
+    Slot<void(IParam*, IParam*)>(node, kFirst + 3)(node, parent.Get());
+    EXPECT_EQ(CountOf(parent.Get()), 2u);
+    EXPECT_EQ(ParamPtr(Slot<IParam*(IParam*)>(node, kFirst + 4)(node)).Get(), parent.Get());
+    root.Release();
+    EXPECT_EQ(CountOf(parent.Get()), 1u);
 }
 
 TEST(StorageParamFileTest, TheLastNodeOfAChainBringsAllIntoTheFile) {
@@ -284,12 +284,12 @@ TEST(StorageParamFileTest, TheLastNodeOfAChainBringsAllIntoTheFile) {
     ParamPtr leaf;
     {
         StoragePtr storage(new_Storage(file.c_str(), QXSTG_TRANSACTED));
-        ParamPtr root(new_IXStorParam(storage.get())), a(root->CreateSubParam("a"));
-        SetInt(root.get(), "early", 1);
-        leaf.reset(a->CreateSubParam("b\\c"));
+        ParamPtr root(new_IXStorParam(storage.Get())), a(root->CreateSubParam("a"));
+        SetInt(root.Get(), "early", 1);
+        leaf = ParamPtr(a->CreateSubParam("b\\c"));
     }
-    SetInt(leaf.get(), "late", 2);  // everything above it is released, and still open
-    leaf.reset();
+    SetInt(leaf.Get(), "late", 2);  // everything above it is released, and still open
+    leaf.Release();
     EXPECT_EQ(RawHexOf(file, L"early"), "050001000000");
     EXPECT_EQ(RawHexOf(file, L"a/b/c/late"), "050002000000");
 }
@@ -298,13 +298,13 @@ TEST(StorageParamFileTest, AClosingChildCommitsItselfAndItsParent) {
     ScratchDirectory directory;
     std::string file = directory.PathOf("commit.document");
     StoragePtr storage(new_Storage(file.c_str(), QXSTG_TRANSACTED));
-    ParamPtr root(new_IXStorParam(storage.get()));
-    SetInt(ParamPtr(root->CreateSubParam("a")).get(), "kept", 1);
-    SetInt(root.get(), "dropped", 2);
-    static_cast<CStorage*>(storage.get())->Revert();
-    EXPECT_EQ(TreeText(root.get()), "a{kept=5:1}");
-    root.reset();
-    storage.reset();
+    ParamPtr root(new_IXStorParam(storage.Get()));
+    SetInt(ParamPtr(root->CreateSubParam("a")).Get(), "kept", 1);
+    SetInt(root.Get(), "dropped", 2);
+    static_cast<CStorage*>(storage.Get())->Revert();
+    EXPECT_EQ(TreeText(root.Get()), "a{kept=5:1}");
+    root.Release();
+    storage.Release();
     EXPECT_EQ(RawHexOf(file, L"a/kept"), "050001000000");
 }
 
@@ -325,7 +325,7 @@ TEST(StorageParamFileTest, WhatThePlatformsCallsWriteIsRead) {
         root->Release();
     }
     StoragePtr storage(open_Storage(file.c_str(), 1));
-    EXPECT_EQ(TreeText(ParamPtr(new_IXStorParam(storage.get())).get()), "child{text=10:ok}");
+    EXPECT_EQ(TreeText(ParamPtr(new_IXStorParam(storage.Get())).Get()), "child{text=10:ok}");
 }
 
 TEST(StorageParamFileTest, AStorageOpenedForReadingIsReadAndNothingElse) {
@@ -333,9 +333,9 @@ TEST(StorageParamFileTest, AStorageOpenedForReadingIsReadAndNothingElse) {
     std::string file = directory.PathOf("read.document");
     {
         StoragePtr storage(new_Storage(file.c_str(), 0));
-        ParamPtr root(new_IXStorParam(storage.get()));
-        SetInt(ParamPtr(root->CreateSubParam("a")).get(), "v", 1);
-        SetInt(root.get(), "w", 2);
+        ParamPtr root(new_IXStorParam(storage.Get()));
+        SetInt(ParamPtr(root->CreateSubParam("a")).Get(), "v", 1);
+        SetInt(root.Get(), "w", 2);
     }
     auto fileBytes = [&] {
         std::string bytes(1 << 16, '?');
@@ -347,8 +347,8 @@ TEST(StorageParamFileTest, AStorageOpenedForReadingIsReadAndNothingElse) {
     std::string before = fileBytes();
     {
         StoragePtr storage(open_Storage(file.c_str(), 1));
-        ParamPtr root(new_IXStorParam(storage.get()));
-        EXPECT_EQ(TreeText(root.get()), "w=5:2 a{v=5:1}");
+        ParamPtr root(new_IXStorParam(storage.Get()));
+        EXPECT_EQ(TreeText(root.Get()), "w=5:2 a{v=5:1}");
         CQXVariant value(3);
         EXPECT_EQ(root->SetValue("w", &value), 0);
         EXPECT_EQ(root->SetValue("new", &value), 0);
@@ -360,33 +360,33 @@ TEST(StorageParamFileTest, AStorageOpenedForReadingIsReadAndNothingElse) {
         root->DeleteAllValues();
         root->DeleteAllSubParams();
         root->Clear();
-        EXPECT_EQ(TreeText(root.get()), "w=5:2 a{v=5:1}");
+        EXPECT_EQ(TreeText(root.Get()), "w=5:2 a{v=5:1}");
     }
     EXPECT_EQ(fileBytes(), before);
 }
 
 TEST_F(StorageParamTest, ClearEndsTheNodeAndDeletesItsStorageInTheParent) {
     ParamPtr a = Create("a");
-    SetInt(ParamPtr(a->CreateSubParam("b")).get(), "v", 1);
-    SetInt(a.get(), "v", 1);
+    SetInt(ParamPtr(a->CreateSubParam("b")).Get(), "v", 1);
+    SetInt(a.Get(), "v", 1);
     a->Clear();
     EXPECT_EQ(NamesText(storage->EnumStorages()), "");
     EXPECT_EQ(a->QueryInterface(qx_typeid<IXStorage>(), nullptr), 0);
-    a.reset();
+    a.Release();
     Create("a");
-    EXPECT_EQ(TreeText(root.get()), "a{}");
+    EXPECT_EQ(TreeText(root.Get()), "a{}");
 }
 
 TEST_F(StorageParamTest, ClearOfARootLeavesItsStorageEmptyAndDetached) {
-    SetInt(Create("a").get(), "v", 1);
-    SetInt(root.get(), "v", 1);
+    SetInt(Create("a").Get(), "v", 1);
+    SetInt(root.Get(), "v", 1);
     root->Clear();
-    EXPECT_EQ(CountOf(storage.get()), 1u);
+    EXPECT_EQ(CountOf(storage.Get()), 1u);
     EXPECT_EQ(NamesText(storage->EnumStorages()), "");
     EXPECT_EQ(NamesText(storage->EnumStreams()), "");
-    ParamPtr again(new_IXStorParam(storage.get()));
-    SetInt(again.get(), "v", 2);
-    EXPECT_EQ(TreeText(again.get()), "v=5:2");
+    ParamPtr again(new_IXStorParam(storage.Get()));
+    SetInt(again.Get(), "v", 2);
+    EXPECT_EQ(TreeText(again.Get()), "v=5:2");
 }
 
 TEST_F(StorageParamTest, AClearedNodeAnswersThatThereIsNothing) {
@@ -413,10 +413,10 @@ TEST_F(StorageParamTest, ClearLeavesAnAttachmentOfTheCallersInPlace) {
     root->QueryInterface(qx_typeid<IRegisterIface>(), &out);
     auto table = static_cast<IRegisterIface*>(out);
     StoragePtr other(new_Storage(nullptr, 0));
-    table->RegisterInterface(other.get(), qx_typeid<IXStorage>(), 1);
+    table->RegisterInterface(other.Get(), qx_typeid<IXStorage>(), 1);
     root->Clear();
     ASSERT_EQ(root->QueryInterface(qx_typeid<IXStorage>(), &out), 1);
-    EXPECT_EQ(out, other.get());
+    EXPECT_EQ(out, other.Get());
     out->Release();
     table->Release();
 }
@@ -424,8 +424,8 @@ TEST_F(StorageParamTest, ClearLeavesAnAttachmentOfTheCallersInPlace) {
 TEST_F(StorageParamTest, ARootOverASubStorageIsClearedUnderTheNameRoot) {
     StoragePtr sub(storage->CreateStorage("settings", 0));
     StoragePtr(storage->CreateStorage("Root", 0));
-    ParamPtr node(new_IXStorParam(sub.get()));
-    SetInt(node.get(), "v", 1);
+    ParamPtr node(new_IXStorParam(sub.Get()));
+    SetInt(node.Get(), "v", 1);
     node->Clear();
     EXPECT_EQ(NamesText(storage->EnumStorages()), "settings");
     EXPECT_EQ(NamesText(sub->EnumStreams()), "");
@@ -441,7 +441,7 @@ TEST_F(StorageParamTest, SubStoragesAreAskedForWithTheMode2) {
     ParamPtr made(node->OpenSubParam("y", 1));
     EXPECT_EQ(log, "a create x 2, a open y, a create y 2");
     made->Release();  // the extra reference of the first child stays: both fakes are on the stack
-    made.release();
+    made.Detach();
 }
 
 TEST_F(StorageParamTest, AClosingChildCommitsItselfThenItselfAndItsParentsStorage) {
@@ -450,10 +450,10 @@ TEST_F(StorageParamTest, AClosingChildCommitsItselfThenItselfAndItsParentsStorag
     above.child = &below;
     ParamPtr parent(new_IXStorParam(&above)), child(parent->CreateSubParam("b"));
     log.clear();
-    child.reset();
+    child.Release();
     EXPECT_EQ(log, "b commit, b commit, a commit");
     log.clear();
-    parent.reset();
+    parent.Release();
     EXPECT_EQ(log, "a commit, a commit");
 }
 
@@ -462,9 +462,9 @@ TEST_F(StorageParamTest, AChildThatHeldTheLastReferenceOnItsParentClosesIntoTheC
     FakeXStorage above("a", log), below("b", log, &above);
     above.child = &below;
     ParamPtr parent(new_IXStorParam(&above)), child(parent->CreateSubParam("b"));
-    parent.reset();
+    parent.Release();
     log.clear();
-    child.reset();
+    child.Release();
     EXPECT_EQ(log, "b commit, a commit, a commit, b commit, a commit");
 }
 
@@ -479,7 +479,7 @@ TEST_F(StorageParamTest, ClearDeletesWhatIsListedThenCommitsThenGoesFromTheParen
               "b list storages, b delete storage one, b delete storage two, b list streams, "
               "b delete stream value, b commit, a delete storage b, a commit");
     log.clear();
-    child.reset();
+    child.Release();
     EXPECT_EQ(log, "");  // nothing is left to commit
 }
 
@@ -503,6 +503,6 @@ TEST_F(StorageParamTest, NoOperationLetsAnExceptionOut) {
     EXPECT_EQ(node->EnumValues(), nullptr);
     node->Clear();
     log.clear();
-    node.reset();
+    node.Release();
     EXPECT_EQ(log, "a commit, a commit");  // the failed Clear left the storage where it was
 }

@@ -2,7 +2,6 @@
 #include "param/recording_param.h"
 #include "param/small_stack.h"
 #include "param/tree_text.h"
-#include "support/held.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +13,7 @@ namespace {
 std::string BytesOf(IXStream* stream) {
     IQXUnknown* block = nullptr;
     stream->QueryInterface(qx_typeid<IMemBlock>(), &block);
-    Ref<IMemBlock> memory(static_cast<IMemBlock*>(block));
+    qx::Reference<IMemBlock> memory(static_cast<IMemBlock*>(block));
     return std::string(static_cast<const char*>(memory->GetData()), memory->GetSize());
 }
 
@@ -28,20 +27,20 @@ protected:
     ParamPtr tree{new_MemParam()};
 
     std::string Saved(int expected = 1) {
-        Ref<IXStream> stream(new_StreamOnMemory());
-        EXPECT_EQ(SaveParamToXStream(stream.get(), tree.get()), expected);
-        return BytesOf(stream.get());
+        qx::Reference<IXStream> stream(new_StreamOnMemory());
+        EXPECT_EQ(SaveParamToXStream(stream.Get(), tree.Get()), expected);
+        return BytesOf(stream.Get());
     }
-    static Ref<IXStream> StreamOf(const std::string& bytes) {
-        Ref<IXStream> stream(new_StreamOnMemory());
+    static qx::Reference<IXStream> StreamOf(const std::string& bytes) {
+        qx::Reference<IXStream> stream(new_StreamOnMemory());
         stream->Write(bytes.data(), int(bytes.size()));
         stream->Seek(0, 0);
         return stream;
     }
     std::string Loaded(const std::string& bytes, int expected = 1) {
-        Ref<IXStream> stream = StreamOf(bytes);
-        EXPECT_EQ(LoadParamFromXStream(stream.get(), tree.get()), expected);
-        return TreeText(tree.get());
+        qx::Reference<IXStream> stream = StreamOf(bytes);
+        EXPECT_EQ(LoadParamFromXStream(stream.Get(), tree.Get()), expected);
+        return TreeText(tree.Get());
     }
 };
 
@@ -70,7 +69,7 @@ TEST_F(StreamFormTest, AnEmptyTreeIsTwoEmptyNames) {
 }
 
 TEST_F(StreamFormTest, ANodeIsItsChildrenAndThenItsValues) {
-    SetInt(tree.get(), "v", 5);
+    SetInt(tree.Get(), "v", 5);
     CQXVariant text("abc");
     ParamPtr(tree->CreateSubParam("a"))->SetValue("x", &text);
     ParamPtr(tree->CreateSubParam("b"));
@@ -88,12 +87,12 @@ TEST_F(StreamFormTest, ANodeIsItsChildrenAndThenItsValues) {
 }
 
 TEST_F(StreamFormTest, AValueWithoutANameIsSavedAsTheDefaultName) {
-    SetInt(tree.get(), "", 1);
+    SetInt(tree.Get(), "", 1);
     EXPECT_EQ(Saved(), Bytes("\0@\0\x05\0\x01\0\0\0\0"));
 }
 
 TEST_F(StreamFormTest, AValueThatCannotBeReadIsSavedAsEmpty) {
-    SetInt(tree.get(), "a\\b", 5);
+    SetInt(tree.Get(), "a\\b", 5);
     tree->DeleteAllSubParams();
     EXPECT_EQ(Saved(), Bytes("\0a\\b\0\0\0\0\0\0\0\0"));
 }
@@ -124,30 +123,30 @@ TEST_F(StreamFormTest, ATreeOfAllTypesComesBack) {
         child->SetValue(std::to_string(value.type).c_str(), &value);
     }
     ParamPtr back(new_MemParam());
-    Ref<IXStream> stream = StreamOf(Saved());
-    EXPECT_EQ(LoadParamFromXStream(stream.get(), back.get()), 1);
-    EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
-    EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
+    qx::Reference<IXStream> stream = StreamOf(Saved());
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), back.Get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.Get(), back.Get()), 1);
+    EXPECT_EQ(Param_Cmp(back.Get(), tree.Get()), 1);
     EXPECT_EQ(stream->Tell(), stream->GetLength());
 }
 
 TEST_F(StreamFormTest, ABadObjectIsSavedAndComesBackAsNull) {
     CQXVariant object(static_cast<IQXUnknown*>(nullptr));
-    SetInt(tree.get(), "x", 1);
+    SetInt(tree.Get(), "x", 1);
     tree->SetValue("object", &object);
-    SetInt(tree.get(), "y", 2);
+    SetInt(tree.Get(), "y", 2);
     EXPECT_EQ(Loaded(Saved()), "x=5:1 object=18:? y=5:2");
 }
 
 TEST_F(StreamFormTest, LoadingReplacesWhatTheTargetHeld) {
-    SetInt(tree.get(), "old", 1);
+    SetInt(tree.Get(), "old", 1);
     ParamPtr held(tree->CreateSubParam("a\\old"));
     EXPECT_EQ(Loaded(Bytes("a\0\0\0\0v\0\x05\0\x05\0\0\0\0")), "v=5:5 a{}");
 }
 
 TEST_F(StreamFormTest, WhatStandsBehindTheTreeIsLeftInTheStream) {
-    Ref<IXStream> stream = StreamOf(Bytes("\0\0rest"));
-    EXPECT_EQ(LoadParamFromXStream(stream.get(), tree.get()), 1);
+    qx::Reference<IXStream> stream = StreamOf(Bytes("\0\0rest"));
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), tree.Get()), 1);
     EXPECT_EQ(stream->Tell(), 2);
 }
 
@@ -158,40 +157,40 @@ TEST_F(StreamFormTest, ANameWithALineFeedDoesNotSurvive) {
     std::string saved = Saved();
     EXPECT_EQ(saved, Bytes("\0a\nb\0\x05\0\x05\0\0\0\0"));
     ParamPtr back(new_MemParam());
-    Ref<IXStream> stream = StreamOf(saved);
+    qx::Reference<IXStream> stream = StreamOf(saved);
     // "a\n" is a name, 'b' and the NUL are the tag 0x0062, which there is not: the node stays
     // empty.
-    EXPECT_EQ(LoadParamFromXStream(stream.get(), back.get()), 0);
-    EXPECT_EQ(TreeText(back.get()), "");
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), back.Get()), 0);
+    EXPECT_EQ(TreeText(back.Get()), "");
     EXPECT_EQ(Loaded(Bytes("a\n\0\0\0\0")), "a\n{}");
 }
 
 TEST_F(StreamFormTest, ANameOf1023BytesSurvivesAndALongerOneDoesNot) {
     std::string name(1023, 'n');
-    SetInt(tree.get(), name.c_str(), 5);
+    SetInt(tree.Get(), name.c_str(), 5);
     EXPECT_EQ(Loaded(Saved()), name + "=5:5");
     // The first 1024 bytes are the name, and the next item begins in the middle.
     std::string longer = name + "mo";
     std::string saved = Bytes("\0") + longer + Bytes("\0\x05\0\x05\0\0\0\0");
-    Ref<IXStream> stream = StreamOf(saved);
-    EXPECT_EQ(LoadParamFromXStream(stream.get(), tree.get()), 0);  // "o" and the NUL are no tag
-    EXPECT_EQ(TreeText(tree.get()), "");
+    qx::Reference<IXStream> stream = StreamOf(saved);
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), tree.Get()), 0);  // "o" and the NUL are no tag
+    EXPECT_EQ(TreeText(tree.Get()), "");
 }
 
 TEST_F(StreamFormTest, ATruncatedStreamPassesItsExceptionOnAndLeavesWhatWasLoaded) {
-    SetInt(tree.get(), "v", 1);
-    SetInt(ParamPtr(tree->CreateSubParam("a")).get(), "x", 2);
-    SetInt(ParamPtr(tree->CreateSubParam("b")).get(), "y", 3);
+    SetInt(tree.Get(), "v", 1);
+    SetInt(ParamPtr(tree->CreateSubParam("a")).Get(), "x", 2);
+    SetInt(ParamPtr(tree->CreateSubParam("b")).Get(), "y", 3);
     const std::string saved = Saved();
     for (size_t size = 0; size < saved.size(); ++size) {
         ParamPtr back(new_MemParam());
-        SetInt(back.get(), "old", 1);
-        Ref<IXStream> stream = StreamOf(saved.substr(0, size));
-        EXPECT_THROW(LoadParamFromXStream(stream.get(), back.get()), CXEofException) << size;
-        EXPECT_EQ(GetInt(back.get(), "old"), -1);
+        SetInt(back.Get(), "old", 1);
+        qx::Reference<IXStream> stream = StreamOf(saved.substr(0, size));
+        EXPECT_THROW(LoadParamFromXStream(stream.Get(), back.Get()), CXEofException) << size;
+        EXPECT_EQ(GetInt(back.Get(), "old"), -1);
         bool aIsWhole = size >= Bytes("a\0\0x\0\x05\0\x02\0\0\0\0").size();
         if (aIsWhole) {
-            EXPECT_EQ(GetInt(back.get(), "a\\x"), 2) << size;
+            EXPECT_EQ(GetInt(back.Get(), "a\\x"), 2) << size;
         }
     }
 }
@@ -204,40 +203,40 @@ TEST_F(StreamFormTest, AFailedNodeStandsEmptyWhileItsSiblingsLoad) {
 }
 
 TEST_F(StreamFormTest, AFailureOfTheOutermostNodeAnswersZeroAndLeavesItEmpty) {
-    SetInt(tree.get(), "old", 1);
+    SetInt(tree.Get(), "old", 1);
     EXPECT_EQ(Loaded(Bytes("a\0\0\0\0v\0\x13\0"), 0), "");
 }
 
 TEST_F(StreamFormTest, ANullTreeAnswersZeroAndTheStreamStays) {
-    Ref<IXStream> stream(new_StreamOnMemory());
-    EXPECT_EQ(SaveParamToXStream(stream.get(), nullptr), 0);
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), nullptr), 0);
     EXPECT_EQ(stream->GetLength(), 0);
-    EXPECT_EQ(LoadParamFromXStream(stream.get(), nullptr), 0);
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), nullptr), 0);
 }
 
 TEST_F(StreamFormTest, SavingGoesOnBehindANodeThatFails) {
     std::string calls;
-    SetInt(ParamPtr(tree->CreateSubParam("a")).get(), "x", 1);
-    SetInt(ParamPtr(tree->CreateSubParam("b")).get(), "y", 2);
-    Held<RecordingParam> failing(tree.release(), "s", &calls);
+    SetInt(ParamPtr(tree->CreateSubParam("a")).Get(), "x", 1);
+    SetInt(ParamPtr(tree->CreateSubParam("b")).Get(), "y", 2);
+    auto failing = qx::Make<RecordingParam>(tree.Detach(), "s", &calls);
     failing->failAt = "GetValue(x)";
-    Ref<IXStream> stream(new_StreamOnMemory());
-    EXPECT_EQ(SaveParamToXStream(stream.get(), failing), 1);
-    EXPECT_EQ(BytesOf(stream.get()), Bytes("a\0\0x\0"
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), failing.Get()), 1);
+    EXPECT_EQ(BytesOf(stream.Get()), Bytes("a\0\0x\0"
                                            "b\0\0y\0\x05\0\x02\0\0\0\0"
                                            "\0\0"));
     failing->failAt = "EnumValues";
-    EXPECT_EQ(SaveParamToXStream(stream.get(), failing), 0);
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), failing.Get()), 0);
     EXPECT_EQ(RecordingParam::alive, 1);
 }
 
 TEST_F(StreamFormTest, SavingGoesThroughChildrenFirst) {
     std::string calls;
-    SetInt(tree.get(), "v", 1);
-    SetInt(ParamPtr(tree->CreateSubParam("a")).get(), "x", 1);
-    Held<RecordingParam> recording(tree.release(), "s", &calls);
-    Ref<IXStream> stream(new_StreamOnMemory());
-    SaveParamToXStream(stream.get(), recording);
+    SetInt(tree.Get(), "v", 1);
+    SetInt(ParamPtr(tree->CreateSubParam("a")).Get(), "x", 1);
+    auto recording = qx::Make<RecordingParam>(tree.Detach(), "s", &calls);
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
+    SaveParamToXStream(stream.Get(), recording.Get());
     EXPECT_EQ(calls,
               "s:EnumSubParams s:OpenSubParam(a) s\\a:EnumSubParams s\\a:EnumValues "
               "s\\a:GetValue(x) s:EnumValues s:GetValue(v) ");
@@ -245,9 +244,9 @@ TEST_F(StreamFormTest, SavingGoesThroughChildrenFirst) {
 
 TEST_F(StreamFormTest, LoadingEmptiesEachNodeAndMakesItsChildren) {
     std::string calls;
-    Held<RecordingParam> recording(tree.release(), "t", &calls);
-    Ref<IXStream> stream = StreamOf(Bytes("a\0\0x\0\0\0\0\0\0\0\0\0\0"));
-    EXPECT_EQ(LoadParamFromXStream(stream.get(), recording), 1);
+    auto recording = qx::Make<RecordingParam>(tree.Detach(), "t", &calls);
+    qx::Reference<IXStream> stream = StreamOf(Bytes("a\0\0x\0\0\0\0\0\0\0\0\0\0"));
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), recording.Get()), 1);
     EXPECT_EQ(calls,
               "t:DeleteAllSubParams t:DeleteAllValues t:CreateSubParam(a) "
               "t\\a:DeleteAllSubParams t\\a:DeleteAllValues t\\a:SetValue(x) ");
@@ -257,38 +256,38 @@ TEST_F(StreamFormTest, LoadingEmptiesEachNodeAndMakesItsChildren) {
 TEST_F(StreamFormTest, AChildThatCannotBeOpenedIsSavedEmpty) {
     std::string calls;
     ParamPtr(tree->CreateSubParam("a"));
-    SetInt(tree.get(), "v", 1);
-    Held<RecordingParam> closed(tree.release(), "s", &calls);
+    SetInt(tree.Get(), "v", 1);
+    auto closed = qx::Make<RecordingParam>(tree.Detach(), "s", &calls);
     closed->noChild = true;
-    Ref<IXStream> stream(new_StreamOnMemory());
-    EXPECT_EQ(SaveParamToXStream(stream.get(), closed), 1);
-    EXPECT_EQ(BytesOf(stream.get()), Bytes("a\0\0\0\0v\0\x05\0\x01\0\0\0\0"));
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), closed.Get()), 1);
+    EXPECT_EQ(BytesOf(stream.Get()), Bytes("a\0\0\0\0v\0\x05\0\x01\0\0\0\0"));
 }
 
 TEST_F(StreamFormTest, AChildThatCannotBeCreatedIsReadOver) {
     std::string calls;
-    IParam* target = tree.get();
+    IParam* target = tree.Get();
     target->AddRef();
-    Held<RecordingParam> closed(target, "t", &calls);
+    auto closed = qx::Make<RecordingParam>(target, "t", &calls);
     closed->noChild = true;
-    Ref<IXStream> stream =
+    qx::Reference<IXStream> stream =
         StreamOf(Bytes("a\0b\0\0\0\0x\0\x05\0\x01\0\0\0\0\0v\0\x05\0\x05\0\0\0\0"));
-    EXPECT_EQ(LoadParamFromXStream(stream.get(), closed), 1);
-    EXPECT_EQ(GetInt(tree.get(), "v"), 5);
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), closed.Get()), 1);
+    EXPECT_EQ(GetInt(tree.Get(), "v"), 5);
 }
 
 TEST_F(StreamFormTest, ATreeOfAnyDepthIsWalked) {
     std::string path;
     for (int i = 1; i < kTooManyCalls; ++i) path += "a\\";
-    SetInt(ParamPtr(tree->CreateSubParam((path + "a").c_str())).get(), "x", 1);
+    SetInt(ParamPtr(tree->CreateSubParam((path + "a").c_str())).Get(), "x", 1);
     ParamPtr back(new_MemParam());
     OnSmallStack([&] {
-        Ref<IXStream> stream(new_StreamOnMemory());
-        EXPECT_EQ(SaveParamToXStream(stream.get(), tree.get()), 1);
+        qx::Reference<IXStream> stream(new_StreamOnMemory());
+        EXPECT_EQ(SaveParamToXStream(stream.Get(), tree.Get()), 1);
         stream->Seek(0, 0);
-        EXPECT_EQ(LoadParamFromXStream(stream.get(), back.get()), 1);
+        EXPECT_EQ(LoadParamFromXStream(stream.Get(), back.Get()), 1);
     });
-    EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.Get(), back.Get()), 1);
 }
 
 // What ends in the middle of a chain of nested names ends without a deep stack too.
@@ -296,9 +295,9 @@ TEST_F(StreamFormTest, NamesNestedWithoutAnEndAreWalked) {
     std::string bytes;
     for (int i = 0; i < kTooManyCalls; ++i) bytes += Bytes("a\0");
     OnSmallStack([&] {
-        Ref<IXStream> stream = StreamOf(bytes);
-        EXPECT_THROW(LoadParamFromXStream(stream.get(), tree.get()), CXEofException);
-        tree.reset();
+        qx::Reference<IXStream> stream = StreamOf(bytes);
+        EXPECT_THROW(LoadParamFromXStream(stream.Get(), tree.Get()), CXEofException);
+        tree.Release();
     });
 }
 
@@ -326,11 +325,11 @@ TEST_F(StreamFormTest, WhatIsBeingWrittenStaysWholeWhileTheTreeChanges) {
             Calling sink([&] {
                 if (++writes == at) change();
             });
-            Ref<IXStream> stream(new_StreamOnMemory(&sink));
-            EXPECT_EQ(SaveParamToXStream(stream.get(), tree.get()), 1);
+            qx::Reference<IXStream> stream(new_StreamOnMemory(&sink));
+            EXPECT_EQ(SaveParamToXStream(stream.Get(), tree.Get()), 1);
             ParamPtr back(new_MemParam());
             stream->Seek(0, 0);
-            EXPECT_EQ(LoadParamFromXStream(stream.get(), back.get()), 1);
+            EXPECT_EQ(LoadParamFromXStream(stream.Get(), back.Get()), 1);
             NamesPtr names(back->EnumValues());
             const char* name;
             while (names->Next(1, &name, nullptr)) {
@@ -346,13 +345,13 @@ TEST_F(StreamFormTest, WhatIsBeingWrittenStaysWholeWhileTheTreeChanges) {
 }
 
 TEST_F(StreamFormTest, AValueThatGoesBetweenItsNameAndItsValueIsSavedAsEmpty) {
-    SetInt(tree.get(), "a", 1);
-    SetInt(tree.get(), "b", 2);
+    SetInt(tree.Get(), "a", 1);
+    SetInt(tree.Get(), "b", 2);
     int writes = 0;
     Calling sink([&] {
         if (++writes == 2) tree->DeleteValue("a");
     });
-    Ref<IXStream> stream(new_StreamOnMemory(&sink));
-    EXPECT_EQ(SaveParamToXStream(stream.get(), tree.get()), 1);
-    EXPECT_EQ(BytesOf(stream.get()), Bytes("\0a\0\0\0\0\0\0\0b\0\x05\0\x02\0\0\0\0"));
+    qx::Reference<IXStream> stream(new_StreamOnMemory(&sink));
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), tree.Get()), 1);
+    EXPECT_EQ(BytesOf(stream.Get()), Bytes("\0a\0\0\0\0\0\0\0b\0\x05\0\x02\0\0\0\0"));
 }

@@ -16,15 +16,15 @@ protected:
 
     std::string Text() {
         CXString text("replaced");
-        EXPECT_EQ(Param_Param2String(tree.get(), text), 1);
+        EXPECT_EQ(Param_Param2String(tree.Get(), text), 1);
         return text.GetData();
     }
     // The tree that a text gives, into the one that is there.
     std::string Tree(const std::string& text) {
         CXString string(text.c_str());
-        EXPECT_EQ(Param_String2Param(string, tree.get()), 1);
+        EXPECT_EQ(Param_String2Param(string, tree.Get()), 1);
         EXPECT_STREQ(string, text.c_str());
-        return TreeText(tree.get());
+        return TreeText(tree.Get());
     }
 };
 
@@ -35,7 +35,7 @@ TEST_F(TextFormTest, AnEmptyTreeIsTheHeaderOfTheRoot) {
 }
 
 TEST_F(TextFormTest, EachLineEndsWithABar) {
-    SetInt(tree.get(), "v", 5);
+    SetInt(tree.Get(), "v", 5);
     CQXVariant text("abc");
     ParamPtr(tree->CreateSubParam("a"))->SetValue("x", &text);
     ParamPtr(tree->CreateSubParam("a\\b"));
@@ -49,7 +49,7 @@ TEST_F(TextFormTest, ATextGivesATreeAndTheTreeTheText) {
 }
 
 TEST_F(TextFormTest, TheTargetIsNotEmptiedFirst) {
-    SetInt(tree.get(), "old", 1);
+    SetInt(tree.Get(), "old", 1);
     EXPECT_EQ(Tree("[\\]|new=i2|old=i3"), "old=5:3 new=5:2");
 }
 
@@ -79,7 +79,7 @@ TEST_F(TextFormTest, LineEndsAndBlanksAtTheEndOfAValueAreLost) {
     tree->SetValue("y", &lines);
     EXPECT_EQ(Text(), "[\\]|x=sa|y=sone|two|");
     tree->SetValue("z", &feed);
-    SetInt(tree.get(), "late", 1);
+    SetInt(tree.Get(), "late", 1);
     EXPECT_EQ(Text(), "[\\]|x=sa|y=sone|two|z=sone|");
 }
 
@@ -87,7 +87,7 @@ TEST_F(TextFormTest, ValuesWithoutATextFormAreLeftOut) {
     char bytes[] = {1};
     CQXVariant blob(tagQXBLOB{1, bytes});
     tree->SetValue("blob", &blob);
-    SetInt(tree.get(), "x", 1);
+    SetInt(tree.Get(), "x", 1);
     EXPECT_EQ(Text(), "[\\]|x=i1|");
 }
 
@@ -97,8 +97,8 @@ TEST_F(TextFormTest, AnIncludeNamesAFileByItself) {
     EXPECT_EQ(Tree("[\\a]|#include " + path + "\r\ny=i2|"), "a{x=5:1} b{y=5:2}");
     CXString text("[\\]|a=i1|#include no_such_file.ini\r\nb=i2|");
     tree->Clear();
-    EXPECT_THROW(Param_String2Param(text, tree.get()), CXFileException);
-    EXPECT_EQ(TreeText(tree.get()), "a=5:1");
+    EXPECT_THROW(Param_String2Param(text, tree.Get()), CXFileException);
+    EXPECT_EQ(TreeText(tree.Get()), "a=5:1");
 }
 
 // 8192 bytes are read as one line: what follows begins a line of its own in the middle of a value.
@@ -111,10 +111,10 @@ TEST_F(TextFormTest, ATextIsCutAt8192BytesBetweenLineEnds) {
     Tree(text);
     std::string head = text.substr(begin, 8192 - begin);
     EXPECT_EQ(head, "k10");
-    EXPECT_EQ(GetInt(tree.get(), "k10"), 0);  // a bare key
-    EXPECT_EQ(GetInt(tree.get(), text.substr(8192, text.find('=', 8192) - 8192).c_str()), 7);
-    EXPECT_EQ(GetInt(tree.get(), "last"), 8);
-    EXPECT_EQ(GetInt(tree.get(), text.substr(begin, 6).c_str()), -1);
+    EXPECT_EQ(GetInt(tree.Get(), "k10"), 0);  // a bare key
+    EXPECT_EQ(GetInt(tree.Get(), text.substr(8192, text.find('=', 8192) - 8192).c_str()), 7);
+    EXPECT_EQ(GetInt(tree.Get(), "last"), 8);
+    EXPECT_EQ(GetInt(tree.Get(), text.substr(begin, 6).c_str()), -1);
 }
 
 TEST_F(TextFormTest, ALongTextWithLineEndsIsReadWhole) {
@@ -122,13 +122,13 @@ TEST_F(TextFormTest, ALongTextWithLineEndsIsReadWhole) {
     for (int i = 0; i < 5000; ++i) text += "\r\nkey" + std::to_string(i) + "=i" + std::to_string(i);
     Tree(text);
     for (int i : {0, 1, 2500, 4999})
-        EXPECT_EQ(GetInt(tree.get(), ("key" + std::to_string(i)).c_str()), i);
+        EXPECT_EQ(GetInt(tree.Get(), ("key" + std::to_string(i)).c_str()), i);
 }
 
 TEST_F(TextFormTest, ATextOfManyValuesIsWrittenWhole) {
     std::string expected = "[\\]|";
     for (int i = 0; i < std::min(20000, kTooManyCalls); ++i) {
-        SetInt(tree.get(), ("key" + std::to_string(i)).c_str(), i);
+        SetInt(tree.Get(), ("key" + std::to_string(i)).c_str(), i);
         expected += "key" + std::to_string(i) + "=i" + std::to_string(i) + "|";
     }
     EXPECT_TRUE(Text() == expected);
@@ -137,7 +137,7 @@ TEST_F(TextFormTest, ATextOfManyValuesIsWrittenWhole) {
 TEST_F(TextFormTest, ATreeOfAnyDepthIsWalked) {
     std::string path;
     for (int i = 0; i < std::min(2000, kTooManyCalls); ++i) path += "a\\";
-    SetInt(ParamPtr(tree->CreateSubParam((path + "a").c_str())).get(), "x", 1);
+    SetInt(ParamPtr(tree->CreateSubParam((path + "a").c_str())).Get(), "x", 1);
     OnSmallStack([&] { Text(); });
 }
 

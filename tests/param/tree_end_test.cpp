@@ -52,19 +52,19 @@ protected:
 
 // The bucket of a name of one letter is the letter's number modulo 127: "a" comes before "b".
 TEST_F(TreeEndTest, ANodeEndsWithItsValuesThenItsChildrenThenWhatIsAttached) {
-    ParamPtr a = Child(root.get(), "a"), b = Child(root.get(), "b"), deep = Child(a.get(), "x");
-    Put(root.get(), "v", Says("root"));
-    Put(a.get(), "v", Says("a"));
-    Put(b.get(), "v", Says("b"));
-    Put(deep.get(), "v", Says("a\\x"));
-    Attach(root.get(), Says("(root)"));
-    Attach(a.get(), Says("(a)"));
-    Attach(b.get(), Says("(b)"));
-    Attach(deep.get(), Says("(a\\x)"));
-    a.reset();
-    b.reset();
-    deep.reset();
-    root.reset();
+    ParamPtr a = Child(root.Get(), "a"), b = Child(root.Get(), "b"), deep = Child(a.Get(), "x");
+    Put(root.Get(), "v", Says("root"));
+    Put(a.Get(), "v", Says("a"));
+    Put(b.Get(), "v", Says("b"));
+    Put(deep.Get(), "v", Says("a\\x"));
+    Attach(root.Get(), Says("(root)"));
+    Attach(a.Get(), Says("(a)"));
+    Attach(b.Get(), Says("(b)"));
+    Attach(deep.Get(), Says("(a\\x)"));
+    a.Release();
+    b.Release();
+    deep.Release();
+    root.Release();
     EXPECT_EQ(said, "root a a\\x (a\\x) (a) b (b) (root)");
 }
 
@@ -73,11 +73,11 @@ TEST_F(TreeEndTest, ValuesEndBucketByBucketAndInEachTheNewestFirst) {
     for (int others : {0, 20, 200}) {
         said = "";
         ParamPtr node(new_MemParam());
-        Put(node.get(), "b", Says("b"));
-        Put(node.get(), "a", Says("a"));
-        for (int i = 0; i < others; ++i) SetInt(node.get(), std::to_string(i).c_str(), i);
-        Put(node.get(), "a<", Says("a<"));
-        node.reset();
+        Put(node.Get(), "b", Says("b"));
+        Put(node.Get(), "a", Says("a"));
+        for (int i = 0; i < others; ++i) SetInt(node.Get(), std::to_string(i).c_str(), i);
+        Put(node.Get(), "a<", Says("a<"));
+        node.Release();
         EXPECT_EQ(said, "a< a b") << others;
     }
 }
@@ -95,28 +95,28 @@ TEST_F(TreeEndTest, WhatAnEndingValueRaisesReachesTheCallerAndTheRestEnds) {
     for (const char* place : {"", "a", "a\\x"}) {
         said = "";
         ParamPtr node(new_MemParam()), deep(node->CreateSubParam("a\\x"));
-        Put(node.get(), "w", Says("w"));
-        Put(Child(node.get(), "a").get(), "w", Says("a"));
-        Put(deep.get(), "w", Says("x"));
-        Put(Child(node.get(), "b").get(), "w", Says("b"));
+        Put(node.Get(), "w", Says("w"));
+        Put(Child(node.Get(), "a").Get(), "w", Says("a"));
+        Put(deep.Get(), "w", Says("x"));
+        Put(Child(node.Get(), "b").Get(), "w", Says("b"));
         auto object = new Raising;
         CQXVariant value(static_cast<IQXUnknown*>(object));
-        ParamPtr where(*place ? node->OpenSubParam(place, 0) : (node->AddRef(), node.get()));
+        ParamPtr where(*place ? node->OpenSubParam(place, 0) : (node->AddRef(), node.Get()));
         where->SetValue("v", &value);
         value.Clear();
         static_cast<IQXUnknown*>(object)->Release();
-        deep.reset();
-        where.reset();
+        deep.Release();
+        where.Release();
         EXPECT_THROW(node->Clear(), CXFileException) << place;
         EXPECT_NE(said.find("a x b"), std::string::npos) << said;
-        SetInt(node.get(), "again", 5);
-        EXPECT_TRUE(Child(node.get(), "new"));
-        EXPECT_EQ(GetInt(node.get(), "again"), 5);
+        SetInt(node.Get(), "again", 5);
+        EXPECT_TRUE(Child(node.Get(), "new"));
+        EXPECT_EQ(GetInt(node.Get(), "again"), 5);
     }
 }
 
 TEST_F(TreeEndTest, WhatEndsMayQueryAndReleaseTheEndingNode) {
-    IParam* node = root.get();
+    IParam* node = root.Get();
     Put(node, "v", [&, node] {
         IQXUnknown* table = nullptr;
         EXPECT_EQ(node->QueryInterface(qx_typeid<IRegisterIface>(), &table), 1);
@@ -125,46 +125,46 @@ TEST_F(TreeEndTest, WhatEndsMayQueryAndReleaseTheEndingNode) {
         EXPECT_EQ(node->Release(), 1u);
         Says("v")();
     });
-    root.reset();
+    root.Release();
     EXPECT_EQ(said, "v");
 }
 
 TEST_F(TreeEndTest, AnEndingNodeTakesNothingMore) {
-    IParam* node = root.get();
+    IParam* node = root.Get();
     Put(node, "v", [&, node] {
         CQXVariant value(1);
         EXPECT_EQ(node->SetValue("late", &value), 0);
         EXPECT_EQ(node->EnumValues(), nullptr);
     });
-    Put(Child(node, "a").get(), "v", [&, node] {
+    Put(Child(node, "a").Get(), "v", [&, node] {
         EXPECT_EQ(node->CreateSubParam("late"), nullptr);
         EXPECT_EQ(node->OpenSubParam("late\\deep", 1), nullptr);
         EXPECT_EQ(node->EnumSubParams(), nullptr);
         Says("asked")();
     });
-    root.reset();
+    root.Release();
     EXPECT_EQ(said, "asked");
 }
 
 TEST_F(TreeEndTest, ANodeTakesNoChildWhileItsChildrenAreCleared) {
-    IParam* node = root.get();
+    IParam* node = root.Get();
     for (const char* name : {"a", "b", "c"}) {
-        Put(Child(node, name).get(), "v", [&, node] {
+        Put(Child(node, name).Get(), "v", [&, node] {
             EXPECT_EQ(node->CreateSubParam("late"), nullptr);
             Says("asked")();
         });
     }
     root->Clear();
     EXPECT_EQ(said, "asked asked asked");
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
     EXPECT_TRUE(Child(node, "again"));
 }
 
 TEST_F(TreeEndTest, ClearingOnceMoreWhileClearingChangesNothing) {
-    IParam* node = root.get();
+    IParam* node = root.Get();
     int ended = 0;
     for (const char* name : {"a", "b", "c"}) {
-        Put(Child(node, name).get(), "v", [&, node] {
+        Put(Child(node, name).Get(), "v", [&, node] {
             node->Clear();
             EXPECT_EQ(node->CreateSubParam("late"), nullptr);
             ++ended;
@@ -178,11 +178,11 @@ TEST_F(TreeEndTest, ClearingOnceMoreWhileClearingChangesNothing) {
     }
     root->Clear();
     EXPECT_EQ(ended, 6);
-    EXPECT_EQ(TreeText(root.get()), "");
+    EXPECT_EQ(TreeText(root.Get()), "");
 }
 
 TEST_F(TreeEndTest, AReplacedValueEndsWhenTheNewOneStandsInItsPlace) {
-    IParam* node = root.get();
+    IParam* node = root.Get();
     Put(node, "v", [&, node] {
         EXPECT_EQ(GetInt(node, "v"), 5);
         EXPECT_EQ(node->DeleteValue("v"), 1);
@@ -207,6 +207,6 @@ TEST_F(TreeEndTest, AValueThatFindsNoMemoryLeavesTheOldOne) {
         borrowed.value.string = text;
         node->SetValue("v", &borrowed);
     };
-    auto isOld = [](ParamPtr& node) { EXPECT_EQ(TreeText(node.get()), "v=10:old text"); };
+    auto isOld = [](ParamPtr& node) { EXPECT_EQ(TreeText(node.Get()), "v=10:old text"); };
     EXPECT_GT(FailEachAllocation(make, replace, isOld), 0u);
 }

@@ -20,19 +20,19 @@ ParamPtr Tree(std::initializer_list<std::pair<const char*, int>> values) {
         std::string text = path;
         size_t cut = text.rfind('\\');
         if (cut == std::string::npos) {
-            SetInt(root.get(), path, number);
+            SetInt(root.Get(), path, number);
         } else {
             std::string parent = text.substr(0, cut);
             ParamPtr node(root->OpenSubParam(parent.c_str(), 0));
-            if (!node) node.reset(root->CreateSubParam(parent.c_str()));
-            SetInt(node.get(), text.c_str() + cut + 1, number);
+            if (!node) node = ParamPtr(root->CreateSubParam(parent.c_str()));
+            SetInt(node.Get(), text.c_str() + cut + 1, number);
         }
     }
     return root;
 }
 
 int Cmp(const ParamPtr& a, const ParamPtr& b) {
-    return Param_Cmp(a.get(), b.get());
+    return Param_Cmp(a.Get(), b.Get());
 }
 
 // A node of a host around one in memory, which passes on what it does not know, and one that
@@ -60,8 +60,8 @@ private:
 ParamPtr Chain(int levels) {
     ParamPtr root = NewTree();
     ParamPtr node(root->OpenSubParam("a", 1));
-    for (int i = 1; i < levels; ++i) node.reset(node->CreateSubParam("a"));
-    SetInt(node.get(), "leaf", 7);
+    for (int i = 1; i < levels; ++i) node = ParamPtr(node->CreateSubParam("a"));
+    SetInt(node.Get(), "leaf", 7);
     return root;
 }
 
@@ -74,8 +74,8 @@ TEST(ParamCmpTest, ATreeContainsItself) {
 
 TEST(ParamCmpTest, ANullTreeIsContainedNowhereAndContainsNothing) {
     ParamPtr tree = NewTree();
-    EXPECT_EQ(Param_Cmp(nullptr, tree.get()), 0);
-    EXPECT_EQ(Param_Cmp(tree.get(), nullptr), 0);
+    EXPECT_EQ(Param_Cmp(nullptr, tree.Get()), 0);
+    EXPECT_EQ(Param_Cmp(tree.Get(), nullptr), 0);
     EXPECT_EQ(Param_Cmp(nullptr, nullptr), 0);
 }
 
@@ -105,9 +105,9 @@ TEST(ParamCmpTest, ValuesAreEqualByTypeAndValue) {
     CQXVariant asLong(3l);
     b->SetValue("x", &asLong);
     EXPECT_EQ(Cmp(a, b), 0);
-    SetInt(b.get(), "X", 3);
+    SetInt(b.Get(), "X", 3);
     EXPECT_EQ(Cmp(a, b), 1);
-    SetInt(b.get(), "X", 4);
+    SetInt(b.Get(), "X", 4);
     EXPECT_EQ(Cmp(a, b), 0);
     CQXVariant one(tagRPOINT{1, 2}), close(tagRPOINT{1.001, 2});
     a->SetValue("x", &one);
@@ -119,36 +119,37 @@ TEST(ParamCmpTest, ADifferenceFarBelowIsFound) {
     ParamPtr a = Tree({{"a\\b\\c\\d\\x", 1}, {"a\\y", 2}}),
              b = Tree({{"a\\y", 2}, {"a\\b\\c\\d\\x", 1}});
     EXPECT_EQ(Cmp(a, b), 1);
-    SetInt(ParamPtr(b->OpenSubParam("a\\b\\c\\d", 0)).get(), "x", 9);
+    SetInt(ParamPtr(b->OpenSubParam("a\\b\\c\\d", 0)).Get(), "x", 9);
     EXPECT_EQ(Cmp(a, b), 0);
 }
 
 // The name is read down the path in both trees.
 TEST(ParamCmpTest, AValueUnderAWholePathIsComparedByItsPath) {
     ParamPtr a = NewTree(), b = Tree({{"a\\b", 5}});
-    SetInt(a.get(), "a\\b", 5);
+    SetInt(a.Get(), "a\\b", 5);
     EXPECT_EQ(Cmp(a, b), 1);
-    SetInt(ParamPtr(b->OpenSubParam("a", 0)).get(), "b", 6);
+    SetInt(ParamPtr(b->OpenSubParam("a", 0)).Get(), "b", 6);
     EXPECT_EQ(Cmp(a, b), 0);
 }
 
 TEST(ParamCmpTest, AValueThatTheFirstCannotReadEqualsAnEmptyOne) {
     ParamPtr a = NewTree(), b = NewTree();
-    SetInt(a.get(), "a\\b", 5);
+    SetInt(a.Get(), "a\\b", 5);
     a->DeleteAllSubParams();  // "a\b" stays as a name
     CQXVariant empty;
     ParamPtr child(b->CreateSubParam("a"));
     child->SetValue("b", &empty);
     EXPECT_EQ(Cmp(a, b), 1);
-    SetInt(child.get(), "b", 0);
+    SetInt(child.Get(), "b", 0);
     EXPECT_EQ(Cmp(a, b), 0);
 }
 
 TEST(ParamCmpTest, ValuesComeFirstAndTheWalkStopsAtTheFirstDifference) {
     std::string calls;
-    Held<RecordingParam> a(Tree({{"x", 1}, {"y", 2}, {"c\\z", 3}}).release(), "a", &calls);
+    auto a =
+        qx::Make<RecordingParam>(Tree({{"x", 1}, {"y", 2}, {"c\\z", 3}}).Detach(), "a", &calls);
     ParamPtr b = Tree({{"x", 1}, {"y", 9}});
-    EXPECT_EQ(Param_Cmp(a, b.get()), 0);
+    EXPECT_EQ(Param_Cmp(a.Get(), b.Get()), 0);
     EXPECT_EQ(calls, "a:EnumValues a:GetValue(x) a:GetValue(y) ");
 }
 
@@ -156,17 +157,17 @@ template <bool passesOn>
 void ExpectAskedByItsInterface() {
     std::string calls;
     ParamPtr inner = Tree({{"x", 1}, {"y", 2}}), copy = NewTree(), target = NewTree();
-    Held<Around<passesOn>> host(inner.get(), &calls);
-    Param_CopyTo(host, copy.get());
-    EXPECT_EQ(TreeText(copy.get()), "x=10:own y=10:own");
+    auto host = qx::Make<Around<passesOn>>(inner.Get(), &calls);
+    Param_CopyTo(host.Get(), copy.Get());
+    EXPECT_EQ(TreeText(copy.Get()), "x=10:own y=10:own");
     EXPECT_EQ(calls, "h:EnumSubParams h:EnumValues h:GetValue(x) h:GetValue(y) ");
-    EXPECT_EQ(Param_Cmp(copy.get(), host), 1);
-    EXPECT_EQ(Param_Cmp(copy.get(), inner.get()), 0);
+    EXPECT_EQ(Param_Cmp(copy.Get(), host.Get()), 1);
+    EXPECT_EQ(Param_Cmp(copy.Get(), inner.Get()), 0);
     CXString text;
-    Param_Param2String(host, text);
+    Param_Param2String(host.Get(), text);
     EXPECT_STREQ(text, "[\\]|x=sown|y=sown|");
     calls = "";
-    Param_CopyTo(copy.get(), host);
+    Param_CopyTo(copy.Get(), host.Get());
     EXPECT_EQ(calls, "h:SetValue(x) h:SetValue(y) ");
 }
 
@@ -185,18 +186,18 @@ TEST(ParamCopyToTest, ATreeCopiedOntoItselfStaysAsItIs) {
                                  CQXVariant(tagQXBLOB{3, bytes}), CQXVariant(7)};
     ParamPtr tree = Tree({{"c\\x", 1}}), equal = NewTree();
     for (int i = 0; i < 4; ++i) tree->SetValue(std::to_string(i).c_str(), &values[i]);
-    Param_CopyTo(tree.get(), equal.get());
-    for (int i = 0; i < 3; ++i) Param_CopyTo(tree.get(), tree.get());
+    Param_CopyTo(tree.Get(), equal.Get());
+    for (int i = 0; i < 3; ++i) Param_CopyTo(tree.Get(), tree.Get());
     EXPECT_EQ(Cmp(tree, equal), 1);
     EXPECT_EQ(Cmp(equal, tree), 1);
-    EXPECT_EQ(TreeText(tree.get()), TreeText(equal.get()));
+    EXPECT_EQ(TreeText(tree.Get()), TreeText(equal.Get()));
 }
 
 TEST(ParamCmpTest, AllReferencesAreGivenBack) {
     std::string calls;
-    auto a = new RecordingParam(Tree({{"x", 1}, {"c\\d\\z", 3}}).release(), "a", &calls);
+    auto a = new RecordingParam(Tree({{"x", 1}, {"c\\d\\z", 3}}).Detach(), "a", &calls);
     ParamPtr b = Tree({{"x", 1}, {"c\\d\\z", 4}});
-    EXPECT_EQ(Param_Cmp(a, b.get()), 0);
+    EXPECT_EQ(Param_Cmp(a, b.Get()), 0);
     EXPECT_EQ(RecordingParam::alive, 1);
     EXPECT_EQ(a->Release(), 0u);
 }
@@ -209,29 +210,29 @@ TEST(ParamCmpTest, ATreeOfAnyDepthIsWalked) {
 TEST(ParamCopyToTest, ItIsAMergeThatReplacesWhatHasTheSameName) {
     ParamPtr source = Tree({{"x", 1}, {"a\\y", 2}}),
              target = Tree({{"w", 7}, {"X", 8}, {"a\\v", 9}, {"b\\u", 10}});
-    Param_CopyTo(source.get(), target.get());
-    EXPECT_EQ(TreeText(target.get()), "w=5:7 X=5:1 a{v=5:9 y=5:2} b{u=5:10}");
-    EXPECT_EQ(TreeText(source.get()), "x=5:1 a{y=5:2}");
+    Param_CopyTo(source.Get(), target.Get());
+    EXPECT_EQ(TreeText(target.Get()), "w=5:7 X=5:1 a{v=5:9 y=5:2} b{u=5:10}");
+    EXPECT_EQ(TreeText(source.Get()), "x=5:1 a{y=5:2}");
 }
 
 TEST(ParamCopyToTest, AllTypesAreCopied) {
     char bytes[] = {1, 2, 3};
     ParamPtr source = NewTree(), target = NewTree();
-    CQXVariant blob(tagQXBLOB{3, bytes}), object(static_cast<IQXUnknown*>(target.get())), text("t");
+    CQXVariant blob(tagQXBLOB{3, bytes}), object(static_cast<IQXUnknown*>(target.Get())), text("t");
     source->SetValue("blob", &blob);
     source->SetValue("object", &object);
     source->SetValue("text", &text);
     ParamPtr copy = NewTree();
-    Param_CopyTo(source.get(), copy.get());
+    Param_CopyTo(source.Get(), copy.Get());
     EXPECT_EQ(Cmp(source, copy), 1);
     EXPECT_EQ(Cmp(copy, source), 1);
 }
 
 TEST(ParamCopyToTest, ChildrenGoBeforeValues) {
     std::string calls;
-    Held<RecordingParam> target(NewTree().release(), "t", &calls);
+    auto target = qx::Make<RecordingParam>(NewTree().Detach(), "t", &calls);
     ParamPtr source = Tree({{"x", 1}, {"a\\y", 2}, {"a\\b\\z", 3}});
-    Param_CopyTo(source.get(), target);
+    Param_CopyTo(source.Get(), target.Get());
     EXPECT_EQ(calls,
               "t:OpenSubParam(a) t:CreateSubParam(a) t\\a:OpenSubParam(b) t\\a:CreateSubParam(b) "
               "t\\a\\b:SetValue(z) t\\a:SetValue(y) t:SetValue(x) ");
@@ -239,11 +240,11 @@ TEST(ParamCopyToTest, ChildrenGoBeforeValues) {
 
 TEST(ParamCopyToTest, BothTreesAreHeldDuringTheWalk) {
     std::string calls;
-    auto source = new RecordingParam(Tree({{"a\\y", 2}}).release(), "s", &calls);
+    auto source = new RecordingParam(Tree({{"a\\y", 2}}).Detach(), "s", &calls);
     source->atEnumSubParams = [&] { EXPECT_EQ(source->Release(), 1u); };
     ParamPtr target = NewTree();
-    Param_CopyTo(source, target.get());
-    EXPECT_EQ(TreeText(target.get()), "a{y=5:2}");
+    Param_CopyTo(source, target.Get());
+    EXPECT_EQ(TreeText(target.Get()), "a{y=5:2}");
     EXPECT_EQ(RecordingParam::alive, 0);
 }
 
@@ -251,16 +252,16 @@ TEST(ParamCopyToTest, AChildThatCannotBeOpenedIsSkipped) {
     ScratchDirectory directory;
     std::string path = directory.Write("t.ini", "[\\]\r\n@=e\r\nx=i1\r\n[\\aa\\bb]\r\ny=i2\r\n");
     ParamPtr source(new_IParamIniFile(path.c_str())), target = NewTree();
-    Param_CopyTo(source.get(), target.get());
-    EXPECT_EQ(TreeText(target.get()), "@=0: x=5:1");
+    Param_CopyTo(source.Get(), target.Get());
+    EXPECT_EQ(TreeText(target.Get()), "@=0: x=5:1");
 }
 
 TEST(ParamCopyToTest, AValueThatCannotBeReadPassesOnAsEmpty) {
     ScratchDirectory directory;
     std::string path = directory.Write("t.ini", "[\\]\r\n@=e\r\nx=hello\r\n");
     ParamPtr source(new_IParamIniFile(path.c_str())), target = Tree({{"x", 5}});
-    Param_CopyTo(source.get(), target.get());
-    EXPECT_EQ(TreeText(target.get()), "x=0: @=0:");
+    Param_CopyTo(source.Get(), target.Get());
+    EXPECT_EQ(TreeText(target.Get()), "x=0: @=0:");
 }
 
 TEST(ParamCopyToTest, WhatTheTargetCannotHoldIsLost) {
@@ -270,32 +271,32 @@ TEST(ParamCopyToTest, WhatTheTargetCannotHoldIsLost) {
     CQXVariant blob(tagQXBLOB{3, bytes});
     ParamPtr source = Tree({{"x", 1}}), target(new_IParamIniFile(path.c_str()));
     source->SetValue("blob", &blob);
-    Param_CopyTo(source.get(), target.get());
-    EXPECT_EQ(TreeText(target.get()), "@=0: x=5:1");
+    Param_CopyTo(source.Get(), target.Get());
+    EXPECT_EQ(TreeText(target.Get()), "@=0: x=5:1");
 }
 
 TEST(ParamCopyToTest, ANameThatIsAPathGoesDownThePathAgain) {
     ParamPtr source = NewTree(), target = NewTree();
-    SetInt(source.get(), "a\\b", 7);
-    Param_CopyTo(source.get(), target.get());
-    EXPECT_EQ(TreeText(target.get()), "a\\b a{b=5:7}");
-    EXPECT_EQ(GetInt(target.get(), "a\\b"), 7);
+    SetInt(source.Get(), "a\\b", 7);
+    Param_CopyTo(source.Get(), target.Get());
+    EXPECT_EQ(TreeText(target.Get()), "a\\b a{b=5:7}");
+    EXPECT_EQ(GetInt(target.Get(), "a\\b"), 7);
 }
 
 TEST(ParamCopyToTest, AMissingEnumeratorIsAMissingInterface) {
     for (bool ofChildren : {true, false}) {
         std::string calls;
-        Held<RecordingParam> source(Tree({{"a\\y", 2}}).release(), "s", &calls);
+        auto source = qx::Make<RecordingParam>(Tree({{"a\\y", 2}}).Detach(), "s", &calls);
         (ofChildren ? source->noSubParams : source->noValues) = true;
         ParamPtr target = NewTree();
         try {
-            Param_CopyTo(source, target.get());
+            Param_CopyTo(source.Get(), target.Get());
             ADD_FAILURE() << "nothing was thrown";
         } catch (CXIFaceException& e) {
             EXPECT_EQ(e.GetCode(), QXERR_BAD_USE);
             EXPECT_TRUE(*e.type == qx_typeid<CTEnum<const char*>>());
         }
-        EXPECT_EQ(TreeText(target.get()), ofChildren ? "" : "a{y=5:2}");
+        EXPECT_EQ(TreeText(target.Get()), ofChildren ? "" : "a{y=5:2}");
         EXPECT_EQ(RecordingParam::alive, 1);
     }
 }
@@ -303,10 +304,10 @@ TEST(ParamCopyToTest, AMissingEnumeratorIsAMissingInterface) {
 TEST(ParamCopyToTest, AnExceptionOfABackEndPassesThroughAndLeavesNoReference) {
     std::string calls;
     {
-        Held<RecordingParam> target(NewTree().release(), "t", &calls);
+        auto target = qx::Make<RecordingParam>(NewTree().Detach(), "t", &calls);
         target->failAt = "SetValue(z)";
         ParamPtr source = Tree({{"a\\b\\z", 3}, {"x", 1}});
-        EXPECT_THROW(Param_CopyTo(source.get(), target), CXFileException);
+        EXPECT_THROW(Param_CopyTo(source.Get(), target.Get()), CXFileException);
         EXPECT_EQ(RecordingParam::alive, 1);
     }
     EXPECT_EQ(RecordingParam::alive, 0);
@@ -314,7 +315,7 @@ TEST(ParamCopyToTest, AnExceptionOfABackEndPassesThroughAndLeavesNoReference) {
 
 TEST(ParamCopyToTest, ATreeOfAnyDepthIsWalked) {
     ParamPtr source = Chain(kTooManyCalls), target = NewTree();
-    OnSmallStack([&] { Param_CopyTo(source.get(), target.get()); });
+    OnSmallStack([&] { Param_CopyTo(source.Get(), target.Get()); });
     EXPECT_EQ(Cmp(source, target), 1);
 }
 
@@ -337,10 +338,10 @@ TEST(DumpParamTest, AChildThatCannotBeOpenedHasItsHeader) {
 TEST(DumpParamTest, AMissingEnumeratorIsAMissingInterface) {
     for (bool ofChildren : {true, false}) {
         std::string calls;
-        Held<RecordingParam> node(NewTree().release(), "s", &calls);
+        auto node = qx::Make<RecordingParam>(NewTree().Detach(), "s", &calls);
         (ofChildren ? node->noSubParams : node->noValues) = true;
         try {
-            Dump_Param(node);
+            Dump_Param(node.Get());
             ADD_FAILURE() << "nothing was thrown";
         } catch (CXIFaceException& e) {
             EXPECT_TRUE(*e.type == qx_typeid<CTEnum<const char*>>());
@@ -351,5 +352,5 @@ TEST(DumpParamTest, AMissingEnumeratorIsAMissingInterface) {
 
 TEST(DumpParamTest, ATreeOfAnyDepthIsWalked) {
     ParamPtr tree = Chain(kTooManyCalls);
-    OnSmallStack([&] { Dump_Param(tree.get()); });
+    OnSmallStack([&] { Dump_Param(tree.Get()); });
 }

@@ -86,7 +86,7 @@ std::string TreeText(IParam* node) {
     for (const std::string& name : Names(node->EnumSubParams())) {
         ParamPtr child(node->OpenSubParam(name.c_str(), 0));
         text +=
-            (text.empty() ? "" : " ") + name + "{" + (child ? TreeText(child.get()) : "?") + "}";
+            (text.empty() ? "" : " ") + name + "{" + (child ? TreeText(child.Get()) : "?") + "}";
     }
     return text;
 }

@@ -3,15 +3,13 @@
 #ifndef QXCORE_TESTS_PARAM_TREE_TEXT_H
 #define QXCORE_TESTS_PARAM_TREE_TEXT_H
 
-#include "support/held.h"
-
 #include <qxcore.h>
 
 #include <memory>
 #include <string>
 
-using ParamPtr = std::unique_ptr<IParam, ReleaseObject>;
-using NamesPtr = std::unique_ptr<CTEnum<const char*>, ReleaseObject>;
+using ParamPtr = qx::Reference<IParam>;
+using NamesPtr = qx::Reference<CTEnum<const char*>>;
 
 // Type code, colon, value.
 std::string ValueText(const tagQXVARIANT& value);
