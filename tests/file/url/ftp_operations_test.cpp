@@ -6,10 +6,10 @@ namespace {
 class FtpOperationsTest : public FtpTest {
 protected:
     static std::string At(const std::string& before, const std::string& behind) {
-        return "ftp://" + before + ServedFiles::Host() + behind;
+        return "ftp://" + before + ServedFiles::kHost + behind;
     }
     static std::string Connecting(const std::string& credentials) {
-        return "InternetConnectA(" + ServedFiles::Host() + ", 21, " + credentials + ", 1, 0, 0)";
+        return "InternetConnectA(" + ServedFiles::kHost + ", 21, " + credentials + ", 1, 0, 0)";
     }
     // The calls that are made once a url has been cracked.
     static std::vector<std::string> Sequence(const std::string& operation,

@@ -6,7 +6,7 @@ namespace {
 class TransferTest : public FtpTest {
 protected:
     static std::string Of(const std::string& before, const std::string& behind) {
-        return before + ServedFiles::Host() + behind;
+        return before + ServedFiles::kHost + behind;
     }
     int Download(const std::string& name, const std::string& local,
                  const std::string& user = "user") {
@@ -48,7 +48,7 @@ TEST_F(TransferTest, ADownloadIsOneCallBehindOneConnection) {
     EXPECT_EQ(calls.Texts(),
               (std::vector<std::string>{
                   "InternetOpenA(null, 0, null, null, 0)",
-                  "InternetConnectA(" + ServedFiles::Host() + ", 21, user, secret, 1, 0, 0)",
+                  "InternetConnectA(" + ServedFiles::kHost + ", 21, user, secret, 1, 0, 0)",
                   "FtpGetFileA(/a.txt, " + local + ", 0, 128, 0x84000802, 0)"}));
 }
 

@@ -289,7 +289,7 @@ TEST_F(StorageTest, AFileOfAnotherFormatCannotBeOpened) {
 }
 
 TEST_F(StorageTest, AUrlIsNotReachable) {
-    EXPECT_EQ(Thrown([&] { open_Storage("ftp://127.0.0.2/a.stg", 1); }), "13 0 ");
+    EXPECT_EQ(Thrown([&] { open_Storage("ftp://127.0.0.1/a.stg", 1); }), "13 0 ");
 }
 
 TEST_F(StorageTest, AReadOnlyStorageRefusesChangesAndItsCommitDoesNothing) {

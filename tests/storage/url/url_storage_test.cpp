@@ -198,10 +198,10 @@ TEST_F(UrlStorageTest, TheCopyIsClosedWhenTheLastElementIsGone) {
 TEST_F(UrlStorageTest, WhateverKeepsTheFileFromBeingBroughtIsTheNetworkWithoutAName) {
     Serve("a.stg");
     std::string rows[] = {
-        ServedFiles::Url("none.stg"),                          // a missing file
-        "ftp://user:wrong@" + ServedFiles::Host() + "/a.stg",  // a wrong password
-        "ftp://127.0.0.2/a.stg",                               // nobody listens
-        ServedFiles::Url("none/deeper/a.stg"),                 // a missing directory
+        ServedFiles::Url("none.stg"),                         // a missing file
+        "ftp://user:wrong@" + ServedFiles::kHost + "/a.stg",  // a wrong password
+        "ftp://127.0.0.2/a.stg",                              // nobody listens
+        ServedFiles::Url("none/deeper/a.stg"),                // a missing directory
     };
     for (const std::string& bad : rows) {
         calls.Forget();

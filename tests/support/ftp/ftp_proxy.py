@@ -1,6 +1,7 @@
 """A man in the middle of FTP connections who can misbehave.
 
-Each new connection reads the file of faults: lines of
+Each connection reads a file of faults when its USER comes: `userN` reads fault.N, every other user fault.1. What stands
+before that, the greeting, is always fault.1's. The lines of a file are
 
     greeting TEXT          the server's first line is TEXT
     reply COMMAND TEXT     TEXT is the answer to COMMAND, which the server does not get to see
@@ -37,10 +38,13 @@ class Log:
 class Faults:
     def __init__(self, path):
         self.lines = []
-        if path.exists():
-            for line in path.read_text("latin-1").splitlines():
-                words = 1 if line.split(" ")[0] in ("greeting", "whole", "listing") else 2
-                self.lines.append(line.split(" ", words))
+        try:
+            text = path.read_text("latin-1")
+        except FileNotFoundError:
+            return
+        for line in text.splitlines():
+            words = 1 if line.split(" ")[0] in ("greeting", "whole", "listing") else 2
+            self.lines.append(line.split(" ", words))
 
     def find(self, verb, command=None):
         """The last word of the first line that starts so, or None."""
@@ -104,20 +108,28 @@ class Transfer:
         self.carried = queue.SimpleQueue()  # whether the data has gone the whole way
 
 
+def door_of(user):
+    number = user.removeprefix("user")
+    return int(number) if number != user and number.isdecimal() else 1
+
+
 class Session:
     """One control connection and the data connections that belong to it."""
 
-    def __init__(self, client, faults, log):
-        self.client, self.faults, self.log = client, faults, log
+    def __init__(self, client, directory, log):
+        self.client, self.directory, self.log = client, directory, log
         self.server = None
-        self.listing = faults.find("listing")
+        self.faults = self.faults_at(1)
         self.transfer = Transfer()
+
+    def faults_at(self, door):
+        return Faults(self.directory / f"fault.{door}")
 
     def run(self, address):
         self.log.write("connected")
         try:
             self.server = connected(address)
-            in_background(self.replies)
+            in_background(self.replies, self.faults)
             for line in lines_of(self.client):
                 if not self.take(line):
                     break
@@ -138,13 +150,13 @@ class Session:
         except OSError:
             pass
 
-    def replies(self):
-        first = self.faults.find("greeting")
-        if self.faults.find("silent", "greeting") is not None:
+    def replies(self, at_first):
+        first = at_first.find("greeting")
+        if at_first.find("silent", "greeting") is not None:
             return
-        whole = self.faults.find("whole")
         for line in lines_of(self.server):
             if line.startswith(b"226"):
+                whole = self.faults.find("whole")
                 if not self.transfer.carried.get():
                     line = text_of("426 the data connection broke")
                 elif whole:
@@ -157,7 +169,10 @@ class Session:
         """Passes a command on, or does what a fault asks for instead. False when the connection is to end."""
         words = line.decode("utf-8", "surrogateescape").rstrip("\r\n")
         self.log.write(words)
-        command = words.split(" ")[0].upper()
+        command, _, argument = words.partition(" ")
+        command = command.upper()
+        if command == "USER":
+            self.faults = self.faults_at(door_of(argument))
         if self.faults.find("close", command) is not None:
             return False
         if self.faults.find("silent", command) is not None:
@@ -207,16 +222,17 @@ class Session:
 
     def carry(self, command, server, client):
         if command == "LIST":
-            if self.listing:
-                self.replace_listing(server, client)
+            listing = self.faults.find("listing")
+            if listing:
+                self.replace_listing(listing, server, client)
                 return True
             return self.pump(server, client)
         source, target = (client, server) if command == "STOR" else (server, client)
         return self.pump(source, target, *self.limit())
 
-    def replace_listing(self, server, client):
+    def replace_listing(self, listing, server, client):
         drain(server)
-        client.sendall(pathlib.Path(self.listing).read_bytes())
+        client.sendall(pathlib.Path(listing).read_bytes())
 
     def limit(self):
         for kind in ("cut", "reset", "end", "hold"):
@@ -253,11 +269,11 @@ class Session:
 
 
 class Proxy:
-    def __init__(self, listener, server, faults, log):
-        self.listener, self.server, self.faults, self.log = listener, server, faults, log
+    def __init__(self, listener, server, directory, log):
+        self.listener, self.server, self.directory, self.log = listener, server, directory, log
 
     def serve(self):
         while True:
             client, _ = self.listener.accept()
             client.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-            in_background(Session(client, Faults(self.faults), self.log).run, self.server)
+            in_background(Session(client, self.directory, self.log).run, self.server)

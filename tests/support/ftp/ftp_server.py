@@ -1,19 +1,18 @@
 #!/usr/bin/python3
 """An FTP server for tests: ftp_server.py DIRECTORY [--faulty]
 
-Listens on port 21 of an address that is its own: the first of 127.0.21.1, 127.0.22.1 and so on where nobody does, so
-that several may run at once.
+Listens on 127.0.0.1 port 21, which a machine has once: one server runs at a time.
 
 Serves DIRECTORY/files to the users `user` (all rights), `reader` and anonymous (reading only); the password is
 `secret`. DIRECTORY/log gets a line for each connection, command and end of a connection. Names are bytes: what a
 client sends is what the file is called. With --faulty every connection goes through a proxy that does what
-DIRECTORY/fault.1 asks for (see ftp_proxy.py); it has further doors, 127.0.21.2 to 127.0.21.DOORS, each with a file of
-faults of its own.
+DIRECTORY/fault.1 asks for (see ftp_proxy.py). It has further doors: the users `user2` to `userDOORS` have the rights of
+`user`, and each has a file of faults of its own, DIRECTORY/fault.2 and so on.
 
-Says "ready ADDRESS" when it listens, and runs until it is ended.
+Says "ready" when it listens, and runs until it is ended.
 """
-import errno
 import logging
+import os
 import pathlib
 import signal
 import socket
@@ -28,38 +27,21 @@ from pyftpdlib.log import config_logging  # noqa: E402
 
 from ftp_proxy import Log, Proxy, in_background  # noqa: E402
 
-PORT = 21
-NETWORKS = [f"127.0.{number}." for number in range(21, 121)]
+HOST, PORT = "127.0.0.1", 21
 DOORS = 24
 
 
-def listen(host):
-    listener = socket.socket()
+def listen():
     try:
-        listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
-        listener.bind((host, PORT))
-        listener.listen(64)
-    except OSError:
-        listener.close()
-        raise
-    return listener
-
-
-def listen_somewhere():
-    """A listener on the first address of a network that is ours then, for everyone begins with it."""
-    for network in NETWORKS:
-        try:
-            return network, listen(network + "1")
-        except OSError as error:
-            reason = error
-            if error.errno != errno.EADDRINUSE:
-                break
-    sys.exit(f"no FTP server can listen on port {PORT} of {NETWORKS[0]}1 to {NETWORKS[-1]}1: {reason.strerror}")
+        return socket.create_server((HOST, PORT), backlog=64)
+    except OSError as error:
+        sys.exit(f"no FTP server can listen on {HOST} port {PORT}: {os.strerror(error.errno)}")
 
 
 def users(files):
     authorizer = DummyAuthorizer()
-    authorizer.add_user("user", "secret", files, perm="elradfmwMT")
+    for name in ["user"] + [f"user{door}" for door in range(2, DOORS + 1)]:
+        authorizer.add_user(name, "secret", files, perm="elradfmwMT")
     authorizer.add_user("reader", "secret", files, perm="elr")
     authorizer.add_anonymous(files, perm="elr")
     return authorizer
@@ -123,28 +105,25 @@ class Server:
                     loop.loop(timeout=0.05, blocking=False)
 
 
-def proxies(directory, network, first, log):
-    """A proxy at each door, and the server behind them."""
-    behind = socket.create_server(("127.0.0.1", 0))
+def faulty(directory, listener, log):
+    """A proxy, and the server behind it."""
+    behind = socket.create_server((HOST, 0))
     in_background(Server(behind, session_class(directory, log, behind_proxy=True)).serve)
-    for door in range(1, DOORS + 1):
-        listener = first if door == 1 else listen(network + str(door))
-        yield Proxy(listener, behind.getsockname(), directory / f"fault.{door}", log)
+    return Proxy(listener, behind.getsockname(), directory, log)
 
 
 def main():
     directory = pathlib.Path(sys.argv[1])
     (directory / "files").mkdir(exist_ok=True)
     config_logging(level=logging.ERROR)
-    network, listener = listen_somewhere()
+    listener = listen()
     log = Log(directory / "log")
     if sys.argv[2:] == ["--faulty"]:
-        servers = list(proxies(directory, network, listener, log))
+        server = faulty(directory, listener, log)
     else:
-        servers = [Server(listener, session_class(directory, log, behind_proxy=False))]
-    for server in servers:
-        in_background(server.serve)
-    print("ready", network + "1", flush=True)
+        server = Server(listener, session_class(directory, log, behind_proxy=False))
+    in_background(server.serve)
+    print("ready", flush=True)
     signal.pause()
 
 

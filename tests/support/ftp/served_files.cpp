@@ -32,7 +32,7 @@ void WriteBytes(const std::string& path, const std::string& bytes) {
 
 ServedFiles::ServedFiles() {
     const char* directory = getenv("QXCORE_FTP_DIRECTORY");
-    if (!directory || !getenv("QXCORE_FTP_HOST")) {
+    if (!directory) {
         ADD_FAILURE() << "no FTP server: start the program through tests/support/with_ftp_server";
         return;
     }
@@ -47,14 +47,9 @@ ServedFiles::~ServedFiles() {
     for (auto& entry : fs::directory_iterator(m_files)) fs::remove_all(entry.path());
 }
 
-std::string ServedFiles::Host(int door) {
-    const char* first = getenv("QXCORE_FTP_HOST");
-    std::string host = first ? first : "127.0.0.1";
-    return host.substr(0, host.rfind('.') + 1) + std::to_string(door);
-}
-
 std::string ServedFiles::Url(const std::string& name, const std::string& user, int door) {
-    return "ftp://" + (user.empty() ? "" : user + ":secret@") + Host(door) + "/" + name;
+    std::string login = user + (door == 1 ? "" : std::to_string(door)) + ":secret@";
+    return "ftp://" + (user.empty() ? "" : login) + kHost + "/" + name;
 }
 
 std::string ServedFiles::Put(const std::string& name, const std::string& bytes) const {

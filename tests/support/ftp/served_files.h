@@ -14,10 +14,10 @@ public:
     ServedFiles& operator=(const ServedFiles&) = delete;
     ~ServedFiles();
 
-    // A faulty server has several addresses, from 1 on, which may fail in different ways at the
-    // same time.
+    static inline const std::string kHost = "127.0.0.1";
+    // A faulty server has several doors, from 1 on, which may fail in different ways at the same
+    // time. All users come in by the first; "user" may take another one.
     static constexpr int kDoors = 24;
-    static std::string Host(int door = 1);
     // A url of the server; the user is "user" (all rights), "reader" or empty (anonymous, reading
     // only).
     static std::string Url(const std::string& name, const std::string& user = "user", int door = 1);
@@ -29,7 +29,8 @@ public:
     std::string ContentOf(const std::string& name) const;
     std::vector<std::string> Names(const std::string& directory = "") const;
 
-    // Lines that the proxy reads at each new connection; only in programs with a faulty server.
+    // Lines that the proxy reads when a user comes in by the door; only in programs with a faulty
+    // server. Those about the greeting belong to the first door, and hold for every connection.
     void SetFault(const std::string& lines, int door = 1) const;
     // A file beside the served ones, as the proxy names it.
     std::string PutAside(const std::string& name, const std::string& bytes) const;

@@ -303,7 +303,7 @@ TEST(DictionaryFileTest, MissingFileGivesZeroAndChangesNothing) {
 
 TEST(DictionaryFileTest, UrlThatCannotBeReachedGivesZero) {
     CWld d;
-    EXPECT_EQ(0, d.Init("ftp://127.0.0.1:1/app.wld"));
+    EXPECT_EQ(0, d.Init("ftp://127.0.0.1/app.wld"));
     EXPECT_EQ(0, d.m_bInit);
 }
 
