@@ -85,8 +85,10 @@ class Runner:
         return environment
 
     def start(self, *words, language="C"):
+        # In the root, for a program that shows its directory may go there level by level.
         return subprocess.Popen(["/usr/lib/wine/wine64", self.tool, *map(str, words)], stdin=subprocess.DEVNULL,
-                                env=self.environment(language), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                env=self.environment(language), cwd="/")
 
     def run(self, *words, language="C"):
         code = self.start(*words, language=language).wait(timeout=180)
