@@ -4,6 +4,7 @@
 
 #include <winternl.h>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace qx {
@@ -14,6 +15,7 @@ namespace {
 constexpr uintptr_t kLinks = offsetof(LDR_DATA_TABLE_ENTRY, InMemoryOrderLinks);
 constexpr uintptr_t kBase = offsetof(LDR_DATA_TABLE_ENTRY, DllBase);
 constexpr uintptr_t kPath = offsetof(LDR_DATA_TABLE_ENTRY, FullDllName);
+constexpr uintptr_t kLoader = 0x18;  // in a 64-bit PEB; headers disagree on the field's name
 constexpr uintptr_t kNext = offsetof(LIST_ENTRY, Flink);
 constexpr uintptr_t kBefore = offsetof(LIST_ENTRY, Blink);
 
@@ -48,7 +50,9 @@ bool EndsWithFile(const UNICODE_STRING& path, const char* name, size_t length) {
 const PEB_LDR_DATA* FindLoader() {
     FARPROC found = GetProcAddress(GetModuleHandleA("ntdll.dll"), "RtlGetCurrentPeb");
     auto process = reinterpret_cast<const PEB*(WINAPI*)()>(reinterpret_cast<void*>(found));
-    return process ? process()->Ldr : nullptr;
+    const PEB_LDR_DATA* loader = nullptr;
+    if (process) Read(reinterpret_cast<uintptr_t>(process()) + kLoader, &loader);
+    return loader;
 }
 
 const PEB_LDR_DATA* Loader() {
