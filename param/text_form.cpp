@@ -1,7 +1,7 @@
 // Trees in one text: the lines of ini text, each ended by "|".
-#include "param/ini/ini_reader.h"
-#include "param/ini/ini_writer.h"
-#include "param/ini/input_buffer.h"
+#include "param/ini_text/ini_reader.h"
+#include "param/ini_text/ini_writer.h"
+#include "param/ini_text/input_buffer.h"
 #include "param/mem_file.h"
 
 #include <qxcore/exception.h>

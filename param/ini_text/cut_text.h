@@ -1,7 +1,7 @@
 // Text that is put together in a buffer of a fixed size, which is the limit of its content: what is
 // longer is cut at a whole character.
-#ifndef QXCORE_PARAM_INI_CUT_TEXT_H
-#define QXCORE_PARAM_INI_CUT_TEXT_H
+#ifndef QXCORE_PARAM_INI_TEXT_CUT_TEXT_H
+#define QXCORE_PARAM_INI_TEXT_CUT_TEXT_H
 
 #include "strings/characters.h"
 #include "strings/unit_scan.h"

@@ -1,4 +1,4 @@
-#include "param/ini/ini_characters.h"
+#include "param/ini_text/ini_characters.h"
 
 #include <mbctype.h>
 #include <mbstring.h>

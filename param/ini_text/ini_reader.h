@@ -1,6 +1,6 @@
 // The reader of ini text.
-#ifndef QXCORE_PARAM_INI_READER_H
-#define QXCORE_PARAM_INI_READER_H
+#ifndef QXCORE_PARAM_INI_TEXT_READER_H
+#define QXCORE_PARAM_INI_TEXT_READER_H
 
 #include <qxcore/file.h>
 #include <qxcore/param.h>

@@ -1,6 +1,6 @@
 // What the platform tells of a profile file.
-#ifndef QXCORE_PARAM_INI_PROFILE_H
-#define QXCORE_PARAM_INI_PROFILE_H
+#ifndef QXCORE_PARAM_INI_FILE_PROFILE_H
+#define QXCORE_PARAM_INI_FILE_PROFILE_H
 
 #include <qxcore/platform.h>
 

@@ -1,6 +1,6 @@
-#include "param/ini/ini_value.h"
+#include "param/ini_text/ini_value.h"
 
-#include "param/ini/c_locale.h"
+#include "param/ini_text/c_locale.h"
 #include "strings/characters.h"
 
 #include <array>

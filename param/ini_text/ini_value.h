@@ -1,8 +1,8 @@
 // The typed values of ini text: one letter, then the text of that type.
-#ifndef QXCORE_PARAM_INI_VALUE_H
-#define QXCORE_PARAM_INI_VALUE_H
+#ifndef QXCORE_PARAM_INI_TEXT_VALUE_H
+#define QXCORE_PARAM_INI_TEXT_VALUE_H
 
-#include "param/ini/cut_text.h"
+#include "param/ini_text/cut_text.h"
 
 #include <qxcore/variant.h>
 

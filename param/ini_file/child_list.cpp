@@ -1,6 +1,6 @@
-#include "param/ini/child_list.h"
+#include "param/ini_file/child_list.h"
 
-#include "param/ini/profile.h"
+#include "param/ini_file/profile.h"
 #include "strings/characters.h"
 
 #include <qxcore/hash.h>

@@ -1,4 +1,4 @@
-#include "param/ini/input_buffer.h"
+#include "param/ini_text/input_buffer.h"
 
 #include <cstring>
 

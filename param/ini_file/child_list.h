@@ -1,6 +1,6 @@
 // The children of a node that stands over a section, told by the names of the file's sections.
-#ifndef QXCORE_PARAM_INI_CHILD_LIST_H
-#define QXCORE_PARAM_INI_CHILD_LIST_H
+#ifndef QXCORE_PARAM_INI_FILE_CHILD_LIST_H
+#define QXCORE_PARAM_INI_FILE_CHILD_LIST_H
 
 namespace qx {
 

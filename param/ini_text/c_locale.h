@@ -1,6 +1,6 @@
 // Numbers with a decimal point, whatever the process's locale.
-#ifndef QXCORE_PARAM_INI_C_LOCALE_H
-#define QXCORE_PARAM_INI_C_LOCALE_H
+#ifndef QXCORE_PARAM_INI_TEXT_C_LOCALE_H
+#define QXCORE_PARAM_INI_TEXT_C_LOCALE_H
 
 #include <qxcore/string.h>
 

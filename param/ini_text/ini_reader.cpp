@@ -1,7 +1,7 @@
-#include "param/ini/ini_reader.h"
+#include "param/ini_text/ini_reader.h"
 
-#include "param/ini/ini_value.h"
-#include "param/ini/input_buffer.h"
+#include "param/ini_text/ini_value.h"
+#include "param/ini_text/input_buffer.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/list.h>

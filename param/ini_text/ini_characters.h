@@ -1,7 +1,7 @@
 // How the ini reader steps through text: by whole characters of the runtime's code page, with the
 // classes that mean something to it.
-#ifndef QXCORE_PARAM_INI_CHARACTERS_H
-#define QXCORE_PARAM_INI_CHARACTERS_H
+#ifndef QXCORE_PARAM_INI_TEXT_CHARACTERS_H
+#define QXCORE_PARAM_INI_TEXT_CHARACTERS_H
 
 #include "strings/characters.h"
 

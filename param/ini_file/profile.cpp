@@ -1,4 +1,4 @@
-#include "param/ini/profile.h"
+#include "param/ini_file/profile.h"
 
 #include "strings/characters.h"
 

@@ -1,8 +1,8 @@
-#include "param/ini/ini_writer.h"
+#include "param/ini_text/ini_writer.h"
 
-#include "param/ini/cut_text.h"
-#include "param/ini/input_buffer.h"
-#include "param/ini/ini_value.h"
+#include "param/ini_text/cut_text.h"
+#include "param/ini_text/ini_value.h"
+#include "param/ini_text/input_buffer.h"
 #include "param/memory/value_walk.h"
 #include "param/names/walk_stack.h"
 

@@ -1,6 +1,6 @@
 // The writer of ini text.
-#ifndef QXCORE_PARAM_INI_WRITER_H
-#define QXCORE_PARAM_INI_WRITER_H
+#ifndef QXCORE_PARAM_INI_TEXT_WRITER_H
+#define QXCORE_PARAM_INI_TEXT_WRITER_H
 
 #include <qxcore/file.h>
 #include <qxcore/param.h>

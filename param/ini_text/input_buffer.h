@@ -4,10 +4,10 @@
 // starts a comment that runs to its end, wherever it stands. There is no way to escape either. A
 // physical line of no bytes, a lone line feed, ends the input like the end of the file; one with a
 // carriage return does not.
-#ifndef QXCORE_PARAM_INI_INPUT_BUFFER_H
-#define QXCORE_PARAM_INI_INPUT_BUFFER_H
+#ifndef QXCORE_PARAM_INI_TEXT_INPUT_BUFFER_H
+#define QXCORE_PARAM_INI_TEXT_INPUT_BUFFER_H
 
-#include "param/ini/ini_characters.h"
+#include "param/ini_text/ini_characters.h"
 
 #include <qxcore/file.h>
 #include <qxcore/reference.h>
