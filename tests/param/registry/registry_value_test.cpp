@@ -1,5 +1,5 @@
 // The bytes of values in the registry: ours to the bit, and what other programs leave there.
-#include "param/registry_key.h"
+#include "param/registry/registry_key.h"
 #include "param/tree_text.h"
 
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 //
 // QXCORE_TREES in the environment multiplies how many trees are taken; QXCORE_TREE_SEED is the seed
 // of the first one.
-#include "param/contract_back_ends.h"
-#include "param/differential_model.h"
+#include "param/back_ends/contract_back_ends.h"
+#include "param/back_ends/differential_model.h"
 #include "support/scratch_directory.h"
 
 #include <gtest/gtest.h>

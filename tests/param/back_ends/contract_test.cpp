@@ -1,6 +1,6 @@
 // What every back end of IParam does, slot by slot, run over all of them; where they differ by
 // design, the table of the back ends says what each does.
-#include "param/contract_back_ends.h"
+#include "param/back_ends/contract_back_ends.h"
 #include "support/slot.h"
 
 #include <gtest/gtest.h>

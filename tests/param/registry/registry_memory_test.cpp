@@ -1,5 +1,5 @@
 // What trees over registry keys do when memory runs out in the middle of an operation.
-#include "param/registry_key.h"
+#include "param/registry/registry_key.h"
 #include "param/tree_text.h"
 #include "support/allocation_failure.h"
 

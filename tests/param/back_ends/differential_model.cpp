@@ -1,4 +1,4 @@
-#include "param/differential_model.h"
+#include "param/back_ends/differential_model.h"
 
 #include "param/tree_text.h"
 

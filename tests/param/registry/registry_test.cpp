@@ -1,5 +1,5 @@
 // Trees over keys of the registry: opening, walking, and keys that others change.
-#include "param/registry_key.h"
+#include "param/registry/registry_key.h"
 #include "param/small_stack.h"
 #include "param/tree_text.h"
 #include "support/import_slot.h"

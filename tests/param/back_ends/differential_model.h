@@ -1,7 +1,7 @@
 // Random trees, and what must come back of them from each place and form: the table of losses is
 // written from the rules of the places, not from their code.
-#ifndef QXCORE_TESTS_PARAM_DIFFERENTIAL_MODEL_H
-#define QXCORE_TESTS_PARAM_DIFFERENTIAL_MODEL_H
+#ifndef QXCORE_TESTS_PARAM_BACK_ENDS_DIFFERENTIAL_MODEL_H
+#define QXCORE_TESTS_PARAM_BACK_ENDS_DIFFERENTIAL_MODEL_H
 
 #include "fuzz/fuzz_driver.h"
 

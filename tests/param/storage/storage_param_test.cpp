@@ -1,6 +1,6 @@
 // Trees over storages: what stands in the file, when it gets there, and what Clear leaves.
 #include "param/small_stack.h"
-#include "param/storage_fakes.h"
+#include "param/storage/storage_fakes.h"
 #include "param/tree_text.h"
 #include "support/scratch_directory.h"
 #include "support/slot.h"

@@ -1,4 +1,4 @@
-#include "param/contract_back_ends.h"
+#include "param/back_ends/contract_back_ends.h"
 
 #include "support/scratch_directory.h"
 

@@ -1,8 +1,8 @@
 // The back ends of IParam, side by side: where a tree lives, and in what they differ by design.
 //
 // docs/parameter-trees.md says the same to users.
-#ifndef QXCORE_TESTS_PARAM_CONTRACT_BACK_ENDS_H
-#define QXCORE_TESTS_PARAM_CONTRACT_BACK_ENDS_H
+#ifndef QXCORE_TESTS_PARAM_BACK_ENDS_CONTRACT_BACK_ENDS_H
+#define QXCORE_TESTS_PARAM_BACK_ENDS_CONTRACT_BACK_ENDS_H
 
 #include "param/tree_text.h"
 
