@@ -142,7 +142,7 @@ int CRegistryParam::GetValue(const char* name, tagQXVARIANT* out) {
     if (RegQueryValueExA(m_key.Get(), name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS)
         return 0;
     ValueBytes value(size_t(size) + 1);  // one more, since a text may come without its terminator
-    unsigned char* bytes = value.bytes.get();
+    unsigned char* bytes = value.Data();
     if (RegQueryValueExA(m_key.Get(), name, nullptr, &type, bytes, &size) != ERROR_SUCCESS)
         return 0;
     bytes[size] = 0;
@@ -156,8 +156,9 @@ int CRegistryParam::SetValue(const char* name, const tagQXVARIANT* value) {
         return SetBytes(m_key.Get(), name, REG_SZ, text, strlen(text) + 1);
     }
     if (!HasBinaryForm(value->type)) return 0;
-    ValueBytes form = BinaryFormOf(*value);
-    return SetBytes(m_key.Get(), name, REG_BINARY, form.bytes.get(), form.size);
+    ValueBytes form(BinaryFormSize(*value));
+    PutBinaryForm(*value, form.Data());
+    return SetBytes(m_key.Get(), name, REG_BINARY, form.Data(), form.Size());
 }
 
 int CRegistryParam::DeleteValue(const char* name) {

@@ -68,20 +68,23 @@ bool ReadBinaryForm(Bytes bytes, tagQXVARIANT* out) {
     return true;
 }
 
-ValueBytes BinaryFormOf(const tagQXVARIANT& value) {
+size_t BinaryFormSize(const tagQXVARIANT& value) {
     assert(HasBinaryForm(value.type));
-    bool isBlob = value.type == QXVT_BLOB;
-    const tagQXBLOB& blob = value.value.blob;
-    size_t payload = isBlob ? sizeof(uint32_t) + size_t(SizeOf(blob)) : PlainWidth(value.type);
-    ValueBytes form(sizeof(uint32_t) + payload);
-    unsigned char* at = Put32(form.bytes.get(), value.type);
-    if (isBlob) {
+    constexpr size_t kCode = sizeof(uint32_t), kCount = sizeof(uint32_t);
+    if (value.type == QXVT_BLOB) return kCode + kCount + SizeOf(value.value.blob);
+    return kCode + PlainWidth(value.type);
+}
+
+void PutBinaryForm(const tagQXVARIANT& value, unsigned char* at) {
+    assert(HasBinaryForm(value.type));
+    at = Put32(at, value.type);
+    if (value.type == QXVT_BLOB) {
+        const tagQXBLOB& blob = value.value.blob;
         at = Put32(at, SizeOf(blob));
         Put(at, blob.data, SizeOf(blob));
     } else {
-        Put(at, &value.value, payload);
+        Put(at, &value.value, PlainWidth(value.type));
     }
-    return form;
 }
 
 }  // namespace qx

@@ -19,13 +19,23 @@ struct FreeValueBlock {
     void operator()(void* block) const { FreeValue(block); }
 };
 
-// A value on its way to or from the registry, in a block of the default heap.
-struct ValueBytes {
-    explicit ValueBytes(size_t size)
-        : size(size), bytes(static_cast<unsigned char*>(AllocValue(size))) {}
+// A value on its way to or from the registry. One that is short, as most are, needs no memory of
+// the heap.
+class ValueBytes {
+public:
+    explicit ValueBytes(size_t size) : m_size(size) {
+        if (size > sizeof m_near) m_far.reset(static_cast<unsigned char*>(AllocValue(size)));
+    }
+    ValueBytes(const ValueBytes&) = delete;
+    ValueBytes& operator=(const ValueBytes&) = delete;
 
-    size_t size;
-    std::unique_ptr<unsigned char[], FreeValueBlock> bytes;
+    unsigned char* Data() { return m_far ? m_far.get() : m_near; }
+    size_t Size() const { return m_size; }
+
+private:
+    size_t m_size;
+    std::unique_ptr<unsigned char[], FreeValueBlock> m_far;
+    unsigned char m_near[128];
 };
 
 // Whether a type has the binary form.
@@ -36,8 +46,10 @@ bool HasBinaryForm(unsigned type);
 // without the form.
 bool ReadBinaryForm(Bytes bytes, tagQXVARIANT* out);
 
-// REQUIRES: HasBinaryForm(value.type).
-ValueBytes BinaryFormOf(const tagQXVARIANT& value);
+// REQUIRES of both: HasBinaryForm(value.type).
+size_t BinaryFormSize(const tagQXVARIANT& value);
+// Writes as many bytes to `at`.
+void PutBinaryForm(const tagQXVARIANT& value, unsigned char* at);
 
 }  // namespace qx
 

@@ -78,12 +78,32 @@ TEST(RegistryMemoryTest, DeletingGoesOnWhereItStopped) {
 TEST(RegistryMemoryTest, ReadingWritingAndListingKeepTheTreeUsable) {
     EXPECT_GT(FailEach([](IParam* root) { NamesText(root->EnumValues()); }), 0u);
     EXPECT_GT(FailEach([](IParam* root) { NamesText(root->EnumSubParams()); }), 0u);
-    EXPECT_GT(FailEach([](IParam* root) { SetInt(root, "new", 1); }), 0u);
+    EXPECT_GT(FailEach([](IParam* root) {
+                  std::string bytes(1000, 'b');
+                  tagQXVARIANT blob = {};
+                  blob.type = QXVT_BLOB;
+                  blob.value.blob = {1000, bytes.data()};
+                  root->SetValue("new", &blob);
+              }),
+              0u);
     EXPECT_GT(FailEach([](IParam* root) {
                   CQXVariant out("old");
                   root->GetValue("text", &out);
               }),
-              1u);
+              0u);
+}
+
+TEST(RegistryMemoryTest, PlainValuesNeedNoMemory) {
+    SmallKey small;
+    const CQXVariant number(5), rectangle(tagRRECT{1, 2, 3, 4});
+    CQXVariant out;
+    FailingAllocation failing(1);
+    for (const CQXVariant* value : {&number, &rectangle}) {
+        EXPECT_EQ(small.root->SetValue("x", value), 1);
+        EXPECT_EQ(small.root->GetValue("x", &out), 1);
+        EXPECT_EQ(small.root->DeleteValue("x"), ERROR_SUCCESS);
+    }
+    EXPECT_FALSE(failing.Happened());
 }
 
 TEST(RegistryMemoryTest, AValueThatFindsNoMemoryStaysInTheRegistry) {
@@ -98,8 +118,8 @@ TEST(RegistryMemoryTest, AValueThatFindsNoMemoryStaysInTheRegistry) {
     EXPECT_GT(FailEachAllocation(
                   MakeSmallKey,
                   [](std::unique_ptr<SmallKey>& small) {
-                      char bytes[3] = {};
-                      CQXVariant blob(tagQXBLOB{3, bytes});
+                      char bytes[300] = {};
+                      CQXVariant blob(tagQXBLOB{sizeof bytes, bytes});
                       small->root->SetValue("text", &blob);
                   },
                   stillThere),
