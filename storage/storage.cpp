@@ -34,24 +34,6 @@ HRESULT CreateInMemory(DWORD mode, IStorage** out) {
     return StgCreateDocfileOnILockBytes(bytes.Get(), mode, 0, out);
 }
 
-// Goes again unless somebody keeps it.
-class TemporaryFile {
-public:
-    TemporaryFile() { MakeSystemTempFile(m_path); }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() {
-        if (!m_kept) DeleteFileA(m_path);
-    }
-
-    const char* Path() const { return m_path; }
-    void Keep() { m_kept = true; }
-
-private:
-    char m_path[kTempNameSize];
-    bool m_kept = false;
-};
-
 // Failures tell of the path as the caller gave it.
 
 IXStorage* NewMemoryStorage(int flags, DWORD mode) {

@@ -47,14 +47,11 @@ IXOutFile* OpenOutLocal(const char* path, int flags) {
     if (Fio_IsFileExist(path) && !Fio_IsWritableFile(path)) throw CXException(QXERR_ACCESS_DENIED);
     CXString directory = CXString(path).FilePath();
     if (!*directory) directory = ".";
-    char temp[kTempNameSize];
-    if (!MakeTempFile(directory, temp)) throw CXException(CodeOfTempFileError(GetLastError()));
-    try {
-        return new CXOutFile(path, temp, flags | QXFIO_OUTPUT);
-    } catch (...) {
-        DeleteFileA(temp);
-        throw;
-    }
+    TemporaryFile temp(directory);
+    if (!temp) throw CXException(CodeOfTempFileError(GetLastError()));
+    IXOutFile* file = new CXOutFile(path, temp.Path(), flags | QXFIO_OUTPUT);
+    temp.Keep();
+    return file;
 }
 
 void DeleteLocalFile(const char* path) {

@@ -30,6 +30,10 @@ bool MakeSystemTempFile(char (&path)[kTempNameSize]) {
     return length && length < kTempNameSize && MakeTempFile(directory, path);
 }
 
+TemporaryFile::~TemporaryFile() {
+    if (!m_kept && *m_path) DeleteFileA(m_path);
+}
+
 }  // namespace qx
 
 const char* Fio_GetTempFileName() {

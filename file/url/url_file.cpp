@@ -2,31 +2,15 @@
 #include <qxcore/url.h>
 
 #include "file/platform/file_error.h"
+#include "file/platform/temp_name.h"
 #include "file/shapes/forwarding_file.h"
 
 #include <qxcore/fileops.h>
+#include <qxcore/platform.h>
 
 namespace qx {
 
 namespace {
-
-void DeleteQuietly(const char* path) {
-    try {
-        Fio_DeleteFile(path);
-    } catch (CXException&) {
-    }
-}
-
-CXString NewTempFile(const char* url) {
-    const char* temp = Fio_GetTempFileName();
-    if (!*temp) RaiseFileError(url, QXOP_OPEN);
-    try {
-        return temp;
-    } catch (...) {
-        DeleteQuietly(temp);
-        throw;
-    }
-}
 
 // A file whose data operations go to the local copy. The copy is closed when nothing else of the
 // object is left, and what that raises reaches the caller of the last Release.
@@ -41,18 +25,11 @@ public:
     }
 
 protected:
-    explicit CUrlFile(const char* url) : CForwardingFile<I, I>(url), m_temp(NewTempFile(url)) {}
+    CUrlFile(const char* url, const char* temp) : CForwardingFile<I, I>(url), m_temp(temp) {}
 
-    // The temporary file goes with an object that does not come to be.
-    template <class OpenLocal>
-    void Open(OpenLocal open) {
-        try {
-            this->m_inner = Reference<I>(open());
-            if (!this->m_inner) throw CXMemException();
-        } catch (...) {
-            DeleteQuietly(m_temp);
-            throw;
-        }
+    void SetCopy(I* opened) {
+        if (!opened) throw CXMemException();
+        this->m_inner = Reference<I>(opened);
     }
 
     CXString m_temp;
@@ -60,24 +37,20 @@ protected:
 
 class CXUrlFile final : public CUrlFile<IXFile> {
 public:
-    CXUrlFile(const char* url, int flags) : CUrlFile(url) {
-        Open([&] {
-            if (!Fio_DownloadToFile(m_path, m_temp)) RaiseFileError(m_path, QXOP_OPEN);
-            return Fio_Open(m_temp, flags);
-        });
+    CXUrlFile(const char* url, const char* temp, int flags) : CUrlFile(url, temp) {
+        if (!Fio_DownloadToFile(m_path, m_temp)) RaiseFileError(m_path, QXOP_OPEN);
+        SetCopy(Fio_Open(m_temp, flags));
     }
 
 private:
     // The local copy is still open, so the deletion fails and the file stays behind.
-    ~CXUrlFile() override {
-        if (m_inner) DeleteQuietly(m_temp);
-    }
+    ~CXUrlFile() override { DeleteFileA(m_temp); }
 };
 
 class CXUrlOutFile final : public CUrlFile<IXOutFile> {
 public:
-    CXUrlOutFile(const char* url, int flags) : CUrlFile(url) {
-        Open([&] { return Fio_OpenOut(m_temp, flags); });
+    CXUrlOutFile(const char* url, const char* temp, int flags) : CUrlFile(url, temp) {
+        SetCopy(Fio_OpenOut(m_temp, flags));
     }
 
     // A second one finds no local file to delete: code 6.
@@ -88,11 +61,16 @@ public:
     }
 };
 
-// Null when the heap gives no memory.
+// The temporary file goes with an object that does not come to be. Null when the heap gives no
+// memory.
 template <class File>
 File* NewFile(const char* url, int flags) {
+    TemporaryFile temp;
+    if (!temp) RaiseFileError(url, QXOP_OPEN);
     try {
-        return new File(url, flags);
+        auto file = new File(url, temp.Path(), flags);
+        temp.Keep();
+        return file;
     } catch (CXMemException&) {
         return nullptr;
     }

@@ -21,9 +21,9 @@
 // platform's reason. A server that cannot be reached looks like a missing file. Where a function
 // raises, it is CXFileException with the url as name, password included: show it with care.
 //
-// Threading: the functions share nothing, apart from the texts that Fio_DownloadToCacheFile and
-// Fio_GetTempFileName answer, which Fio_UrlOpen and Fio_UrlOpenOut use as well: those serve one
-// thread at a time.
+// Threading: the functions share nothing, apart from the text that Fio_DownloadToCacheFile answers
+// and the table of locks (Fio_LockFile), where a file opened for output has its local copy: both
+// serve one thread at a time.
 #ifndef QXCORE_URL_H
 #define QXCORE_URL_H
 

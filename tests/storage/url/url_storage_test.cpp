@@ -131,6 +131,32 @@ TEST_F(UrlStorageTest, WhatIsHandedOutBelongsToTheInnerStorage) {
     EXPECT_EQ(Thrown([&] { storage->DeleteStream("none"); }), "6 4 ");
 }
 
+// The object's own count is not touched by a query, which the inner storage answers.
+TEST_F(UrlStorageTest, AQueryTakesItsReferenceWhereItIsAnswered) {
+    Serve("a.stg");
+    Reference<IXStorage> storage(open_UrlStorage(url.c_str(), nullptr, 1));
+    Reference<IXStorage> inner = Ask<IXStorage>(storage.Get());
+    unsigned held = CountOf(inner.Get());
+    for (auto* id : {&qx_typeid<IQXUnknown>(), &qx_typeid<IXStorage>()}) {
+        IQXUnknown* out = nullptr;
+        EXPECT_EQ(storage->QueryInterface(*id, &out), 1);
+        EXPECT_EQ(CountOf(inner.Get()), held + 1);
+        out->Release();
+    }
+    for (auto* id :
+         {&qx_typeid<IXStream>(), &qx_typeid<IXFile>(), &qx_typeid<IProgress>(),
+          &qx_typeid<IDocStrorageInfo>(), &qx_typeid<IRegisterIface>(), &qx_typeid<IParam>()}) {
+        IQXUnknown* out = storage.Get();
+        EXPECT_EQ(storage->QueryInterface(*id, nullptr), 0) << id->name;
+        EXPECT_EQ(storage->QueryInterface(*id, &out), 0) << id->name;
+        EXPECT_EQ(out, nullptr) << id->name;
+    }
+    EXPECT_EQ(storage->QueryInterface(qx_typeid<IQXProperty>(), nullptr), 1);
+    EXPECT_NE(Ask<IQXProperty>(storage.Get()).Get(), nullptr);
+    EXPECT_EQ(CountOf(inner.Get()), held);
+    EXPECT_EQ(CountOf(storage.Get()), 1u);
+}
+
 TEST_F(UrlStorageTest, ChangesReachTheLocalCopyAndNotTheServer) {
     Serve("a.stg");
     std::string served = server.ContentOf("a.stg"), local = Path("local.stg");
@@ -200,7 +226,6 @@ TEST_F(UrlStorageTest, WhateverKeepsTheFileFromBeingBroughtIsTheNetworkWithoutAN
     std::string rows[] = {
         ServedFiles::Url("none.stg"),                         // a missing file
         "ftp://user:wrong@" + ServedFiles::kHost + "/a.stg",  // a wrong password
-        "ftp://127.0.0.2/a.stg",                              // nobody listens
         ServedFiles::Url("none/deeper/a.stg"),                // a missing directory
     };
     for (const std::string& bad : rows) {
@@ -228,6 +253,27 @@ TEST_F(UrlStorageTest, AFileThatIsNoStorageIsRefusedUnderItsLocalPath) {
     EXPECT_EQ(TempFiles(), List{});
 }
 
+TEST_F(UrlStorageTest, AStorageThatFindsNoMemoryIsNullAndLeavesNoFile) {
+    Serve("a.stg");
+    calls.Stop();  // watching takes memory
+    constexpr bool kMayDoWithout = true;
+    unsigned failures = FailEachAllocation(
+        [] { return 0; },
+        [&](int) {
+            Reference<IXStorage> storage(open_UrlStorage(url.c_str(), nullptr, 1));
+            if (!storage) throw CXMemException();
+        },
+        [&](int) { EXPECT_EQ(TempFiles(), List{}); }, kMayDoWithout);
+    EXPECT_GT(failures, 4u);  // the object and its texts, the crack, the storage over the copy
+}
+
+TEST_F(UrlStorageTest, WithoutATemporaryFileThereIsNoDownload) {
+    Serve("a.stg");
+    TemporaryFilesIn nowhere(Path("none"));
+    EXPECT_EQ(Thrown([&] { open_UrlStorage(url.c_str(), nullptr, 1); }), "13 0 ");
+    EXPECT_EQ(server.Count("RETR"), 0);
+}
+
 TEST_F(UrlStorageTest, AUrlInReadOnlyMemoryIsLeftAsItIs) {
     Serve("a.stg");
     auto page =
@@ -246,6 +292,8 @@ TEST_F(UrlStorageTest, AStorageBehindAUrlMayBeWatched) {
     auto sink = qx::Make<TestSink>();
     Reference<IXStorage> document = Watch(storage.Get(), sink.Get());
     EXPECT_STREQ(document->GetPath(), url.c_str());
+    Reference<IXStorage> child(document->OpenStorage("child"));
+    EXPECT_EQ(Reference<IXStorage>(child->GetParent()).Get(), Ask<IXStorage>(storage.Get()).Get());
     Reference<IXStream> stream(document->OpenStream("one"));
     sink->answer = [] { return 1; };
     EXPECT_EQ(Thrown([&] { stream->ReadByte(); }), "1");
