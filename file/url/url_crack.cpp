@@ -9,6 +9,7 @@
 #include <shlwapi.h>
 #include <wininet.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -29,10 +30,12 @@ private:
     char m_kept;
 };
 
-// Empty when the url has no such part. The length counts where the url's memory took no NUL.
-CXString TextOf(char* part, DWORD length) {
+// Empty when the url has no such part. The length counts where the url's memory took no NUL. In a
+// url that is no text of the code page the platform may tell of a part that goes past the end.
+CXString TextOf(char* part, DWORD length, const char* end) {
     CXString text;
-    if (!part) return text;
+    if (!part || part > end) return text;
+    length = DWORD(std::min<size_t>(length, size_t(end - part)));
     CutShort cut(part + length);
     __CXBuff<CXString, char*> copy(text, int(length));
     memcpy(copy.buffer, part, length);
@@ -56,10 +59,11 @@ int Fio_UrlCrack(const char* url, CXString& host, CXString& user, CXString& pass
     parts.dwPasswordLength = parts.dwUrlPathLength = 1;
     if (!InternetCrackUrlA(url, 0, 0, &parts)) return 0;
     // All are copied before the first goes out, for the url may be one of them.
-    CXString texts[] = {TextOf(parts.lpszHostName, parts.dwHostNameLength),
-                        TextOf(parts.lpszUserName, parts.dwUserNameLength),
-                        TextOf(parts.lpszPassword, parts.dwPasswordLength),
-                        TextOf(parts.lpszUrlPath, parts.dwUrlPathLength)};
+    const char* end = url + strlen(url);
+    CXString texts[] = {TextOf(parts.lpszHostName, parts.dwHostNameLength, end),
+                        TextOf(parts.lpszUserName, parts.dwUserNameLength, end),
+                        TextOf(parts.lpszPassword, parts.dwPasswordLength, end),
+                        TextOf(parts.lpszUrlPath, parts.dwUrlPathLength, end)};
     host = texts[0];
     user = texts[1];
     password = texts[2];

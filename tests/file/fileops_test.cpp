@@ -17,7 +17,6 @@ TEST_F(FileOpsTest, IsFileExistKnowsFilesAndDirectories) {
     EXPECT_EQ(Fio_IsFileExist(Path("none").c_str()), 0);
     EXPECT_EQ(Fio_IsFileExist(Path("none\\f").c_str()), 0);
     EXPECT_EQ(Fio_IsFileExist("q:\\none"), 0);
-    EXPECT_EQ(Fio_IsFileExist("ftp://127.0.0.1/none"), 0);
     EXPECT_EQ(Fio_IsFileExist(""), 0);
     EXPECT_EQ(Fio_IsFileExist(nullptr), 0);
 }

@@ -86,6 +86,34 @@ TEST_F(UrlFailureTest, WhatClosingTheLocalCopyRaisesReachesTheLastRelease) {
     EXPECT_LE(LiveBlocks(), before + 2);  // the texts of the failure
 }
 
+TEST_F(UrlFailureTest, WhatClosingTheLocalCopyRaisesReachesCommit) {
+    OutFile file(Fio_UrlOpenOut(Url("dir.d/a.txt"), 0));
+    file->Write("new", 3);
+    {
+        ReplacedImport failing("SetEndOfFile", reinterpret_cast<void*>(&FailingCall));
+        Failure failure = FailureOf([&] { file->Commit(); });
+        EXPECT_EQ(failure.code, QXERR_MEMORY);
+        EXPECT_EQ(failure.operation, QXOP_WRITE);
+        EXPECT_EQ(failure.name.compare(0, TempPath("QXP").size(), TempPath("QXP")), 0);
+    }
+    file.Release();
+    EXPECT_EQ(server.ContentOf("dir.d\\a.txt"), "old");
+    EXPECT_EQ(TempFiles().size(), 1u);  // as without Commit
+    RemoveTempFiles();
+}
+
+TEST_F(UrlFailureTest, WithoutATemporaryFileThereIsNothingToOpen) {
+    TemporaryFilesIn nowhere(Path("none"));
+    char* url = Url("dir.d/a.txt");
+    for (int attempt : {0, 1}) {
+        Failure failure =
+            FailureOf([&] { attempt ? OutFile(Fio_OpenOut(url, 0)), 0 : (Fio_Open(url, 0), 0); });
+        EXPECT_EQ(failure.operation, QXOP_OPEN);
+        EXPECT_EQ(failure.name, url);
+    }
+    EXPECT_EQ(server.Count("RETR"), 0);
+}
+
 TEST_F(UrlFailureTest, CredentialsReachNoLog) {
     ReplacedImport log("OutputDebugStringA", reinterpret_cast<void*>(&NotingLog));
     ASSERT_TRUE(log);

@@ -66,8 +66,9 @@ HINTERNET WINAPI Connect(HINTERNET internet, LPCSTR host, INTERNET_PORT port, LP
 
 BOOL WINAPI Close(HINTERNET handle) {
     Call call("InternetCloseHandle");
-    if (!g_watch.handles.erase(handle)) ++g_watch.wrongClosings;
-    return InternetCloseHandle(handle);
+    BOOL closed = InternetCloseHandle(handle);
+    if (!g_watch.handles.erase(handle) || !closed) ++g_watch.wrongClosings;
+    return closed;
 }
 
 BOOL WINAPI Get(HINTERNET connection, LPCSTR remote, LPCSTR local, WINBOOL failIfExists,
@@ -111,7 +112,7 @@ BOOL WINAPI FindNext(HINTERNET search, LPVOID found) {
 
 HRESULT WINAPI DownloadToCache(LPUNKNOWN caller, LPCSTR url, LPSTR path, DWORD room, DWORD flags,
                                LPBINDSTATUSCALLBACK status) {
-    Call call("URLDownloadToCacheFileA");
+    Call call("URLDownloadToCacheFileA", url, room, flags);
     return URLDownloadToCacheFileA(caller, url, path, room, flags, status);
 }
 

@@ -26,7 +26,8 @@ public:
     // Each call with its arguments, but for handles and buffers: "InternetOpenA(null, 0, null,
     // null, 0)".
     const std::vector<std::string>& Texts() const;
-    // Handles opened and not closed, and closings of what was not open.
+    // Handles opened and not closed, and closings of what was not open, as of a connection behind
+    // that of its internet handle.
     int OpenHandles() const;
     int WrongClosings() const;
     // The process's error mode during the last search on the server.

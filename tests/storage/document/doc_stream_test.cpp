@@ -1,5 +1,6 @@
 // Where each operation of a wrapped stream asks the sink, and what the stream answers to queries.
 #include "storage/document/document_kinds.h"
+#include "support/slot.h"
 
 using qx::Ask;
 using qx::Make;
@@ -146,7 +147,9 @@ TEST_F(DocStreamTest, WithoutAnyoneToAskEachAskingOperationRaisesBadUse) {
 TEST_F(DocStreamTest, AnOperationThatFailsDoesNotAsk) {
     Reference<IXStream> empty{new_StreamOnMemory()};
     Reference<IXStream> watched = WatchStream(document.Get(), empty.Get());
-    EXPECT_EQ(Thrown([&] { watched->ReadLong(); }), "4");
+    EXPECT_THROW(watched->ReadLong(), CXEofException);
+    char line[3];
+    EXPECT_THROW(watched->ReadString(line, 1), CXEofException);
     EXPECT_EQ(Thrown([&] { watched->Seek(0, 9); }), "10 3 Memory stream");
     EXPECT_EQ(sink->polls, 0);
 }
@@ -330,6 +333,27 @@ TEST_F(DocStreamTest, TheInformationTellsOfTheDocument) {
     EXPECT_EQ(info->Reserved3(&untouched), 0);
     EXPECT_EQ(untouched, &log);
     EXPECT_EQ(sink->polls, 0);
+}
+
+TEST_F(DocStreamTest, TheInformationAndTheTableHaveTheirOperationsInOrder) {
+    Reference<IDocStrorageInfo> info = Ask<IDocStrorageInfo>(stream.Get());
+    Reference<IXStorage> place;
+    Reference<IXStream> beneath;
+    IDocStrorageInfo* i = info.Get();
+    EXPECT_EQ(Slot<int(void*, IXStorage**)>(i, 3)(i, place.Receive()), 1);
+    EXPECT_EQ(place.Get(), storage.Get());
+    EXPECT_EQ(Slot<int(void*, IXStorage**)>(i, 5)(i, place.Receive()), 1);
+    EXPECT_EQ(place.Get(), document.Get());
+    EXPECT_EQ(Slot<int(void*, IXStream**)>(i, 7)(i, beneath.Receive()), 1);
+    EXPECT_EQ(beneath.Get(), inner.Get());
+    for (int reserved : {4, 6, 8}) EXPECT_EQ(Slot<int(void*, void*)>(i, reserved)(i, nullptr), 0);
+    EXPECT_EQ(Slot<int(void*)>(i, 9)(i), 7);  // GetFlag
+
+    Reference<IRegisterIface> table = Ask<IRegisterIface>(stream.Get());
+    IRegisterIface* t = table.Get();
+    auto attach = Slot<int(void*, IQXUnknown*, qx_type_info const&, int)>(t, 3);
+    EXPECT_EQ(attach(t, inner.Get(), qx_typeid<IService>(), 0), 1);
+    EXPECT_EQ(stream->QueryInterface(qx_typeid<IService>(), nullptr), 1);
 }
 
 TEST_F(DocStreamTest, WhatTheInformationHandsOutIsReferenced) {
