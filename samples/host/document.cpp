@@ -1,5 +1,6 @@
 #include "document.h"
 
+#include <qxcore/document.h>
 #include <qxcore/enum.h>
 #include <qxcore/exception.h>
 #include <qxcore/fileops.h>
@@ -47,14 +48,20 @@ void Write(Document const& document, IXStorage* storage) {
     }
 }
 
-// The last release commits, so what was written only in part is taken back first.
-void WriteWhole(Document const& document, qx::Reference<IXStorage> storage) {
+// The last release commits, so what was written only in part is taken back first. Every operation
+// on a stream of the storage asks the sink, if there is one, whether to go on.
+void WriteWhole(Document const& document, qx::Reference<IXStorage> storage,
+                IProgress* sink = nullptr) {
+    qx::Reference<IXStorage> watched = storage;
+    if (sink) new_CIXDocStorage(storage.Get(), sink, watched.Receive(), 0);
     try {
-        Write(document, storage.Get());
+        Write(document, watched.Get());
     } catch (...) {
+        watched.Release();
         static_cast<CStorage*>(storage.Get())->Revert();
         throw;
     }
+    watched.Release();
     storage.Release();
 }
 
@@ -119,12 +126,13 @@ void Document::SaveAs(const char* path) const {
     copy.PutBack(path);
 }
 
-void Document::Save(const char* path) const {
+void Document::Save(const char* path, IProgress* sink) const {
     if (!Fio_PathIsURL(path))
-        return WriteWhole(*this, qx::Reference<IXStorage>(open_Storage(path, 0)));
+        return WriteWhole(*this, qx::Reference<IXStorage>(open_Storage(path, 0)), sink);
     LocalCopy copy;
     copy.Fetch(path);
-    Save(copy.Path());
+    Save(copy.Path(), sink);
+    if (sink && sink->IsCancelled()) throw CXException(QXERR_CANCELLED);
     copy.PutBack(path);
 }
 

@@ -9,6 +9,7 @@
 #define HOST_DOCUMENT_H
 
 #include <qxcore/persist.h>
+#include <qxcore/progress.h>
 #include <qxcore/reference.h>
 #include <qxcore/storage.h>
 
@@ -25,11 +26,12 @@ struct Document {
     // A note of the plug-in's class. False when nobody makes that class.
     bool AddNote(const char* name, const char* text);
     // Load replaces the whole content. `tell`, if given, hears how many notes of how many are read.
-    // SaveAs makes the file; Save changes one, which stays as it was on failure.
+    // SaveAs makes the file; Save changes one, which stays as it was on failure. A sink that says
+    // stop before the file goes to its server makes that failure: CXException code 1.
     void Load(const char* path);
     void Load(IXStorage* storage, std::function<void(int, int)> const& tell = nullptr);
     void SaveAs(const char* path) const;
-    void Save(const char* path) const;
+    void Save(const char* path, IProgress* sink = nullptr) const;
     // A line of text for each note.
     std::vector<std::string> Lines() const;
     void Print() const;

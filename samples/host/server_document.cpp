@@ -48,9 +48,10 @@ bool OpenFromServer(HINSTANCE instance, HWND owner, ServerDocument& opened) {
 bool SaveToServer(HINSTANCE instance, HWND owner, ServerDocument const& open) {
     try {
         RunWithProgress(instance, owner,
-                        [&open](WorkProgress&) { open.document.Save(open.address.c_str()); });
+                        [&open](WorkProgress& p) { open.document.Save(open.address.c_str(), &p); });
     } catch (CXException& failure) {
-        TellFailure(instance, owner, IDS_NOT_PUT_BACK, failure);
+        if (failure.GetCode() != QXERR_CANCELLED)
+            TellFailure(instance, owner, IDS_NOT_PUT_BACK, failure);
         return false;
     }
     return true;

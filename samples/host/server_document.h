@@ -15,7 +15,8 @@ struct ServerDocument {
 // when the user gave up or a message box has told what went wrong; `opened` then stays.
 bool OpenFromServer(HINSTANCE instance, HWND owner, ServerDocument& opened);
 
-// Puts the document back where it came from. False when a message box has told that it failed.
+// Puts the document back where it came from. False when the user has stopped it before the server
+// was sent anything, or a message box has told that it failed.
 bool SaveToServer(HINSTANCE instance, HWND owner, ServerDocument const& open);
 
 #endif
