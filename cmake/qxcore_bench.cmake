@@ -1,3 +1,7 @@
+qxcore_precompiled_headers(qxcore_bench_headers LINK qxcore qxcore_warnings qxcore_platform qxcore_product_code
+  HEADERS <qxcore/platform.h> <objbase.h> <algorithm> <chrono> <cstdio> <cstring> <functional> <map> <memory> <string>
+    <unordered_map> <vector>)
+
 # qxcore_add_bench(NAME SOURCE...): a benchmark program; it prints ratios and asserts nothing.
 function(qxcore_add_bench name)
   cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
@@ -6,6 +10,7 @@ function(qxcore_add_bench name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform qxcore_product_code
     ${arg_LINK})
+  qxcore_use_precompiled_headers(${name} qxcore_bench_headers)
 endfunction()
 
 # qxcore_bench_peer(NAME HEADER DEFINITION...): lets a benchmark see a header-only library of the build machine, and

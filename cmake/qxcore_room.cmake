@@ -16,12 +16,20 @@ if(NOT MSVC)
   endif()
 endif()
 
+qxcore_precompiled_headers(qxcore_library_headers LINK qxcore_library_code
+  HEADERS <qxcore/platform.h> <objbase.h> <algorithm> <atomic> <cassert> <cstdint> <cstdlib> <cstring> <memory> <new>
+    <utility>)
+if(TARGET qxcore_library_headers)
+  set_target_properties(qxcore_library_headers PROPERTIES CXX_VISIBILITY_PRESET hidden)
+endif()
+
 # qxcore_room(NAME SOURCE...): the sources of one room, an object library that becomes part of the DLL. A test of what no
 # export shows links qxcore_NAME_archive, from which the linker takes the objects that the test asks for.
 function(qxcore_room name)
   add_library(qxcore_${name} OBJECT ${ARGN})
   target_link_libraries(qxcore_${name} PRIVATE qxcore_library_code)
   set_target_properties(qxcore_${name} PROPERTIES CXX_VISIBILITY_PRESET hidden)
+  qxcore_use_precompiled_headers(qxcore_${name} qxcore_library_headers)
   target_sources(qxcore PRIVATE $<TARGET_OBJECTS:qxcore_${name}>)
   add_library(qxcore_${name}_archive STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:qxcore_${name}>)
   set_target_properties(qxcore_${name}_archive PROPERTIES LINKER_LANGUAGE CXX)

@@ -5,6 +5,18 @@ set(gtest_disable_pthreads ON CACHE BOOL "" FORCE)
 add_subdirectory(${QXCORE_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
 target_link_libraries(gtest PRIVATE $<BUILD_INTERFACE:qxcore_test_code>)
 
+if(WIN32)
+  qxcore_precompiled_headers(qxcore_test_headers
+    LINK qxcore gtest qxcore_warnings qxcore_platform qxcore_test_code
+    HEADERS <gtest/gtest.h> <qxcore/platform.h> <objbase.h> <algorithm> <atomic> <cstdio> <cstdlib> <cstring> <functional>
+      <map> <memory> <random> <string> <thread> <vector>)
+  # Modules and second processes know nothing of GoogleTest.
+  qxcore_precompiled_headers(qxcore_test_program_headers
+    LINK qxcore qxcore_warnings qxcore_platform qxcore_test_code
+    HEADERS <qxcore/platform.h> <objbase.h> <algorithm> <cstdio> <cstdlib> <cstring> <map> <memory> <random> <string>
+      <vector>)
+endif()
+
 # qxcore_register_test(NAME TARGET [ARGUMENT...]): a program as a test of CTest, which may take TIMEOUT seconds and finds what
 # stands behind ENVIRONMENT there. With several narrow code pages behind CODEPAGE it is a test in each, called NAME_932 and
 # so on, in a folder of its own, since they may run at the same time. In the arguments @RUN@ is the name of the test.
@@ -43,6 +55,7 @@ function(qxcore_add_test name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE qxcore qxcore_test_support gtest qxcore_warnings qxcore_platform qxcore_test_code
     ${arg_LINK})
+  qxcore_use_precompiled_headers(${name} qxcore_test_headers)
   # GoogleTest takes a path without a drive for a relative one; the tree of the build machine is Wine's drive Z.
   set(drive $<$<BOOL:${CMAKE_CROSSCOMPILING}>:Z:>)
   if(NOT arg_PROCESSES)
@@ -70,6 +83,7 @@ function(qxcore_add_module name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform qxcore_test_code
     ${arg_LINK})
+  qxcore_use_precompiled_headers(${name} qxcore_test_program_headers)
   set_target_properties(${name} PROPERTIES PREFIX "")
 endfunction()
 
@@ -81,4 +95,5 @@ function(qxcore_add_program name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform qxcore_test_code
     ${arg_LINK})
+  qxcore_use_precompiled_headers(${name} qxcore_test_program_headers)
 endfunction()
