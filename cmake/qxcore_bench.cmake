@@ -1,6 +1,7 @@
-qxcore_precompiled_headers(qxcore_bench_headers LINK qxcore qxcore_warnings qxcore_platform qxcore_product_code
-  HEADERS <qxcore/platform.h> <objbase.h> <algorithm> <chrono> <cstdio> <cstring> <functional> <map> <memory> <string>
-    <unordered_map> <vector>)
+qxcore_precompiled_headers(qxcore_bench_headers LINK qxcore qxcore_warnings qxcore_platform
+  qxcore_product_code
+  HEADERS <qxcore/platform.h> <objbase.h> <algorithm> <chrono> <cstdio> <cstring> <functional> <map>
+    <memory> <string> <unordered_map> <vector>)
 
 # qxcore_add_bench(NAME SOURCE...): a benchmark program; it prints ratios and asserts nothing.
 function(qxcore_add_bench name)
@@ -13,9 +14,9 @@ function(qxcore_add_bench name)
   qxcore_use_precompiled_headers(${name} qxcore_bench_headers)
 endfunction()
 
-# qxcore_bench_peer(NAME HEADER DEFINITION...): lets a benchmark see a header-only library of the build machine, and
-# tells it so by the definitions; without the library nothing happens. A link to it keeps the other headers
-# beside it out of sight, for they belong to another system.
+# qxcore_bench_peer(NAME HEADER DEFINITION...): lets a benchmark see a header-only library of the
+# build machine, and tells it so by the definitions; without the library nothing happens. A link to
+# it keeps the other headers beside it out of sight, for they belong to another system.
 function(qxcore_bench_peer name header)
   string(REGEX MATCH "^[^/]+" entry ${header})
   find_path(QXCORE_PEER_${entry} ${header} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH)

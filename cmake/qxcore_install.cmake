@@ -9,6 +9,8 @@ install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT qxcoreTargets NAMESPACE qxcore:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qxcore)
 configure_package_config_file(cmake/qxcoreConfig.cmake.in ${PROJECT_BINARY_DIR}/qxcoreConfig.cmake
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qxcore)
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/qxcoreConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/qxcoreConfig.cmake ${PROJECT_BINARY_DIR}/qxcoreConfigVersion.cmake
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/qxcoreConfigVersion.cmake COMPATIBILITY
+  SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/qxcoreConfig.cmake
+  ${PROJECT_BINARY_DIR}/qxcoreConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qxcore)

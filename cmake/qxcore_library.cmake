@@ -7,9 +7,10 @@ target_link_libraries(qxcore PRIVATE $<BUILD_INTERFACE:qxcore_platform>
 set_target_properties(qxcore PROPERTIES PREFIX "" LINKER_LANGUAGE CXX DEBUG_POSTFIX "")
 
 if(MSVC)
-  # The library stands alone, its runtime linked in. A program that links it takes the global allocation functions from
-  # it without more, since a named library goes before the runtime's.
-  set_target_properties(qxcore PROPERTIES MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+  # The library stands alone, its runtime linked in. A program that links it takes the global
+  # allocation functions from it without more, since a named library goes before the runtime's.
+  set_target_properties(qxcore PROPERTIES MSVC_RUNTIME_LIBRARY
+    "MultiThreaded$<$<CONFIG:Debug>:Debug>")
 else()
   # Nothing is exported but what is marked.
   target_link_options(qxcore PRIVATE -Wl,--exclude-all-symbols)

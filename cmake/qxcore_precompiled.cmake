@@ -1,11 +1,12 @@
-# Headers that nearly every source of a kind includes are compiled once: the platform's own take most of the time of a
-# small file. Every source includes what it uses all the same, so that it builds without them.
+# Headers that nearly every source of a kind includes are compiled once: the platform's own take
+# most of the time of a small file. Every source includes what it uses all the same, so that it
+# builds without them.
 option(QXCORE_PRECOMPILE "Compile the headers that most sources include only once" ON)
 # A source that is compiled unlike the others, with one more macro, reads the headers themselves.
 set(CMAKE_PCH_WARN_INVALID OFF)
 
-# qxcore_precompiled_headers(NAME LINK LIBRARY... HEADERS HEADER...): headers compiled as targets are that link these
-# libraries. qxcore_use_precompiled_headers gives them to such a target.
+# qxcore_precompiled_headers(NAME LINK LIBRARY... HEADERS HEADER...): headers compiled as targets
+# are that link these libraries. qxcore_use_precompiled_headers gives them to such a target.
 function(qxcore_precompiled_headers name)
   cmake_parse_arguments(arg "" "" "LINK;HEADERS" ${ARGN})
   if(QXCORE_PRECOMPILE)
@@ -21,7 +22,8 @@ function(qxcore_use_precompiled_headers target name)
   if(QXCORE_PRECOMPILE)
     target_precompile_headers(${target} REUSE_FROM ${name})
     if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-      # ccache learns from the preprocessed text which precompiled headers a source was compiled with.
+      # ccache learns from the preprocessed text which precompiled headers a source was compiled
+      # with.
       target_compile_options(${target} PRIVATE -fpch-preprocess)
     endif()
   endif()

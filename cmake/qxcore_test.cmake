@@ -8,18 +8,19 @@ target_link_libraries(gtest PRIVATE $<BUILD_INTERFACE:qxcore_test_code>)
 if(WIN32)
   qxcore_precompiled_headers(qxcore_test_headers
     LINK qxcore gtest qxcore_warnings qxcore_platform qxcore_test_code
-    HEADERS <gtest/gtest.h> <qxcore/platform.h> <objbase.h> <algorithm> <atomic> <cstdio> <cstdlib> <cstring> <functional>
-      <map> <memory> <random> <string> <thread> <vector>)
+    HEADERS <gtest/gtest.h> <qxcore/platform.h> <objbase.h> <algorithm> <atomic> <cstdio> <cstdlib>
+      <cstring> <functional> <map> <memory> <random> <string> <thread> <vector>)
   # Modules and second processes know nothing of GoogleTest.
   qxcore_precompiled_headers(qxcore_test_program_headers
     LINK qxcore qxcore_warnings qxcore_platform qxcore_test_code
-    HEADERS <qxcore/platform.h> <objbase.h> <algorithm> <cstdio> <cstdlib> <cstring> <map> <memory> <random> <string>
-      <vector>)
+    HEADERS <qxcore/platform.h> <objbase.h> <algorithm> <cstdio> <cstdlib> <cstring> <map> <memory>
+      <random> <string> <vector>)
 endif()
 
-# qxcore_register_test(NAME TARGET [ARGUMENT...]): a program as a test of CTest, which may take TIMEOUT seconds and finds what
-# stands behind ENVIRONMENT there. With several narrow code pages behind CODEPAGE it is a test in each, called NAME_932 and
-# so on, in a folder of its own, since they may run at the same time. In the arguments @RUN@ is the name of the test.
+# qxcore_register_test(NAME TARGET [ARGUMENT...]): a program as a test of CTest, which may take
+# TIMEOUT seconds and finds what stands behind ENVIRONMENT there. With several narrow code pages
+# behind CODEPAGE it is a test in each, called NAME_932 and so on, in a folder of its own, since
+# they may run at the same time. In the arguments @RUN@ is the name of the test.
 function(qxcore_register_test name target)
   cmake_parse_arguments(arg "" "TIMEOUT" "CODEPAGE;ENVIRONMENT" ${ARGN})
   list(LENGTH arg_CODEPAGE pages)
@@ -44,19 +45,22 @@ function(qxcore_register_test name target)
   endforeach()
 endfunction()
 
-# qxcore_add_test(NAME SOURCE...): a test program over the library's headers, registered with CTest as one test.
-# Its tests must not need an order. Behind LINK stand further libraries. Behind CODEPAGE stand the narrow code pages of the
-# process in which it runs; with several it is one test of CTest in each. Behind PROCESSES stands how many processes share
-# a long program's tests; each is one test of CTest then.
+# qxcore_add_test(NAME SOURCE...): a test program over the library's headers, registered with CTest
+# as one test. Its tests must not need an order. Behind LINK stand further libraries. Behind
+# CODEPAGE stand the narrow code pages of the process in which it runs; with several it is one test
+# of CTest in each. Behind PROCESSES stands how many processes share a long program's tests; each is
+# one test of CTest then.
 function(qxcore_add_test name)
   cmake_parse_arguments(arg "" "PROCESSES" "LINK;CODEPAGE" ${ARGN})
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE qxcore qxcore_test_support gtest qxcore_warnings qxcore_platform qxcore_test_code
+  target_link_libraries(${name} PRIVATE qxcore qxcore_test_support gtest qxcore_warnings
+    qxcore_platform qxcore_test_code
     ${arg_LINK})
   qxcore_use_precompiled_headers(${name} qxcore_test_headers)
-  # GoogleTest takes a path without a drive for a relative one; the tree of the build machine is Wine's drive Z.
+  # GoogleTest takes a path without a drive for a relative one; the tree of the build machine is
+  # Wine's drive Z.
   set(drive $<$<BOOL:${CMAKE_CROSSCOMPILING}>:Z:>)
   if(NOT arg_PROCESSES)
     set(arg_PROCESSES 1)

@@ -1,4 +1,5 @@
-# qxcore_version(TARGET DESCRIPTION): gives a program or library its version resource, and no time of its making.
+# qxcore_version(TARGET DESCRIPTION): gives a program or library its version resource, and no time
+# of its making.
 function(qxcore_version target description)
   get_target_property(type ${target} TYPE)
   if(type STREQUAL SHARED_LIBRARY)
@@ -9,7 +10,8 @@ function(qxcore_version target description)
     set(QXCORE_FILE_TYPE VFT_APP)
   endif()
   set(QXCORE_FILE_DESCRIPTION ${description})
-  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${PROJECT_BINARY_DIR}/version/${target}.rc @ONLY)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in
+    ${PROJECT_BINARY_DIR}/version/${target}.rc @ONLY)
   target_sources(${target} PRIVATE ${PROJECT_BINARY_DIR}/version/${target}.rc)
   if(NOT MSVC)
     target_link_options(${target} PRIVATE -Wl,--no-insert-timestamp)
