@@ -28,9 +28,10 @@ struct IParam : IQXUnknown {
     // deleting its entry.
     virtual CTEnum<const char*>* EnumSubParams() = 0;
     // 1 and the value, with the type it was stored with; or 0 with `out` as it was. A null or empty
-    // name is "@".
+    // name is "@". REQUIRES: out is not null.
     virtual int GetValue(const char* name, tagQXVARIANT* out) = 0;
-    // Creates or replaces. 1 if something was stored, 0 if the back end could not.
+    // Creates or replaces. 1 if something was stored, 0 if the back end could not. REQUIRES: value
+    // is not null.
     virtual int SetValue(const char* name, const tagQXVARIANT* value) = 0;
     // 1 if the name is gone, also when it was never there. The name is no path here.
     virtual int DeleteValue(const char* name) = 0;
@@ -59,7 +60,8 @@ QXCORE_API IParam* new_MemParam();
 // (every other type but the object: the type's code in 32 bits, then the value). The key must
 // exist; where it does not, or where it does not open for full access, the answer is null. Names go
 // to the platform as they are: "\" reaches subkeys in the operations on children and is a character
-// like others in those on values; a null or empty value name is the key's default value.
+// like others in those on values; a null or empty value name is the key's default value, which is
+// listed by an empty name and so does not survive in a stream.
 //
 // Every call reaches the registry at once. Each open gives another object on a handle of its own,
 // which holds no parent. GetValue of a missing value clears the variant; an empty text reads as
@@ -106,7 +108,7 @@ QXCORE_API IParam* new_IXStorParam(IXStorage* storage);
 // - Types 0 to 16 are held; SetValue of a blob or an object answers 0, of the others what the
 //   platform answered. A byte (type 2) comes back as 0, or not at all when one of its hexadecimal
 //   digits would be a letter. Blanks at the end of a text, and what stands behind a line end in it,
-//   are lost.
+//   are lost. Reals have 14 digits; what is infinite or no number comes back as a number.
 // - GetValue clears the variant where there is no such value, but not where a path leads nowhere. A
 //   line that another program wrote without the letter reads as missing.
 // - Paths: "\" in a child's name reaches deeper and makes no section between. SetValue of "a\b"
@@ -116,8 +118,10 @@ QXCORE_API IParam* new_IXStorParam(IXStorage* storage);
 //   a section of its own is listed and cannot be opened. A child of the root whose name is a single
 //   byte is listed only when a section lies below it, so it outlives Clear of the root. Names are
 //   listed as they are spelled, also twice when the spellings differ in case.
-// - A value, and the names of all keys of a section or of all sections of a file, end at 64,000
-//   bytes, a value's path at 8,191: what is longer is cut at a whole character.
+// - What is stored of a value ends at 32,766 bytes, its path at 8,191; what is read, a value or the
+//   names of all keys of a section or of all sections of a file, at 64,000: what is longer is cut
+//   at a whole character. A longer name than 32,766 bytes holds nothing. A name has no line end, no
+//   "[" or ";" in front and no blanks at its ends, and that of a value no "=".
 //
 // A child holds its parent. QueryInterface answers what is attached. Threading: all nodes of the
 // process serve one thread at a time. Two processes that write one file at the same time may lose
@@ -151,11 +155,10 @@ QXCORE_API int Param_Cmp(IParam* a, IParam* b);
 // target cannot hold is lost without a word; a value that cannot be read arrives as empty, and a
 // child that cannot be opened or created is passed over. An enumerator that does not come throws
 // CXIFaceException of CTEnum<const char*>; exceptions of the back ends pass through. REQUIRES:
-// neither is null.
+// neither is null, and the target does not lie below the source, which would grow without end.
 QXCORE_API void Param_CopyTo(IParam* source, IParam* target);
-// Tells the debugger (OutputDebugString) the names of a tree: a line " name \n" for each value,
-// then
-// "--- name ---\n" for each child and, where it can be opened, its own lines. Throws as
+// Tells the debugger (OutputDebugString) the names of a tree, line by line: " name \n" for each
+// value, then "--- name ---\n" for each child and, where it can be opened, its own lines. Throws as
 // Param_CopyTo. REQUIRES: param is not null.
 QXCORE_API void Dump_Param(IParam* param);
 

@@ -6,12 +6,14 @@
 #include "param/ini_text/ini_value.h"
 #include "param/names/each_name.h"
 #include "param/names/path.h"
+#include "param/names/platform_text.h"
 #include "param/names/walk_stack.h"
 
 #include <qxcore/exception.h>
 #include <qxcore/fileops.h>
 #include <qxcore/string_enum.h>
 
+#include <cassert>
 #include <utility>
 
 namespace qx {
@@ -24,7 +26,7 @@ constexpr char kMarkerText[] = "e";
 
 // One buffer for each kind of operation, shared by all nodes: they serve one thread at a time.
 constinit ProfileBlock g_childTest, g_sections, g_value, g_keys;
-constinit char g_valueText[kProfileBlockSize] = {};
+constinit char g_valueText[kPlatformTextSize + 1] = {};
 
 // A path of a value cut in two at its last delimiter. The path's size has a limit.
 std::optional<SplitName> SplitValuePath(const char* name) {
@@ -71,11 +73,11 @@ void CIniFileParam::MakeFolder() const {
 }
 
 int CIniFileParam::WriteMarker() const {
-    return WritePrivateProfileStringA(m_section, kMarkerName, kMarkerText, m_file);
+    return WriteProfile(m_section, kMarkerName, kMarkerText, m_file);
 }
 
 void CIniFileParam::RemoveSection() const {
-    WritePrivateProfileStringA(m_section, nullptr, nullptr, m_file);
+    WriteProfile(m_section, nullptr, nullptr, m_file);
 }
 
 // A child is often the last to hold its parent, and so on up to the root: a chain of any length
@@ -140,6 +142,7 @@ CTEnum<const char*>* CIniFileParam::ListSubParams() {
 }
 
 int CIniFileParam::GetValue(const char* name, tagQXVARIANT* out) {
+    assert(out);
     if (auto path = SplitValuePath(name)) {
         Reference<CIniFileParam> child = Child(path->head);
         return child ? child->GetValue(path->tail, out) : 0;
@@ -153,6 +156,7 @@ int CIniFileParam::GetValue(const char* name, tagQXVARIANT* out) {
 }
 
 int CIniFileParam::SetValue(const char* name, const tagQXVARIANT* value) {
+    assert(value);
     if (auto path = SplitValuePath(name)) {
         Reference<CIniFileParam> child = Child(path->head);
         if (!child) child = NewChild(path->head);
@@ -160,12 +164,12 @@ int CIniFileParam::SetValue(const char* name, const tagQXVARIANT* value) {
     }
     CutText text(g_valueText, sizeof g_valueText);
     if (!WriteIniValue(*value, text)) return 0;
-    return WritePrivateProfileStringA(m_section, ValueName(name), text.Text(), m_file);
+    return WriteProfile(m_section, ValueName(name), text.Text(), m_file);
 }
 
 // A null name removes the whole section.
 int CIniFileParam::DeleteValue(const char* name) {
-    return WritePrivateProfileStringA(m_section, name, nullptr, m_file);
+    return WriteProfile(m_section, name, nullptr, m_file);
 }
 
 // The marker was among the values.

@@ -5,6 +5,7 @@
 
 #include <qxcore/exception.h>
 
+#include <cassert>
 #include <utility>
 
 namespace qx {
@@ -181,6 +182,7 @@ void CMemParam::DeleteAllSubParams() {
 }
 
 int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
+    assert(out);
     if (auto path = SplitAtLast(name)) {
         qx::Reference<IParam> child(OpenSubParam(path->head, 0));
         return child ? child->GetValue(path->tail, out) : 0;
@@ -194,6 +196,7 @@ int CMemParam::GetValue(const char* name, tagQXVARIANT* out) {
 // A path stores its leaf in the child and, kept so on purpose, the whole name here too: EnumValues
 // shows it, and GetValue never reads it.
 int CMemParam::SetValue(const char* name, const tagQXVARIANT* value) {
+    assert(value);
     if (auto path = SplitAtLast(name)) {
         qx::Reference<IParam> child(OpenSubParam(path->head, 1));
         if (!child) return 0;

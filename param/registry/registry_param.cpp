@@ -1,11 +1,13 @@
 #include "param/registry/registry_param.h"
 
 #include "param/names/each_name.h"
+#include "param/names/platform_text.h"
 #include "param/registry/name_snapshot.h"
 #include "param/registry/registry_value.h"
 
 #include <qxcore/list.h>
 
+#include <cassert>
 #include <climits>
 #include <cstring>
 #include <memory>
@@ -39,7 +41,8 @@ int BindText(char* text, size_t size, tagQXVARIANT* out) {
 
 int SetBytes(HKEY key, const char* name, DWORD type, const void* bytes, size_t size) {
     if (size > ULONG_MAX) return 0;
-    RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(bytes), static_cast<DWORD>(size));
+    auto data = static_cast<const BYTE*>(bytes);
+    if (FitsPlatform(name)) RegSetValueExA(key, name, 0, type, data, static_cast<DWORD>(size));
     return 1;
 }
 
@@ -96,12 +99,14 @@ unsigned CRegistryParam::Release() {
 
 Reference<CRegistryParam> CRegistryParam::Open(HKEY key, const char* name) {
     RegistryKey opened;
+    if (!FitsPlatform(name)) return nullptr;
     if (RegOpenKeyExA(key, name, 0, kFullAccess, opened.Out()) != ERROR_SUCCESS) return nullptr;
     return Make<CRegistryParam>(std::move(opened));
 }
 
 IParam* CRegistryParam::CreateSubParam(const char* name) {
     if (auto existing = Open(m_key.Get(), name)) existing->Clear();
+    if (!FitsPlatform(name)) return nullptr;
     char noClass[] = "";
     RegistryKey created;
     if (RegCreateKeyExA(m_key.Get(), name, 0, noClass, 0, kFullAccess, nullptr, created.Out(),
@@ -137,7 +142,9 @@ CTEnum<const char*>* CRegistryParam::EnumValues() {
 }
 
 int CRegistryParam::GetValue(const char* name, tagQXVARIANT* out) {
+    assert(out);
     QXVariantClear(out);
+    if (!FitsPlatform(name)) return 0;
     DWORD size = 0, type = REG_NONE;
     if (RegQueryValueExA(m_key.Get(), name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS)
         return 0;
@@ -151,6 +158,7 @@ int CRegistryParam::GetValue(const char* name, tagQXVARIANT* out) {
 }
 
 int CRegistryParam::SetValue(const char* name, const tagQXVARIANT* value) {
+    assert(value);
     if (value->type == QXVT_STRING) {
         const char* text = value->value.string ? value->value.string : "";
         return SetBytes(m_key.Get(), name, REG_SZ, text, strlen(text) + 1);
@@ -162,7 +170,7 @@ int CRegistryParam::SetValue(const char* name, const tagQXVARIANT* value) {
 }
 
 int CRegistryParam::DeleteValue(const char* name) {
-    return RegDeleteValueA(m_key.Get(), name);
+    return FitsPlatform(name) ? RegDeleteValueA(m_key.Get(), name) : ERROR_INVALID_PARAMETER;
 }
 
 void CRegistryParam::DeleteAllValues() {

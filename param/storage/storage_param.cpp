@@ -5,6 +5,8 @@
 
 #include <qxcore/exception.h>
 
+#include <cassert>
+
 namespace qx {
 
 namespace {
@@ -140,6 +142,7 @@ CTEnum<const char*>* CIXStorParam::EnumValues() {
 }
 
 int CIXStorParam::GetValue(const char* name, tagQXVARIANT* out) {
+    assert(out);
     return Caught([&] {
         if (auto path = SplitAtLast(name)) {
             Reference<IParam> child(OpenSubParam(path->head, 0));
@@ -155,6 +158,7 @@ int CIXStorParam::GetValue(const char* name, tagQXVARIANT* out) {
 // The whole name of a path is tried here too; a storage refuses it, so the value stands in the
 // child alone.
 int CIXStorParam::SetValue(const char* name, const tagQXVARIANT* value) {
+    assert(value);
     return Caught([&] {
         int stored = 0;
         if (auto path = SplitAtLast(name)) {

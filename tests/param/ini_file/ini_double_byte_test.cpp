@@ -83,6 +83,16 @@ TEST_F(IniCutTest, ALineIsCutAtAWholeCharacter) {
     }
 }
 
+TEST_F(IniCutTest, AValueIsCutAtAWholeCharacter) {
+    for (const char* before : {"", "x", "xy"}) {
+        ParamPtr root = Root();
+        CQXVariant text((before + Repeated(20000)).c_str()), back;
+        EXPECT_EQ(root->SetValue("long", &text), 1);
+        ASSERT_EQ(root->GetValue("long", &back), 1);
+        EXPECT_TRUE(back.value.string == before + Fitting(32765 - strlen(before)));
+    }
+}
+
 TEST_F(IniCutTest, AValuesPathIsCutAtAWholeCharacter) {
     ParamPtr root = Root();
     std::string leaf = Repeated(5000);

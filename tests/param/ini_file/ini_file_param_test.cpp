@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cmath>
+
 namespace {
 
 using IniFileParamTest = IniFileTest;
@@ -277,6 +280,28 @@ TEST_F(IniFileParamTest, EachTypeIsStoredAsItsLetterAndText) {
     EXPECT_EQ(stored(CQXVariant(tagRRECT{0.5, 1.5, 2.5, 3.5})), "T0.5,1.5,2.5,3.5");
 }
 
+TEST_F(IniFileParamTest, DecimalsHaveAPointInEveryLocale) {
+    ParamPtr root = Root();
+    CQXVariant stored(tagRPOINT{0.5, -2.25}), back;
+    if (!setlocale(LC_ALL, "German_Germany.1252")) GTEST_SKIP() << "no locale with a comma";
+    EXPECT_EQ(root->SetValue("k", &stored), 1);
+    EXPECT_EQ(root->GetValue("k", &back), 1);
+    EXPECT_STREQ(setlocale(LC_ALL, nullptr), "German_Germany.1252");
+    setlocale(LC_ALL, "C");
+    EXPECT_EQ(Raw("\\", "k"), "P0.5,-2.25");
+    EXPECT_TRUE(back == stored);
+}
+
+TEST_F(IniFileParamTest, WhatIsInfiniteOrNoNumberComesBackAsANumber) {
+    ParamPtr root = Root();
+    for (double number : {HUGE_VAL, -HUGE_VAL, nan("")}) {
+        CQXVariant stored(number), back;
+        EXPECT_EQ(root->SetValue("k", &stored), 1);
+        ASSERT_EQ(root->GetValue("k", &back), 1);
+        EXPECT_TRUE(std::isfinite(back.value.doubleVal));
+    }
+}
+
 TEST_F(IniFileParamTest, BlobsAndObjectsHaveNoFormAndLeaveTheFileAlone) {
     ParamPtr root = Root();
     SetInt(root.Get(), "k", 1);
@@ -441,6 +466,29 @@ TEST_F(IniFileParamTest, ALongTextIsStoredWholeAndAPathHasALimit) {
     EXPECT_EQ(NamesText(ParamPtr(root->OpenSubParam("ab", 0))->EnumValues()),
               "@," + leaf.substr(0, 8191 - 3));
     EXPECT_EQ(GetInt(root.Get(), ("ab\\" + leaf).c_str()), 5);
+}
+
+// To the platform such a name would be none: it would delete or list the whole section.
+TEST_F(IniFileParamTest, ANameThatThePlatformCannotTakeHoldsNothingAndHarmsNothing) {
+    ParamPtr root = Root();
+    SetInt(root.Get(), "x", 1);
+    SetInt(root.Get(), "ab\\y", 2);
+    for (size_t size : {32767, 40000, 66000}) {
+        std::string name(size, 'n');
+        CQXVariant value(5), out("old");
+        EXPECT_EQ(root->SetValue(name.c_str(), &value), 0);
+        EXPECT_EQ(root->GetValue(name.c_str(), &out), 0);
+        EXPECT_EQ(ValueText(out), "0:");
+        EXPECT_EQ(root->DeleteValue(name.c_str()), 0);
+        EXPECT_FALSE(ParamPtr(root->OpenSubParam(name.c_str(), 0)));
+        ParamPtr child(root->CreateSubParam(name.c_str()));
+        EXPECT_EQ(child->SetValue("x", &value), 0);
+        EXPECT_EQ(TreeText(child.Get()), "");
+        child->DeleteAllValues();
+        child->Clear();
+        root->DeleteSubParam(name.c_str());
+        EXPECT_EQ(Lines(), "[\\]|@=e|x=i1|[\\ab]|@=e|y=i2");
+    }
 }
 
 TEST_F(IniFileParamTest, AListingEndsAtItsLimit) {

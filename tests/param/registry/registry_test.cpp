@@ -194,6 +194,23 @@ TEST_F(RegistryTest, NamesOf255CharactersAreNames) {
     EXPECT_EQ(TreeText(root.Get()), "");
 }
 
+// The platform would take it for one whose length is the same modulo 65536.
+TEST_F(RegistryTest, ANameOfMoreBytesThanThePlatformCountsIsNone) {
+    std::string name(65536 + 5, 'n');
+    SetInt(Create("nnnnn").Get(), "v", 1);
+    SetInt(root.Get(), "nnnnn", 2);
+    CQXVariant value(3), out("old");
+    EXPECT_EQ(root->SetValue(name.c_str(), &value), 1);
+    EXPECT_EQ(root->GetValue(name.c_str(), &out), 0);
+    EXPECT_EQ(out.type, QXVT_EMPTY);
+    EXPECT_NE(root->DeleteValue(name.c_str()), ERROR_SUCCESS);
+    EXPECT_FALSE(Open(name, 1));
+    EXPECT_FALSE(Create(name));
+    root->DeleteSubParam(name.c_str());
+    EXPECT_EQ(TreeText(root.Get()), "nnnnn=5:2 nnnnn{v=5:1}");
+    EXPECT_EQ(new_IParamCUReg((key.Path() + std::string(65536, 'n')).c_str()), nullptr);
+}
+
 TEST_F(RegistryTest, AListOfValuesEndsAtANameOfMoreThan512Characters) {
     std::string longest(512, 'n'), longer(513, 'o');
     SetInt(root.Get(), longest.c_str(), 1);
@@ -244,6 +261,22 @@ TEST_F(RegistryTest, ASnapshotSkipsWithoutACheckAndDeliversNothingWithoutAPlace)
     EXPECT_EQ(names->Skip(0xFFFFFFFFu - 999), 1);  // the position is a 32-bit number
     EXPECT_EQ(names->Next(1, &name, nullptr), 1);
     EXPECT_STREQ(name, "b");
+}
+
+// It is listed by an empty name, which ends the values of a node in a stream. In the other places
+// it is "@".
+TEST_F(RegistryTest, TheDefaultValueOfAKeyEndsTheValuesOfItsNodeInAStream) {
+    SetInt(root.Get(), nullptr, 7);
+    qx::Reference<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), root.Get()), 1);
+    EXPECT_EQ(stream->GetLength(), 1 + 1 + 6 + 1);
+    stream->Seek(0, QXSEEK_START);
+    ParamPtr loaded(new_MemParam()), copied(new_MemParam());
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), loaded.Get()), 1);
+    EXPECT_EQ(TreeText(loaded.Get()), "");
+    EXPECT_EQ(stream->Tell(), 2);
+    Param_CopyTo(root.Get(), copied.Get());
+    EXPECT_EQ(TreeText(copied.Get()), "@=5:7");
 }
 
 TEST_F(RegistryTest, QueryInterfaceAnswersTheNodeForIParam) {
