@@ -136,8 +136,10 @@ TEST_F(FormsMemoryTest, StreamsCopiesAndComparisonsLeakNothing) {
     auto load = [](S& s) { LoadParamFromXStream(s->stream.Get(), s->other.Get()); };
     auto copy = [](S& s) { Param_CopyTo(s->tree.Get(), s->other.Get()); };
     auto compare = [](S& s) { Param_Cmp(s->tree.Get(), s->tree.Get()); };
+    auto list = [](S& s) { Dump_Param(s->tree.Get()); };
     EXPECT_GT(FailEachAllocation(make, save, usable), 3u);
     EXPECT_GT(FailEachAllocation(saved, load, usable), 5u);
     EXPECT_GT(FailEachAllocation(make, copy, usable), 5u);
     EXPECT_GT(FailEachAllocation(make, compare, usable), 3u);
+    EXPECT_GT(FailEachAllocation(make, list, usable), 3u);
 }

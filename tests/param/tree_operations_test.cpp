@@ -144,6 +144,16 @@ TEST(ParamCmpTest, AValueThatTheFirstCannotReadEqualsAnEmptyOne) {
     EXPECT_EQ(Cmp(a, b), 0);
 }
 
+TEST(ParamCmpTest, AListedChildThatDoesNotOpenIsContainedNowhere) {
+    ScratchDirectory directory;
+    std::string path = directory.Write("t.ini", "[\\]\r\n@=e\r\n[\\aa\\bb]\r\ny=i2\r\n");
+    ParamPtr tree(new_IParamIniFile(path.c_str())), copy = NewTree();
+    Param_CopyTo(tree.Get(), copy.Get());
+    ParamPtr(copy->CreateSubParam("aa"));
+    EXPECT_EQ(Cmp(tree, copy), 0);
+    EXPECT_EQ(Cmp(tree, tree), 0);
+}
+
 TEST(ParamCmpTest, ValuesComeFirstAndTheWalkStopsAtTheFirstDifference) {
     std::string calls;
     auto a =
@@ -273,6 +283,12 @@ TEST(ParamCopyToTest, WhatTheTargetCannotHoldIsLost) {
     source->SetValue("blob", &blob);
     Param_CopyTo(source.Get(), target.Get());
     EXPECT_EQ(TreeText(target.Get()), "@=0: x=5:1");
+}
+
+TEST(ParamCopyToTest, APartOfATreeIsCopiedIntoTheNodeAboveIt) {
+    ParamPtr tree = Tree({{"a\\x", 1}, {"a\\b\\y", 2}});
+    Param_CopyTo(ParamPtr(tree->OpenSubParam("a", 0)).Get(), tree.Get());
+    EXPECT_EQ(TreeText(tree.Get()), "x=5:1 a{x=5:1 b{y=5:2}} b{y=5:2}");
 }
 
 TEST(ParamCopyToTest, ANameThatIsAPathGoesDownThePathAgain) {

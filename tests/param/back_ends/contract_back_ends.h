@@ -25,6 +25,8 @@ struct Place {
 
 // What a call answers for a child that is held already.
 enum class Second { sameObject, anotherObject, refused };
+// What a child of an empty name is.
+enum class Nameless { childLikeOthers, nodeItself, refused };
 
 // Trees are told as SortedTree tells them: of the marker of an ini section nothing is said.
 struct BackEnd {
@@ -42,11 +44,15 @@ struct BackEnd {
     const char* setOfDeepPath;      // SetValue("a\b\c", 7)
     const char* deleteValueOfPath;  // a child "a", SetValue("a\b", 7), DeleteValue("a\b")
     const char* deleteChildOfPath;  // a child "a" with a child "b", DeleteSubParam("a\b")
+    const char* setOfEmptyLevel;    // SetValue("\x", 7)
 
     // Names.
     const char* nameOfNone;    // what a value of no name is listed as
     bool noneIsDeletedByNone;  // DeleteValue("") deletes it
     bool oneNameSpace;         // a value takes the place of a child of its name
+    Nameless childOfNoName;
+    const char* refusedInNames;  // characters with which a name is refused
+    const char* cutInNames;      // ... and with which a value is not found again
 
     // Children.
     const char* createOfExisting;    // "a{x=5:1 b{y=5:2}}", then CreateSubParam("a")
@@ -56,6 +62,7 @@ struct BackEnd {
     // Values.
     std::vector<unsigned short> withoutForm;  // the types that SetValue refuses
     std::vector<unsigned short> losingForm;   // the types that come back as zero
+    size_t longestText;
     bool emptyTextIsMissing;
     bool missClears;          // GetValue of a missing name clears the variant
     bool missOfPathClears;    // the same for a missing level

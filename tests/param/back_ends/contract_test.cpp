@@ -281,6 +281,15 @@ TEST_P(EveryParamTest, AnEmptyTextIsAValueOrNone) {
     EXPECT_EQ(ValueText(out), kind.emptyTextIsMissing ? "0:" : "10:");
 }
 
+TEST_P(EveryParamTest, ATextOfAMegabyteComesBackAsFarAsTheTableSays) {
+    std::string whole(1 << 20, '?');
+    for (size_t i = 0; i < whole.size(); ++i) whole[i] = static_cast<char>('a' + i % 26);
+    CQXVariant text(whole.c_str()), out;
+    EXPECT_EQ(root->SetValue("v", &text), 1);
+    ASSERT_EQ(root->GetValue("v", &out), 1);
+    EXPECT_TRUE(whole.substr(0, kind.longestText) == out.value.string);
+}
+
 TEST_P(EveryParamTest, AValueOfNoNameHasTheNameOfTheTable) {
     SetInt(root, "", 1);
     EXPECT_EQ(GetInt(root, nullptr), 1);
@@ -292,6 +301,41 @@ TEST_P(EveryParamTest, AValueOfNoNameHasTheNameOfTheTable) {
     EXPECT_EQ(GetInt(root, ""), kind.noneIsDeletedByNone ? -1 : 2);
     root->DeleteValue(kind.nameOfNone);
     EXPECT_EQ(GetInt(root, ""), -1);
+}
+
+TEST_P(EveryParamTest, AChildOfNoNameIsWhatTheTableSays) {
+    SetInt(root, "x", 1);
+    EXPECT_EQ(bool(Open("")), kind.childOfNoName == Nameless::nodeItself);
+    SetInt(Open("", 1).Get() ? Open("").Get() : Create("other").Get(), "inner", 2);
+    const char* trees[] = {"x=5:1 {inner=5:2}", "inner=5:2 x=5:1", "x=5:1 other{inner=5:2}"};
+    EXPECT_EQ(Tree(), trees[static_cast<int>(kind.childOfNoName)]);
+}
+
+TEST_P(EveryParamTest, AnEmptyLevelOfAPathIsWhatTheTableSays) {
+    SetInt(root, "\\x", 7);
+    EXPECT_EQ(Tree(), kind.setOfEmptyLevel);
+}
+
+TEST_P(EveryParamTest, NamesMayHaveAnyCharacterThatTheTableLeaves) {
+    for (const char* name :
+         {"two  words", "dots.in.it.", "a[1]", "#hash", "(a)", "it's \"so\"", "%s%n", "~a", "a,b",
+          "a:b", "a/b", "a!b", "a=b", "a;b", "a|b", "a*?<>", "a\tb"}) {
+        SCOPED_TRACE(name);
+        bool isName = !strpbrk(name, kind.refusedInNames);
+        CQXVariant value(1);
+        EXPECT_EQ(root->SetValue(name, &value), isName);
+        if (strpbrk(name, kind.cutInNames)) {
+            EXPECT_EQ(GetInt(root, name), -1);
+        } else {
+            EXPECT_EQ(Tree(), isName ? std::string(name) + "=5:1" : "");
+            EXPECT_EQ(GetInt(root, name), isName ? 1 : -1);
+        }
+        root->DeleteAllValues();
+        EXPECT_EQ(bool(Create(name)), isName);
+        EXPECT_EQ(Tree(), isName ? std::string(name) + "{}" : "");
+        root->DeleteSubParam(name);
+        EXPECT_EQ(Tree(), "");
+    }
 }
 
 TEST_P(EveryParamTest, ValuesAndChildrenAreTwoNameSpacesWhereTheBackEndHasTwo) {
@@ -439,6 +483,15 @@ TEST_P(EveryParamTest, EntriesMayBeDeletedDuringAWalk) {
     EXPECT_EQ(Tree(), "");
 }
 
+TEST_P(EveryParamTest, AnEnumeratorOutlivesItsNode) {
+    SetInt(root, "aa", 1);
+    Create("bb");
+    NamesPtr values(root->EnumValues()), children(root->EnumSubParams());
+    place->root.Release();
+    EXPECT_EQ(NamesText(values.Detach()).find("aa") != std::string::npos, !kind.enumerationIsLive);
+    EXPECT_EQ(NamesText(children.Detach()), kind.enumerationIsLive ? "" : "bb");
+}
+
 TEST_P(EveryParamTest, AnEnumeratorIsAnEnumeratorOfTexts) {
     NamesPtr names(root->EnumValues());
     IQXUnknown* out = nullptr;
@@ -459,6 +512,49 @@ TEST_P(EveryParamTest, QueryInterfaceAnswersWhatTheTableSaysAndNothingElse) {
         EXPECT_EQ(out != nullptr, known) << id->name;
         if (out) out->Release();
     }
+    EXPECT_EQ(CountOf(root), 1u);
+}
+
+TEST_P(EveryParamTest, AChildAnswersForItselfAndHasATableOfItsOwn) {
+    ParamPtr child = Create("aa");
+    IQXUnknown *ofRoot = nullptr, *ofChild = nullptr;
+    for (const qx_type_info* id : kind.answers) {
+        ASSERT_EQ(root->QueryInterface(*id, &ofRoot), 1);
+        ASSERT_EQ(child->QueryInterface(*id, &ofChild), 1);
+        EXPECT_NE(ofRoot, ofChild) << id->name;
+        ofRoot->Release();
+        ofChild->Release();
+    }
+    ASSERT_EQ(child->QueryInterface(qx_typeid<IRegisterIface>(), &ofChild), 1);
+    static_cast<IRegisterIface*>(ofChild)->RegisterInterface(root, qx_typeid<IStrange>(), 0);
+    ofChild->Release();
+    EXPECT_EQ(child->QueryInterface(qx_typeid<IStrange>(), nullptr), 1);
+    EXPECT_EQ(root->QueryInterface(qx_typeid<IStrange>(), nullptr), 0);
+}
+
+TEST_P(EveryParamTest, NoCallLeavesAReferenceOnTheNodeBehind) {
+    Plant();
+    CQXVariant value(1), out;
+    for (const char* name : {"missing", "missing\\deep", "aa\\missing", "aa\\bb\\missing", "x"}) {
+        Open(name);
+        root->GetValue(name, &out);
+        root->DeleteSubParam(name);
+        root->DeleteValue(name);
+        EXPECT_EQ(CountOf(root), 1u) << name;
+    }
+    for (const char* name : {"new", "aa", "new\\deep", "aa\\bb"}) {
+        Create(name);
+        Open(name, 1);
+        root->SetValue(name, &value);
+        root->GetValue(name, &out);
+        NamesText(root->EnumValues());
+        NamesText(root->EnumSubParams());
+        EXPECT_EQ(CountOf(root), 1u) << name;
+    }
+    root->DeleteAllSubParams();
+    root->DeleteAllValues();
+    EXPECT_EQ(CountOf(root), 1u);
+    root->Clear();
     EXPECT_EQ(CountOf(root), 1u);
 }
 

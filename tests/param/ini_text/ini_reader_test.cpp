@@ -345,6 +345,21 @@ TEST_F(IniReaderTest, AFileThatCannotBeOpenedThrows) {
     }
 }
 
+TEST_F(IniReaderTest, AFileMayLieInMemory) {
+    const std::string text = "[\\a]\r\nx=i1\r\n";
+    char* block = nullptr;  // a path in memory names an address below 2 GB
+    for (size_t at = 0x10000000; !block && at < 0x70000000; at += 0x1000000)
+        block = static_cast<char*>(VirtualAlloc(reinterpret_cast<void*>(at), text.size(),
+                                                MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
+    ASSERT_NE(block, nullptr);
+    memcpy(block, text.data(), text.size());
+    std::string path = "fmem::" + std::to_string(reinterpret_cast<size_t>(block)) + "," +
+                       std::to_string(text.size());
+    EXPECT_EQ(Param_IniFile2Param(path.c_str(), root.Get()), 1);
+    EXPECT_EQ(TreeText(root.Get()), "a{x=5:1}");
+    VirtualFree(block, 0, MEM_RELEASE);
+}
+
 TEST_F(IniReaderTest, TheFileIsClosedAfterwards) {
     TextFile file("ini_reader_closed.ini", "[\\]\r\nkey=i1\r\n");
     Param_IniFile2Param(file.name.c_str(), root.Get());

@@ -59,6 +59,13 @@ TEST_F(IniWriterTest, ValuesComeBeforeChildrenAndChildrenDepthFirst) {
               "\r\n[\\a\\deep\\deeper]\r\nx=i2\r\n\r\n[\\b]\r\n");
 }
 
+TEST_F(IniWriterTest, ANodeBelowOthersIsWrittenAsARoot) {
+    SetInt(ParamPtr(tree->CreateSubParam("a\\b\\c")).Get(), "x", 1);
+    SetInt(tree.Get(), "above", 2);
+    tree = ParamPtr(tree->OpenSubParam("a\\b", 0));
+    EXPECT_EQ(Written(), "\r\n[\\]\r\n\r\n[\\c]\r\nx=i1\r\n");
+}
+
 TEST_F(IniWriterTest, EachTypeIsWrittenWithItsLetter) {
     EXPECT_EQ(Written(CQXVariant()), "e");
     EXPECT_EQ(Written(CQXVariant(5, 1)), "f1");

@@ -1,4 +1,5 @@
 #include "param/tree_text.h"
+#include "support/slot.h"
 
 #include <gtest/gtest.h>
 #include <mbctype.h>
@@ -456,6 +457,18 @@ TEST_F(MemParamTest, ALeadByteAtTheEndOfANameDoesNotHideItsEnd) {
     EXPECT_EQ(GetInt(root.Get(), "a\\b\x83"), 5);
     EXPECT_EQ(NamesText(root->EnumSubParams()), "a");
     _setmbcp(before);
+}
+
+TEST_F(MemParamTest, BehindTheInterfaceStandTheCountAndTheLookupOfTheTemplate) {
+    constexpr int kFirst = 14 + kDestructorSlots;
+    IParam* node = root.Get();
+    // The template's own count starts at 1 and is another one than the public count.
+    EXPECT_EQ(Slot<unsigned(IParam*)>(node, kFirst)(node), 2u);
+    EXPECT_EQ(Slot<unsigned(IParam*)>(node, kFirst + 1)(node), 1u);
+    EXPECT_EQ(CountOf(node), 1u);
+    using Query = int(IParam*, qx_type_info const&, IQXUnknown**);
+    EXPECT_EQ(Slot<Query>(node, kFirst + 2)(node, qx_typeid<IParam>(), nullptr), 1);
+    EXPECT_EQ(Slot<Query>(node, kFirst + 2)(node, qx_typeid<IRegisterIface>(), nullptr), 0);
 }
 
 TEST_F(MemParamTest, TheSlotsOfANodeStandInTheirOrder) {

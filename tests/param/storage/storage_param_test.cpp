@@ -91,6 +91,18 @@ public:
     void Save(IXStream* stream) override { stream->WriteLong(0x01020304); }
 };
 
+// Stops the work on a document when it is told to. It lives on the stack.
+class Stopper : public IProgress {
+public:
+    unsigned AddRef() override { return 1; }
+    unsigned Release() override { return 1; }
+    int QueryInterface(qx_type_info const&, IQXUnknown**) override { return 0; }
+    int IsCancelled() override { return stops; }
+    void SetRange(int, int) override {}
+
+    bool stops = false;
+};
+
 }  // namespace
 
 TEST_F(StorageParamTest, TheNodeAnswersItsStorageForIXStorage) {
@@ -387,6 +399,44 @@ TEST_F(StorageParamTest, ClearOfARootLeavesItsStorageEmptyAndDetached) {
     ParamPtr again(new_IXStorParam(storage.Get()));
     SetInt(again.Get(), "v", 2);
     EXPECT_EQ(TreeText(again.Get()), "v=5:2");
+}
+
+TEST_F(StorageParamTest, AChildIsHeldOverTheEndOfItsParent) {
+    ParamPtr a = Create("a"), b(a->CreateSubParam("b"));
+    SetInt(b.Get(), "v", 1);
+    a->Clear();
+    EXPECT_EQ(NamesText(storage->EnumStorages()), "");
+    CQXVariant value(2), out;
+    b->SetValue("w", &value);
+    EXPECT_EQ(b->GetValue("v", &out), 0);
+    EXPECT_FALSE(ParamPtr(b->CreateSubParam("c")));
+    b->DeleteAllValues();
+    b->DeleteAllSubParams();
+    b->Clear();
+    b.Release();
+    a.Release();
+    EXPECT_EQ(TreeText(root.Get()), "");
+    SetInt(Create("a").Get(), "again", 3);
+    EXPECT_EQ(TreeText(root.Get()), "a{again=5:3}");
+}
+
+// A document that the user stops raises in each operation of its streams.
+TEST_F(StorageParamTest, AStoppedDocumentIsTreatedAsAFailureLikeOthers) {
+    SetInt(root.Get(), "v", 1);
+    Stopper stopper;
+    StoragePtr watched;
+    ASSERT_EQ(new_CIXDocStorage(storage.Get(), &stopper, watched.Receive(), 0), 1);
+    ParamPtr node(new_IXStorParam(watched.Get()));
+    EXPECT_EQ(GetInt(node.Get(), "v"), 1);
+    stopper.stops = true;
+    CQXVariant value(2), out("old");
+    EXPECT_EQ(node->GetValue("v", &out), 0);
+    EXPECT_EQ(node->SetValue("v", &value), 0);
+    EXPECT_EQ(node->SetValue("new", &value), 0);
+    stopper.stops = false;
+    EXPECT_EQ(GetInt(node.Get(), "v"), 1);
+    node.Release();
+    watched.Release();
 }
 
 TEST_F(StorageParamTest, AClearedNodeAnswersThatThereIsNothing) {
