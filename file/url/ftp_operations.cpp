@@ -28,7 +28,7 @@ bool FindIfThere(const char* url, WIN32_FIND_DATAA& found) {
 // A name in the directory that nothing has yet.
 CXString FreeName(const char* directory) {
     CXString name;
-    WIN32_FIND_DATAA found;
+    WIN32_FIND_DATAA found = {};
     do {
         name.Format("%s\\%d.tmp", directory, int(GetTickCount()));
     } while (FindIfThere(name, found));
@@ -38,14 +38,14 @@ CXString FreeName(const char* directory) {
 }  // namespace
 
 void Fio_UrlGetFileInfo(const char* url, FioFileInfo* info) {
-    WIN32_FIND_DATAA found;
+    WIN32_FIND_DATAA found = {};
     FtpFindEntry(url, info ? &found : nullptr);
     *info = qx::InfoOf(found);
 }
 
 int Fio_UrlIsWritableFile(const char* url) {
     if (!url) return 0;
-    WIN32_FIND_DATAA found;
+    WIN32_FIND_DATAA found = {};
     if (FindIfThere(url, found) && found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) return 0;
     CXString directory = CXString(url).FilePath();
     if (!*directory) directory = ".";

@@ -1,6 +1,6 @@
-// What the platform's own network service does not survive: each operation in a process of its own,
-// which tells the calls that it makes. An operation answers as it is specified, or it stays in a
-// call to the platform.
+// What Wine's own network service does not survive: each operation in a process of its own, which
+// tells the calls that it makes. An operation answers as it is specified, or it stays in a call to
+// the platform.
 #include "file/url/ftp_child.h"
 #include "file/url/ftp_fixture.h"
 

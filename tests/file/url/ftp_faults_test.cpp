@@ -169,7 +169,7 @@ TEST_F(FtpFaultsTest, ATransferThatTheServerCallsWholeIsTakenForWhole) {
     EXPECT_EQ(LocalContent(), "0123");
 }
 
-// The platform takes any first line for a greeting here.
+// Wine takes any first line for a greeting.
 TEST_F(FtpFaultsTest, AGreetingThatRefusesIsPassedOver) {
     for (const char* fault : {"greeting 421 no", "greeting 530 no"}) {
         server.SetFault(fault);
@@ -185,6 +185,7 @@ TEST_F(FtpFaultsTest, ASlowServerIsWaitedFor) {
     EXPECT_EQ(LocalContent(), "old");
 }
 
+// What a line means is Wine's to say.
 TEST_F(FtpFaultsTest, ListingsFindTheEntryAmongNonsense) {
     const std::string kListings[] = {
         kEntry,
@@ -227,7 +228,7 @@ TEST_F(FtpFaultsTest, ListingsWithoutTheEntryAreALookupThatFails) {
     }
 }
 
-// The platform reads the listing line by line, and drops one that does not end.
+// Wine reads a listing line by line, and drops one that does not end.
 TEST_F(FtpFaultsTest, AnEntryWithoutItsLineEndIsNotSeen) {
     SetListing(kRow + "a.txt");
     EXPECT_EQ(Exists(), 0);
@@ -255,6 +256,6 @@ TEST_F(FtpFaultsTest, ALongListingIsReadToItsEnd) {
 TEST_F(FtpFaultsTest, TheReadOnlyAttributeOfAnEntryMakesAFileUnwritable) {
     SetListing("-r--r--r-- 1 u g 5 Jan 01 00:00 a.txt\r\n");
     Exists();
-    // The platform's listings carry no such attribute here; a probe decides.
+    // Wine's listings carry no such attribute; a probe decides.
     EXPECT_EQ(Fio_UrlIsWritableFile(Url("dir.d/a.txt")), 1);
 }

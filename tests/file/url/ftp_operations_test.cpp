@@ -57,7 +57,7 @@ TEST_F(FtpOperationsTest, TheLookupConnectsAndSearchesOnceByExtension) {
 
 TEST_F(FtpOperationsTest, ANameWithoutExtensionSearchesForADotAtTheEnd) {
     server.Put("name", "");
-    EXPECT_EQ(Fio_IsFileExist(Url("name")), 0);  // no name here ends so
+    EXPECT_EQ(Fio_IsFileExist(Url("name")), 0);  // Wine finds no name that ends so
     EXPECT_EQ(calls.Texts(), Sequence("FtpFindFirstFileA(/*., 0x84000000, 0)"));
 }
 
@@ -130,6 +130,7 @@ TEST_F(FtpOperationsTest, AWrongPasswordLooksLikeAMissingFile) {
     EXPECT_TRUE(server.Has("a.txt"));
 }
 
+// Wine sends the backslash of the probe's name as it stands.
 TEST_F(FtpOperationsTest, ADirectoryIsWritableWhenAProbeCanBeWritten) {
     server.MakeDirectory("dir.d");
     EXPECT_EQ(Fio_UrlIsWritableDir(Url("dir.d")), 1);
@@ -146,6 +147,7 @@ TEST_F(FtpOperationsTest, ADirectoryIsWritableWhenAProbeCanBeWritten) {
     EXPECT_EQ(calls.Texts().size(), 7u);
 }
 
+// Wine sends the backslash of the probe's name as it stands.
 TEST_F(FtpOperationsTest, TheProbeTakesNoNameThatIsThere) {
     server.MakeDirectory("dir.d");
     server.Put("dir.d\\7.tmp", "kept");

@@ -153,7 +153,7 @@ TEST_F(UrlCrackTest, PartsOfAnyLengthAreWhole) {
               (Parts{"host", user, password, path}));
 }
 
-// The platform tells places in such a url that lie elsewhere in it, or behind its end.
+// Wine tells places in such a url that lie elsewhere in it, or behind its end.
 TEST_F(UrlCrackTest, PartsOfAUrlThatIsNoTextOfTheCodePageStayWithinIt) {
     for (const std::string bytes : {"\xFF", "\x83", "\xE3\x81", "\x80\x80\x80", "\x83\xFF\xA0"})
         for (const std::string& url :

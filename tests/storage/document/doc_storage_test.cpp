@@ -74,6 +74,25 @@ TEST_F(DocStorageTest, WhatTheInnerStorageRaisesPassesThrough) {
     EXPECT_EQ(watched->OpenStream("none"), nullptr);
 }
 
+TEST_F(DocStorageTest, ANullNameComesToWhatItDoesBeneath) {
+    Reference<IXStorage> real{new_Storage(nullptr, 0)};
+    Reference<IXStorage> watched = Watch(real.Get(), sink.Get());
+    auto outcomes = [](IXStorage* s) {
+        auto answer = [](auto made) { return made ? "an object" : "null"; };
+        const char* none = nullptr;
+        std::string all;
+        all += Thrown([&] { all += answer(Reference<IXStorage>(s->CreateStorage(none, 0))); });
+        all += Thrown([&] { all += answer(Reference<IXStorage>(s->OpenStorage(none))); });
+        all += Thrown([&] { all += answer(Reference<IXStream>(s->CreateStream(none))); });
+        all += Thrown([&] { all += answer(Reference<IXStream>(s->OpenStream(none))); });
+        all += Thrown([&] { s->DeleteStorage(none); });
+        all += Thrown([&] { s->DeleteStream(none); });
+        return all;
+    };
+    EXPECT_EQ(outcomes(watched.Get()), outcomes(real.Get()));
+    EXPECT_EQ(CountOf(real.Get()), 2u);
+}
+
 // What the wrapper took from the inner storage it gave back: the child is held by its wrapper
 // alone.
 TEST_F(DocStorageTest, AChildIsHeldByItsWrapperAlone) {
