@@ -1,32 +1,18 @@
 // Compound files behind urls, against a real server.
-#include "file/url/wininet_calls.h"
+#include "file/url/ftp_fixture.h"
 #include "storage/compound/storage_fixture.h"
 #include "storage/document/document_kinds.h"
 #include "support/allocation_failure.h"
-#include "support/ftp/served_files.h"
-
-#include <optional>
 
 using qx::Ask;
 using qx::Reference;
 
 namespace {
 
-// Temporary files are made in a directory of the test's, so that it sees which ones stay.
-class UrlStorageTest : public StorageTest {
+// What a test leaves in temporary files goes with it.
+class UrlStorageTest : public FtpTest {
 protected:
-    UrlStorageTest() {
-        CreateDirectoryA(m_temp.c_str(), nullptr);
-        m_inTemp.emplace(m_temp);
-    }
-    ~UrlStorageTest() override {
-        EXPECT_EQ(calls.OpenHandles(), 0);
-        EXPECT_EQ(calls.WrongClosings(), 0);
-        EXPECT_TRUE(server.AllGone());
-        m_inTemp.reset();
-        for (const std::string& name : TempFiles()) DeleteFileA((m_temp + "\\" + name).c_str());
-        RemoveDirectoryA(m_temp.c_str());
-    }
+    ~UrlStorageTest() override { RemoveTempFiles(); }
 
     // A document of one stream and one sub-storage, served under the name.
     void Serve(const std::string& name) {
@@ -39,35 +25,11 @@ protected:
             CQXVariant title("From afar");
             Ask<IQXProperty>(storage.Get())->SetProperty("Title", title);
         }
-        server.Put(name, BytesOfFile(made));
+        server.Put(name, ContentOf(made));
         DeleteFileA(made.c_str());
     }
-    static std::string BytesOfFile(const std::string& path) {
-        Reference<IXFile> file(Fio_Open(path.c_str(), 0));
-        std::string bytes(static_cast<size_t>(file->GetLength()), 0);
-        if (!bytes.empty()) file->Read(bytes.data(), static_cast<unsigned>(bytes.size()));
-        return bytes;
-    }
-    std::vector<std::string> TempFiles() const { return FilesIn(m_temp); }
-    static std::vector<std::string> FilesIn(const std::string& directory) {
-        std::vector<std::string> names;
-        WIN32_FIND_DATAA found;
-        HANDLE search = FindFirstFileA((directory + "\\*.*").c_str(), &found);
-        do {
-            if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
-                names.push_back(found.cFileName);
-        } while (FindNextFileA(search, &found));
-        FindClose(search);
-        return names;
-    }
 
-    ServedFiles server;
-    WinInetCalls calls;
     std::string url = ServedFiles::Url("a.stg");
-
-private:
-    std::string m_temp = Path("temp");
-    std::optional<TemporaryFilesIn> m_inTemp;
 };
 
 }  // namespace
@@ -79,7 +41,7 @@ TEST_F(UrlStorageTest, AFileBehindAUrlIsAStorage) {
         EXPECT_EQ(StreamOf(storage.Get(), "one"), "1");
         Reference<IXStorage> child(storage->OpenStorage("child"));
         EXPECT_EQ(StreamOf(child.Get(), "leaf"), "within");
-        EXPECT_EQ(Names(storage->EnumStorages()), List{"child"});
+        EXPECT_EQ(::Names(storage->EnumStorages()), List{"child"});
         EXPECT_EQ(storage->GetParent(), nullptr);
     }
 }
@@ -188,7 +150,7 @@ TEST_F(UrlStorageTest, AGivenLocalPathIsOverwritten) {
     Reference<IXStorage> storage(open_UrlStorage(url.c_str(), local.c_str(), 1));
     EXPECT_EQ(StreamOf(storage.Get(), "one"), "1");
     storage.Release();
-    EXPECT_TRUE(BytesOfFile(local) == server.ContentOf("a.stg"));
+    EXPECT_TRUE(ContentOf(local) == server.ContentOf("a.stg"));
     EXPECT_EQ(TempFiles(), List{});
 }
 
@@ -204,7 +166,7 @@ TEST_F(UrlStorageTest, TheCopyStaysBehind) {
     Serve("a.stg");
     std::string local = Path("local.stg");
     Reference<IXStorage>(open_UrlStorage(url.c_str(), local.c_str(), 0));
-    EXPECT_EQ(FilesIn(Directory()), List{"local.stg"});
+    EXPECT_EQ(Names(), List{"local.stg"});
     Reference<IXStorage>(open_UrlStorage(url.c_str(), nullptr, 1));
     EXPECT_EQ(TempFiles().size(), 1u);
 }
@@ -248,7 +210,7 @@ TEST_F(UrlStorageTest, AFileThatIsNoStorageIsRefusedUnderItsLocalPath) {
     server.Put("a.stg", "no compound file");
     std::string local = Path("local.stg");
     EXPECT_EQ(Thrown([&] { open_UrlStorage(url.c_str(), local.c_str(), 1); }), "15 0 " + local);
-    EXPECT_EQ(FilesIn(Directory()), List{"local.stg"});
+    EXPECT_EQ(Names(), List{"local.stg"});
     EXPECT_EQ(Thrown([&] { open_UrlStorage(url.c_str(), nullptr, 1); }).substr(0, 5), "15 0 ");
     EXPECT_EQ(TempFiles(), List{});
 }
