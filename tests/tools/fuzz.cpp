@@ -2,14 +2,14 @@
 //
 //     tools_fuzz [ROUNDS [SEED]]      0 rounds go on until they are stopped; round n has the seed
 //                                     SEED + n
-#include "tests/tools/image_builder.h"
-#include "tools/qxtranslate/model/audit.h"
-#include "tools/qxtranslate/model/bad_input.h"
-#include "tools/qxtranslate/model/checks.h"
-#include "tools/qxtranslate/model/compile.h"
-#include "tools/qxtranslate/model/geometry_text.h"
-#include "tools/qxtranslate/model/harvest.h"
-#include "tools/qxtranslate/platform.h"
+#include "tests/tools/pe/image_builder.h"
+#include "tools/qxtranslate/model/dictionary/compile.h"
+#include "tools/qxtranslate/model/dictionary/geometry.h"
+#include "tools/qxtranslate/model/program/audit.h"
+#include "tools/qxtranslate/model/program/harvest.h"
+#include "tools/qxtranslate/model/text/bad_input.h"
+#include "tools/qxtranslate/model/translation/checks.h"
+#include "tools/qxtranslate/platform/platform.h"
 
 #include <cstdio>
 #include <cstdlib>

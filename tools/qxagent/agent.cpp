@@ -1,11 +1,11 @@
 // qxagent.dll: what qxtranslate loads into a program before the program runs.
-#include "tools/qxagent/dump.h"
-#include "tools/qxagent/make_up.h"
-#include "tools/qxagent/message_watch.h"
-#include "tools/qxagent/modules.h"
+#include "tools/qxagent/modules/make_up.h"
+#include "tools/qxagent/modules/modules.h"
 #include "tools/qxagent/orders.h"
-#include "tools/qxagent/recorder.h"
-#include "tools/qxagent/settling.h"
+#include "tools/qxagent/texts/recorder.h"
+#include "tools/qxagent/windows/dump.h"
+#include "tools/qxagent/windows/message_watch.h"
+#include "tools/qxagent/windows/settling.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>

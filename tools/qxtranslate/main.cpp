@@ -1,7 +1,7 @@
 // qxtranslate: the translator's workbench.
-#include "tools/qxtranslate/model/bad_input.h"
-#include "tools/qxtranslate/platform.h"
-#include "tools/qxtranslate/verbs.h"
+#include "tools/qxtranslate/model/text/bad_input.h"
+#include "tools/qxtranslate/platform/platform.h"
+#include "tools/qxtranslate/verbs/verbs.h"
 
 #include <algorithm>
 #include <cstdio>

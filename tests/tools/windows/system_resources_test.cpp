@@ -1,7 +1,7 @@
 // The reader of program files against the system's own enumeration of resources, over the modules
 // of the system: every resource is there, byte for byte.
-#include "tools/qxtranslate/model/pe_resources.h"
-#include "tools/qxtranslate/wide_text.h"
+#include "tools/qxtranslate/model/pe/resources.h"
+#include "tools/qxtranslate/platform/wide_text.h"
 
 #include <windows.h>
 

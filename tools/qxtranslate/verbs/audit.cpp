@@ -1,0 +1,52 @@
+#include "tools/qxtranslate/model/program/audit.h"
+#include "tools/qxtranslate/platform/files.h"
+#include "tools/qxtranslate/verbs/verbs.h"
+
+#include <memory>
+
+namespace qx {
+
+namespace {
+
+struct Options {
+    std::vector<std::string> files;
+    Format format = Format::Text;
+    std::string output;
+};
+
+int RunAudit(const Options& options) {
+    Table table = {{"module", "function", "way", "consequence"}, {}};
+    std::string text;
+    for (const std::string& path : options.files) {
+        Audit audit = Naming(path, [&] { return AuditModule(ReadBytes(path)); });
+        std::string module = FileName(path);
+        for (auto& [function, way] : audit.functions) {
+            table.rows.push_back({module, function, way, ""});
+            text += module + "\t" + function + "\t" + way + "\n";
+        }
+        if (audit.functions.empty())
+            audit.sentences.insert(audit.sentences.begin(),
+                                   "It calls none of the intercepted functions.");
+        for (const std::string& sentence : audit.sentences) {
+            table.rows.push_back({module, "", "", sentence});
+            text += module + "\t" + sentence + "\n";
+        }
+    }
+    WriteResult(options.output,
+                options.format == Format::Text ? text : Print(table, options.format));
+    return kDone;
+}
+
+}  // namespace
+
+void DefineAudit(CLI::App& app, Run& run) {
+    auto options = std::make_shared<Options>();
+    CLI::App* verb = app.add_subcommand(
+        "audit", "Which of the 24 intercepted functions programs call, and what is out of reach");
+    verb->add_option("FILE", options->files, "Programs and libraries")->required();
+    AddFormat(*verb, options->format);
+    AddOutput(*verb, options->output);
+    verb->callback([options, &run] { run = [options] { return RunAudit(*options); }; });
+}
+
+}  // namespace qx

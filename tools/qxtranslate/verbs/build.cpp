@@ -1,0 +1,42 @@
+#include "tools/qxtranslate/model/dictionary/compile.h"
+#include "tools/qxtranslate/platform/files.h"
+#include "tools/qxtranslate/platform/platform.h"
+#include "tools/qxtranslate/verbs/verbs.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace qx {
+
+namespace {
+
+struct Options {
+    std::string po;
+    unsigned codePage = 0;
+    std::string output;
+};
+
+int RunBuild(const Options& options) {
+    auto page = OpenCodePage(options.codePage);
+    Compiled compiled =
+        Naming(options.po, [&] { return Compile(ReadPo(ReadText(options.po)), *page); });
+    for (const LeftOut& entry : compiled.leftOut) {
+        std::fprintf(stderr, "%s: line %u: left out: %s\n", options.po.c_str(), entry.line,
+                     entry.why.c_str());
+    }
+    WriteResult(options.output, WriteDictionary(compiled.dictionary));
+    return kDone;
+}
+
+}  // namespace
+
+void DefineBuild(CLI::App& app, Run& run) {
+    auto options = std::make_shared<Options>();
+    CLI::App* verb = app.add_subcommand("build", "From a PO file to a dictionary");
+    verb->add_option("PO", options->po, "The translations")->required();
+    AddCodePage(*verb, options->codePage, true);
+    AddOutput(*verb, options->output);
+    verb->callback([options, &run] { run = [options] { return RunBuild(*options); }; });
+}
+
+}  // namespace qx

@@ -1,0 +1,68 @@
+#include "tools/qxtranslate/model/text/unicode.h"
+#include "tools/qxtranslate/model/translation/checks.h"
+#include "tools/qxtranslate/model/translation/geometry_checks.h"
+#include "tools/qxtranslate/platform/files.h"
+#include "tools/qxtranslate/platform/platform.h"
+#include "tools/qxtranslate/verbs/verbs.h"
+
+#include <memory>
+
+namespace qx {
+
+namespace {
+
+struct Options {
+    std::string po;
+    std::string geometry;
+    unsigned codePage = 0;
+    Format format = Format::Text;
+    std::string output;
+};
+
+struct Report {
+    Table table = {{"severity", "file", "line", "check", "message", "source"}, {}};
+    std::string text;
+
+    void Add(const std::string& file, const std::vector<Finding>& findings) {
+        for (const Finding& finding : findings) {
+            const char* severity = finding.severity == Severity::Error ? "error" : "warning";
+            std::string line = std::to_string(finding.line);
+            table.rows.push_back(
+                {severity, file, line, finding.check, finding.message, finding.source});
+            text += file + ":" + line + ": " + severity + ": " + EscapeLine(finding.message) +
+                    " (" + finding.check + "): " + EscapeLine(finding.source) + "\n";
+        }
+    }
+};
+
+int RunCheck(const Options& options) {
+    std::unique_ptr<CodePage> page;
+    if (options.codePage) page = OpenCodePage(options.codePage);
+    PoFile po = Naming(options.po, [&] { return ReadPo(ReadText(options.po)); });
+    Report report;
+    report.Add(options.po, Check(po, page.get()));
+    if (!options.geometry.empty()) {
+        Geometry geometry = ReadGeometry(ReadText(options.geometry));
+        report.Add(options.geometry, CheckGeometry(geometry, po, page.get()));
+    }
+    WriteResult(options.output,
+                options.format == Format::Text ? report.text : Print(report.table, options.format));
+    return report.table.rows.empty() ? kDone : kFindings;
+}
+
+}  // namespace
+
+void DefineCheck(CLI::App& app, Run& run) {
+    auto options = std::make_shared<Options>();
+    CLI::App* verb = app.add_subcommand("check", "What is wrong with the translations");
+    verb->add_option("PO", options->po, "The translations")->required();
+    verb->add_option("--geometry", options->geometry,
+                     "Check the geometry file of the dictionary too")
+        ->type_name("FILE");
+    AddCodePage(*verb, options->codePage, false);
+    AddFormat(*verb, options->format);
+    AddOutput(*verb, options->output);
+    verb->callback([options, &run] { run = [options] { return RunCheck(*options); }; });
+}
+
+}  // namespace qx
