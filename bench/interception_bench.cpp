@@ -324,7 +324,8 @@ void ComparePatching() {
 
 }  // namespace
 
-int main() {
+// With a word on the command line only the calls that open no window.
+int main(int count, char**) {
     FillDictionary();
     _InitResTranslation(g_self);
     CompareStrings();
@@ -333,11 +334,13 @@ int main() {
     CompareExcluded();
     CompareResources();
     CompareMenus();
-    CompareDialogs();
     CompareFurtherFinds();
     CompareFurtherMenus();
-    CompareModalCalls();
-    ComparePatching();
+    if (count == 1) {
+        CompareDialogs();
+        CompareModalCalls();
+        ComparePatching();
+    }
     _DeInitResTranslation(g_self);
     return 0;
 }
