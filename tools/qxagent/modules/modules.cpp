@@ -35,10 +35,12 @@ std::wstring NameOf(const std::wstring& path) {
     return path.substr(path.find_last_of(L'\\') + 1);
 }
 
-// Libraries that load the program's own resources, or show their boxes for it. The library patches
-// them by itself, and they have to be made up for like the program.
+// Libraries that load the program's own resources, such as the pages of a property sheet, or show
+// their boxes for it. Those that the library patches by itself have to be made up for like the
+// program.
 bool IsClassLibrary(const std::wstring& name) {
-    return name == L"comdlg32.dll" || name.starts_with(L"mfc") || name == L"cfc42.dll";
+    return name == L"comdlg32.dll" || name == L"comctl32.dll" || name.starts_with(L"mfc") ||
+           name == L"cfc42.dll";
 }
 
 class Selection {

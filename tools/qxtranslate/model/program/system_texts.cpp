@@ -25,7 +25,9 @@ const std::vector<Source>& Sources() {
         {{"PickIconDlg", "RunFileDlg", "SHBrowseForFolder", "SHFileOperation", "ShellAbout"},
          BoxesOf("shell32.dll", WithModule("shell32.dll"))},
         {{"PropertySheet", "TaskDialog", "TaskDialogIndirect"},
-         "the pages and " + BoxesOf("comctl32.dll", WithModule("comctl32.dll"))},
+         "its pages are translated when it is started by qxtranslate run; the buttons around them "
+         "and other " +
+             BoxesOf("comctl32.dll", "")},
         {{"WNetConnectionDialog", "WNetConnectionDialog1", "WNetDisconnectDialog"},
          BoxesOf("mpr.dll", WithModule("mpr.dll"))},
         {{"DefMDIChildProc"},
