@@ -7,7 +7,8 @@ import sys
 import tempfile
 import unittest
 
-BIN = pathlib.Path(sys.argv.pop(1)).resolve() / "qxtranslate"
+BINARIES = pathlib.Path(sys.argv.pop(1)).resolve()
+BIN, CUT_FILES = BINARIES / "qxtranslate", BINARIES / "cut_files"
 WINE = pathlib.Path("/usr/lib/x86_64-linux-gnu/wine/x86_64-windows")
 GOOD = 'msgid "Open"\nmsgstr "Auf"\n'
 
@@ -51,11 +52,15 @@ class CommandLine(unittest.TestCase):
         self.fails("harvest", WINE / "notepad.exe", "--pair", "0x409")
 
     def test_run_says_where_it_works(self):
-        self.assertIn("only qxtranslate.exe", self.fails("run", "--dictionary", "de.wld", "--", "notepad.exe"))
+        self.assertIn("PROGRAM is required", self.fails("run"))
+        for words in (["notepad.exe"], ["--", "notepad.exe"], ["--dictionary", "de.wld", "--", "notepad.exe"],
+                      ["--close", "--", "notepad.exe", "a", "--b"]):
+            self.assertIn("only qxtranslate.exe", self.fails("run", *words))
 
     def test_files_that_cannot_be_read_are_named(self):
         for verb in ("harvest", "audit", "check", "export"):
-            self.assertIn("gone.po", self.fails(verb, "gone.po"))
+            self.assertEqual(self.fails(verb, "gone.po"),
+                             "qxtranslate: gone.po cannot be read: No such file or directory\n")
             self.assertIn("cannot be read", self.fails(verb, self.dir))
 
     def test_other_files_are_no_programs(self):
@@ -126,16 +131,93 @@ class CommandLine(unittest.TestCase):
                 self.assertTrue(result.stdout)
 
     def test_three_files_cut_at_every_byte_end_in_a_result_or_a_sentence(self):
-        # A step that is prime visits bytes of every kind; the model's own tests cut small files at each.
-        program = (WINE / "winver.exe").read_bytes()
+        po, wld = self.dir / "view.po", self.dir / "view.wld"
+        program = WINE / "view.exe"
+        self.assertEqual(self.run_tool("harvest", program, "--pair", "0x409,0x407", "-o", po).returncode, 0)
+        self.assertEqual(self.run_tool("build", po, "--codepage", "1252", "-o", wld).returncode, 0)
+        # By hand the program too is cut at every byte: cut_files view.exe.
+        for step, path in ((997, program), (1, po), (1, wld)):
+            result = subprocess.run([CUT_FILES, "--step", str(step), path], capture_output=True, timeout=200)
+            self.assertEqual((result.returncode, result.stderr), (0, b""), result)
+            cuts = path.stat().st_size // step + 1
+            self.assertIn(f"cut {cuts} times".encode(), result.stdout)
+
+    def test_a_cut_file_ends_the_command_in_a_result_or_a_sentence(self):
+        program = (WINE / "view.exe").read_bytes()
         for name, whole, words in (
                 ("a.exe", program[:3000], ["harvest"]),
-                ("a.po", GOOD.encode() * 1, ["check"]),
+                ("a.po", GOOD.encode(), ["check"]),
                 ("a.wld", b'"Open"\r\n"Auf"\r\n', ["import", "--codepage", "1252"])):
             for size in range(0, len(whole), 1 if len(whole) < 200 else 97):
                 result = self.run_tool(words[0], self.file(name, whole[:size]), *words[1:])
                 self.assertIn(result.returncode, (0, 2), (name, size, result))
                 self.assertEqual(result.returncode == 2, bool(result.stderr))
+
+    def test_a_result_never_replaces_what_it_is_made_from(self):
+        po, pot = self.file("a.po", GOOD), self.file("a.pot", GOOD)
+        wld = self.file("a.wld", '"Open"\r\n"Auf"\r\n')
+        program = self.file("view.exe", (WINE / "view.exe").read_bytes())
+        record = self.file("r", "LoadStringW\ta.exe\t\tplain\tOpen\tAuf\n")
+        for words in (["harvest", program], ["audit", program], ["build", po, "--codepage", "1252"],
+                      ["import", wld, "--codepage", "1252"], ["export", po], ["check", po], ["status", po],
+                      ["pseudo", pot, "--codepage", "1252"]):
+            before = pathlib.Path(words[1]).read_bytes()
+            self.assertIn("would replace it", self.fails(*words, "-o", self.dir / "." / words[1].name))
+            self.assertEqual(words[1].read_bytes(), before)
+        self.assertIn("would replace it", self.fails("status", po, "--record", record, "-o", record))
+        self.assertIn("would replace it", self.fails("merge", po, pot, "-o", pot))
+        self.assertEqual(self.run_tool("merge", po, pot, "-o", po).returncode, 0)
+
+    def test_a_pipe_is_written_to_and_stays_a_pipe(self):
+        pipe = self.dir / "pipe"
+        os.mkfifo(pipe)
+        writer = subprocess.Popen([BIN, "export", self.file("a.po", GOOD), "-o", pipe])
+        self.assertIn(b",Open,Auf,", pipe.read_bytes())
+        self.assertEqual(writer.wait(timeout=60), 0)
+        self.assertTrue(pipe.is_fifo())
+
+    def test_translations_are_read_however_their_lines_end(self):
+        for text in ("\ufeff" + GOOD, GOOD.replace("\n", "\r\n"), GOOD.rstrip("\n"),
+                     GOOD + '#~ msgid "Gone"\n#~ msgstr "Weg"\n#~ msgid "Gone"\n#~ msgstr "Fort"\n'):
+            result = self.run_tool("build", self.file("a.po", text), "--codepage", "1252")
+            self.assertEqual((result.returncode, result.stdout, result.stderr), (0, b'"Open"\r\n"Auf"\r\n', b""))
+
+    def test_translations_that_a_dictionary_cannot_stand_for_are_refused_with_their_line(self):
+        header = 'msgid ""\nmsgstr "Content-Type: text/plain; charset={}\\n"\n\n'
+        for content, sentence in (
+                (header.format("ISO-8859-1") + GOOD, "line 1: the charset is iso-8859-1"),
+                (header.format("UTF-8").encode() + b'msgid "a"\nmsgstr "\xe4"\n', "line 5: the text is not UTF-8"),
+                (header.format("UTF-8") * 2, "line 4: a second translation"),
+                ('msgid "a"\nmsgid_plural "b"\nmsgstr[0] "c"\n', "line 2: a dictionary has no plural forms"),
+                ('msgid "a\\0b"\nmsgstr ""\n', "line 1: a text holds a NUL")):
+            self.assertIn(sentence, self.fails("check", self.file("a.po", content)))
+
+    def test_numbers_beyond_all_bounds_are_refused(self):
+        po = self.file("a.po", GOOD)
+        for words in (["build", po, "--codepage", "99999999999"], ["build", po, "--codepage", "-1"],
+                      ["build", po, "--codepage", "500"], ["pseudo", po, "--codepage", "1252", "--longer", "99999"],
+                      ["status", po, "--fail-under", "1000"], ["harvest", po, "--language", "0x10000"]):
+            self.fails(*words)
+
+    def test_files_of_other_kinds_are_told(self):
+        program, empty = WINE / "view.exe", self.file("empty", "")
+        self.assertIn("is no dictionary", self.fails("import", program, "--codepage", "1252"))
+        self.assertIn("is no Windows program", self.fails("harvest", empty))
+        self.assertIn("line 1: a look-up has 6 cells", self.fails("status", empty, "--record", self.file("r", "x\n")))
+        self.assertIn("line 1:", self.fails("check", program))
+
+    def test_a_language_that_a_program_lacks_is_told_with_those_that_it_has(self):
+        for words in (["--language", "0x43f"], ["--pair", "0x409,0x43f"]):
+            result = self.run_tool("harvest", WINE / "view.exe", *words)
+            self.assertEqual(result.returncode, 0)
+            self.assertRegex(result.stderr, rb"^\S+view.exe: no texts in the language 0x43f, only in 0x.*0x007.*\n$")
+        self.assertEqual(self.run_tool("harvest", WINE / "view.exe", "--pair", "0x409,0x407").stderr, b"")
+
+    def test_a_program_without_texts_leads_to_its_libraries(self):
+        result = self.run_tool("harvest", WINE / "iexplore.exe")
+        self.assertEqual(result.returncode, 0)
+        self.assertIn(b"iexplore.exe: no texts of its own", result.stderr)
+        self.assertIn(b"calls ieframe.dll: audit it too", self.run_tool("audit", WINE / "iexplore.exe").stdout)
 
 
 unittest.main(argv=sys.argv[:1] + ["-q"] + sys.argv[1:])

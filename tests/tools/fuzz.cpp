@@ -3,12 +3,7 @@
 //     tools_fuzz [ROUNDS [SEED]]      0 rounds go on until they are stopped; round n has the seed
 //                                     SEED + n
 #include "tests/tools/pe/image_builder.h"
-#include "tools/qxtranslate/model/dictionary/compile.h"
-#include "tools/qxtranslate/model/dictionary/geometry.h"
-#include "tools/qxtranslate/model/program/audit.h"
-#include "tools/qxtranslate/model/program/harvest.h"
-#include "tools/qxtranslate/model/text/bad_input.h"
-#include "tools/qxtranslate/model/translation/checks.h"
+#include "tests/tools/uses.h"
 #include "tools/qxtranslate/platform/platform.h"
 
 #include <cstdio>
@@ -84,25 +79,9 @@ void Round(unsigned seed) {
         data.assign(text.begin(), text.end());
     }
     Mutate(data, random);
-    std::string text(data.begin(), data.end());
-    try {
-        if (kind == 3) {
-            qx::WriteGeometry(qx::ReadGeometry(text).dialogs);
-            qx::WritePo(qx::Decompile(qx::ReadDictionary(text, page), page));
-            return;
-        }
-        if (kind == 2) {
-            qx::PoFile po = qx::ReadPo(text);
-            if (qx::WritePo(qx::ReadPo(qx::WritePo(po))) != qx::WritePo(po)) std::abort();
-            qx::Check(po, &page);
-            qx::WriteDictionary(qx::Compile(po, page).dictionary);
-            return;
-        }
-        unsigned lost = 0;
-        qx::ToPo(qx::ReadTexts(data, "a.exe", 0x409, 0x407).texts, "a.exe", &lost);
-        qx::AuditModule(data);
-    } catch (const qx::BadInput&) {
-    }
+    constexpr FileKind kKinds[] = {FileKind::Program, FileKind::Program, FileKind::Translations,
+                                   FileKind::Dictionary};
+    Use(kKinds[kind], data, page);
 }
 
 }  // namespace

@@ -111,6 +111,28 @@ class Run(unittest.TestCase):
         path.write_bytes(b'"Open"\r\n"Aufmachen"\r\n')
         return windows(path)
 
+    def test_a_record_or_dump_never_replaces_what_is_read(self):
+        program, dictionary = self.copy_of_foreign(), self.dictionary()
+        kept = {path: path.read_bytes() for path in self.dir.iterdir()}
+        for words in (["--record", dictionary], ["--dump", dictionary], ["--record", windows(program)],
+                      ["--record", windows(self.dir / "r"), "--dump", windows(self.dir / "r")]):
+            result = self.tool("run", "--dictionary", dictionary, *words, "--", windows(program))
+            self.assertEqual((result.returncode, result.stderr.count(b"\n")), (2, 1), (words, result.stderr))
+            self.assertEqual({path: path.read_bytes() for path in self.dir.iterdir()}, kept)
+
+    def test_narrow_texts_are_cut_between_characters(self):
+        # Room for two bytes, and the second character needs more than one.
+        for page, encoding in (("932", "cp932"), ("65001", "utf-8")):
+            path = self.dir / f"{page}.wld"
+            path.write_bytes('"Open"\r\n"a\u6F22\u5B57"\r\n'.encode(encoding))
+            result = self.tool("run", "--dictionary", windows(path), "--", windows(BIN / "foreign.exe"),
+                               env=dict(os.environ, QXCORE_CODEPAGE=page))
+            self.assertEqual(result.returncode, 0, result)
+            lines = result.stdout.splitlines()
+            self.assertIn(b"narrow, cut: 1 a", lines)
+            whole = "a\u6F22\u5B57".encode(encoding)
+            self.assertIn(b"by name: %d %s" % (len(whole), whole), lines)
+
     def test_what_hurts_foreign_programs_is_made_up_for(self):
         result = self.tool("run", "--dictionary", self.dictionary(), "--", windows(BIN / "foreign.exe"))
         self.assertEqual(result.returncode, 0, result)  # the program's own code is another

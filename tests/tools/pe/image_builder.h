@@ -1,6 +1,6 @@
 // Small program files for tests, built field by field from the published layout.
-#ifndef TESTS_TOOLS_IMAGE_BUILDER_H
-#define TESTS_TOOLS_IMAGE_BUILDER_H
+#ifndef TESTS_TOOLS_PE_IMAGE_BUILDER_H
+#define TESTS_TOOLS_PE_IMAGE_BUILDER_H
 
 #include <cstdint>
 #include <string>

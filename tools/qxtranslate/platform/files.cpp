@@ -74,6 +74,16 @@ bool WriteAll(FILE* file, std::string_view bytes) {
     return fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() && fflush(file) == 0;
 }
 
+// What fails is told of the file that the user has named.
+void WriteFile(const std::string& path, const std::string& named, std::string_view bytes) {
+    File file = Open(path, true);
+    if (!file) Fail(named, "cannot be written", errno);
+    bool isWritten = WriteAll(file.get(), bytes);
+    int error = errno;
+    isWritten = fclose(file.release()) == 0 && isWritten;
+    if (!isWritten) Fail(named, "cannot be written", error ? error : errno);
+}
+
 }  // namespace
 
 std::vector<uint8_t> ReadBytes(const std::string& path) {
@@ -96,24 +106,25 @@ std::vector<uint8_t> ReadBytes(const std::string& path) {
     return bytes;
 }
 
-std::string ReadText(const std::string& path) {
-    std::vector<uint8_t> bytes = ReadBytes(path);
-    return std::string(bytes.begin(), bytes.end());
-}
-
 void WriteResult(const std::string& path, std::string_view bytes) {
     if (path.empty()) {
         if (!WriteAll(stdout, bytes)) Fail("the standard output", "cannot be written", errno);
-        return;
+    } else if (std::error_code ignored; std::filesystem::is_other(PathOf(path), ignored)) {
+        WriteFile(path, path, bytes);
+    } else {
+        Aside aside(path);
+        WriteFile(aside.Path(), path, bytes);
+        aside.Rename(path);
     }
-    Aside aside(path);
-    File file = Open(aside.Path(), true);
-    if (!file) Fail(path, "cannot be written", errno);
-    bool isWritten = WriteAll(file.get(), bytes);
-    int error = errno;
-    isWritten = fclose(file.release()) == 0 && isWritten;
-    if (!isWritten) Fail(path, "cannot be written", error ? error : errno);
-    aside.Rename(path);
+}
+
+void RequireApart(const std::string& output, const std::vector<std::string>& inputs) {
+    for (const std::string& input : inputs) {
+        std::error_code ignored;
+        if (!output.empty() && !input.empty() &&
+            std::filesystem::equivalent(PathOf(output), PathOf(input), ignored))
+            throw BadInput(output + " is read by this command, and the result would replace it");
+    }
 }
 
 std::string FileName(const std::string& path) {

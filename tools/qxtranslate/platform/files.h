@@ -12,23 +12,33 @@
 namespace qx {
 
 std::vector<uint8_t> ReadBytes(const std::string& path);
-std::string ReadText(const std::string& path);
 
 // Writes beside the target and renames, so that the target is the old file or the new one. An empty
-// path is the standard output.
+// path is the standard output; a device or a pipe is written to as it is.
 void WriteResult(const std::string& path, std::string_view bytes);
+
+// Refuses a result that would take the place of what it is made from.
+void RequireApart(const std::string& output, const std::vector<std::string>& inputs);
 
 // The name behind the last separator.
 std::string FileName(const std::string& path);
 
-// Calls `act` and puts the file's name before the sentence that it fails with.
-template <class Act>
-auto Naming(const std::string& path, Act act) {
+// What `parse` makes of the file's bytes; the file's name stands before the sentence that it fails
+// with.
+template <class Parse>
+auto ParseFile(const std::string& path, Parse parse) {
+    const std::vector<uint8_t> file = ReadBytes(path);
     try {
-        return act();
+        return parse(file);
     } catch (const BadInput& failure) {
         throw BadInput(path + ": " + failure.what());
     }
+}
+template <class Parse>
+auto ParseText(const std::string& path, Parse parse) {
+    return ParseFile(path, [&](const std::vector<uint8_t>& file) {
+        return parse(std::string_view(reinterpret_cast<const char*>(file.data()), file.size()));
+    });
 }
 
 }  // namespace qx

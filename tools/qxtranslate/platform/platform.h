@@ -10,7 +10,7 @@
 
 namespace qx {
 
-// The code page of this number. Throws BadInput when there is none.
+// The code page of this number. Throws BadInput when there is none that a dictionary can be in.
 std::unique_ptr<CodePage> OpenCodePage(unsigned number);
 
 // The words of the command line behind the program's name, in UTF-8.

@@ -106,7 +106,8 @@ private:
 std::unique_ptr<CodePage> OpenCodePage(unsigned number) {
     std::string name = number == 65001 ? "UTF-8" : "CP" + std::to_string(number);
     auto page = std::make_unique<IconvCodePage>(name);
-    if (!page->IsOpen()) throw BadInput("there is no code page " + std::to_string(number));
+    if (!page->IsOpen() || !KeepsAscii(*page))
+        throw BadInput("there is no code page " + std::to_string(number));
     return page;
 }
 

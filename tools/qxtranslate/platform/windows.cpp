@@ -57,9 +57,10 @@ private:
 }  // namespace
 
 std::unique_ptr<CodePage> OpenCodePage(unsigned number) {
-    if (!number || !IsValidCodePage(number))
+    auto page = std::make_unique<SystemCodePage>(number);
+    if (!number || !IsValidCodePage(number) || !KeepsAscii(*page))
         throw BadInput("there is no code page " + std::to_string(number));
-    return std::make_unique<SystemCodePage>(number);
+    return page;
 }
 
 std::vector<std::string> CommandLineWords(int, char**) {

@@ -38,12 +38,13 @@ std::wstring FindProgram(const std::string& name) {
     return path;
 }
 
-void RequireSixtyFourBits(const std::string& name, const std::wstring& path) {
-    Naming(name, [&] {
-        std::vector<uint8_t> file = ReadBytes(FromWide(path));
+void RequireSixtyFourBits(const std::wstring& path) {
+    ParseFile(FromWide(path), [&](Bytes file) {
         PeImage image(file);
-        if (!image.Is64Bit() || image.Machine() != kMachine64)
+        if (!image.Is64Bit())
             throw BadInput("is a 32-bit program; only 64-bit programs can be run translated");
+        if (image.Machine() != kMachine64)
+            throw BadInput("is a program for another processor than x86-64");
     });
 }
 
@@ -100,7 +101,7 @@ std::vector<HWND> WindowsOf(DWORD process) {
 
 LaunchedProgram::LaunchedProgram(const std::vector<std::string>& words) : m_name(words.at(0)) {
     std::wstring program = FindProgram(m_name);
-    RequireSixtyFourBits(m_name, program);
+    RequireSixtyFourBits(program);
     std::wstring line = CommandLine(program, words);
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;

@@ -17,8 +17,9 @@ struct Options {
 int RunAudit(const Options& options) {
     Table table = {{"module", "function", "way", "consequence"}, {}};
     std::string text;
+    RequireApart(options.output, options.files);
     for (const std::string& path : options.files) {
-        Audit audit = Naming(path, [&] { return AuditModule(ReadBytes(path)); });
+        Audit audit = ParseFile(path, AuditModule);
         std::string module = FileName(path);
         for (auto& [function, way] : audit.functions) {
             table.rows.push_back({module, function, way, ""});

@@ -18,8 +18,9 @@ struct Options {
 
 int RunBuild(const Options& options) {
     auto page = OpenCodePage(options.codePage);
+    RequireApart(options.output, {options.po});
     Compiled compiled =
-        Naming(options.po, [&] { return Compile(ReadPo(ReadText(options.po)), *page); });
+        ParseText(options.po, [&](std::string_view text) { return Compile(ReadPo(text), *page); });
     for (const LeftOut& entry : compiled.leftOut) {
         std::fprintf(stderr, "%s: line %u: left out: %s\n", options.po.c_str(), entry.line,
                      entry.why.c_str());

@@ -36,13 +36,14 @@ struct Report {
 };
 
 int RunCheck(const Options& options) {
+    RequireApart(options.output, {options.po, options.geometry});
     std::unique_ptr<CodePage> page;
     if (options.codePage) page = OpenCodePage(options.codePage);
-    PoFile po = Naming(options.po, [&] { return ReadPo(ReadText(options.po)); });
+    PoFile po = ParseText(options.po, ReadPo);
     Report report;
     report.Add(options.po, Check(po, page.get()));
     if (!options.geometry.empty()) {
-        Geometry geometry = ReadGeometry(ReadText(options.geometry));
+        Geometry geometry = ParseText(options.geometry, ReadGeometry);
         report.Add(options.geometry, CheckGeometry(geometry, po, page.get()));
     }
     WriteResult(options.output,

@@ -21,7 +21,8 @@ std::string Join(const std::vector<std::string>& list, const char* separator) {
 }
 
 int RunExport(const Options& options) {
-    PoFile po = Naming(options.po, [&] { return ReadPo(ReadText(options.po)); });
+    RequireApart(options.output, {options.po});
+    PoFile po = ParseText(options.po, ReadPo);
     Table table = {{"context", "source", "target", "state", "places", "notes", "comments"}, {}};
     for (const PoEntry& entry : po.entries) {
         const char* state = entry.isObsolete       ? "obsolete"

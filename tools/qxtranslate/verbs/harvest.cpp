@@ -3,6 +3,7 @@
 #include "tools/qxtranslate/platform/platform.h"
 #include "tools/qxtranslate/verbs/verbs.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -54,28 +55,43 @@ std::string Hex(uint16_t number) {
     return text;
 }
 
-// Of many files those that have no texts at all are nothing to tell.
-void TellWithoutTexts(const std::string& path, const Harvest& harvest, uint16_t language,
-                      bool isOnly) {
-    if (!harvest.texts.empty() || (harvest.languages.empty() && !isOnly)) return;
+void TellWithoutLanguage(const std::string& path, const Harvest& harvest, uint16_t language) {
     std::string others;
     for (uint16_t other : harvest.languages) others += (others.empty() ? "" : ", ") + Hex(other);
-    std::fprintf(stderr, "%s: no texts in the language %s%s\n", path.c_str(), Hex(language).c_str(),
-                 others.empty() ? "" : (", only in " + others).c_str());
+    std::fprintf(stderr, "%s: no texts in the language %s, only in %s\n", path.c_str(),
+                 Hex(language).c_str(), others.c_str());
+}
+
+// Of many files those that have no texts at all are nothing to tell.
+void TellWhatIsMissing(const std::string& path, const Harvest& harvest, const Languages& languages,
+                       bool isOnly) {
+    bool hasNone = harvest.languages.empty() || harvest.languages.count(languages.source);
+    if (harvest.texts.empty() && !hasNone) {
+        TellWithoutLanguage(path, harvest, languages.source);
+    } else if (harvest.texts.empty() && isOnly) {
+        std::fprintf(stderr,
+                     "%s: no texts of its own; qxtranslate audit names the libraries that it may "
+                     "show\n",
+                     path.c_str());
+    }
+    bool isPaired = std::any_of(harvest.texts.begin(), harvest.texts.end(),
+                                [](auto& text) { return !text.target.empty(); });
+    if (!harvest.texts.empty() && languages.second && !isPaired)
+        TellWithoutLanguage(path, harvest, *languages.second);
 }
 
 int RunHarvest(const Options& options) {
     Languages languages = ParseLanguages(options);
+    RequireApart(options.output, options.files);
     std::vector<HarvestedText> texts;
     bool tellsProgress = options.files.size() > 1 && IsErrorTerminal();
     size_t done = 0;
     for (const std::string& path : options.files) {
         if (tellsProgress) std::fprintf(stderr, "\r%zu of %zu", ++done, options.files.size());
-        auto harvest = Naming(path, [&] {
-            std::vector<uint8_t> file = ReadBytes(path);
+        auto harvest = ParseFile(path, [&](Bytes file) {
             return ReadTexts(file, FileName(path), languages.source, languages.second);
         });
-        TellWithoutTexts(path, harvest, languages.source, options.files.size() == 1);
+        TellWhatIsMissing(path, harvest, languages, options.files.size() == 1);
         texts.insert(texts.end(), harvest.texts.begin(), harvest.texts.end());
     }
     if (tellsProgress) std::fprintf(stderr, "\n");

@@ -17,8 +17,12 @@ struct Options {
 
 int RunImport(const Options& options) {
     auto page = OpenCodePage(options.codePage);
-    PoFile po = Naming(options.dictionary, [&] {
-        return Decompile(ReadDictionary(ReadText(options.dictionary), *page), *page);
+    RequireApart(options.output, {options.dictionary});
+    PoFile po = ParseText(options.dictionary, [&](std::string_view text) {
+        Dictionary dictionary = ReadDictionary(text, *page);
+        if (dictionary.entries.empty() && !text.empty())
+            throw BadInput("is no dictionary: no two of its lines are a text in double quotes");
+        return Decompile(dictionary, *page);
     });
     WriteResult(options.output, WritePo(po));
     return kDone;

@@ -16,11 +16,10 @@ struct Options {
 };
 
 int RunMerge(const Options& options) {
-    auto read = [](const std::string& path) {
-        return Naming(path, [&] { return ReadPo(ReadText(path)); });
-    };
+    RequireApart(options.output, {options.fresh});
     MergeCounts counts;
-    PoFile merged = Merge(read(options.old), read(options.fresh), &counts);
+    PoFile merged =
+        Merge(ParseText(options.old, ReadPo), ParseText(options.fresh, ReadPo), &counts);
     WriteResult(options.output, WritePo(merged));
     std::fprintf(stderr, "%u the same, %u suggested (fuzzy), %u missing, %u obsolete\n",
                  counts.same, counts.suggested, counts.missing, counts.obsolete);

@@ -21,8 +21,9 @@ struct Options {
 int RunPseudo(const Options& options) {
     auto page = OpenCodePage(options.codePage);
     PseudoLanguage language(*page, options.longer);
-    Compiled compiled = Naming(options.harvest, [&] {
-        return Compile(language.Translate(ReadPo(ReadText(options.harvest))), *page);
+    RequireApart(options.output, {options.harvest});
+    Compiled compiled = ParseText(options.harvest, [&](std::string_view text) {
+        return Compile(language.Translate(ReadPo(text)), *page);
     });
     for (const LeftOut& entry : compiled.leftOut) {
         std::fprintf(stderr, "%s: line %u: left out: %s\n", options.harvest.c_str(), entry.line,

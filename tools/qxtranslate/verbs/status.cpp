@@ -73,14 +73,11 @@ void TellUnknown(const PoFile& po, const std::vector<LookUp>& record) {
 }
 
 int RunStatus(const Options& options) {
-    auto read = [](const std::string& path) {
-        return Naming(path, [&] { return ReadPo(ReadText(path)); });
-    };
-    PoFile po = read(options.po), harvest;
+    RequireApart(options.output, {options.po, options.harvest, options.record});
+    PoFile po = ParseText(options.po, ReadPo), harvest;
     std::vector<LookUp> record;
-    if (!options.harvest.empty()) harvest = read(options.harvest);
-    if (!options.record.empty())
-        record = Naming(options.record, [&] { return ReadRecord(ReadText(options.record)); });
+    if (!options.harvest.empty()) harvest = ParseText(options.harvest, ReadPo);
+    if (!options.record.empty()) record = ParseText(options.record, ReadRecord);
     TellUnknown(po, record);
     Status status = StatusOf(po, options.harvest.empty() ? nullptr : &harvest,
                              options.record.empty() ? nullptr : &record);
@@ -102,7 +99,8 @@ void DefineStatus(CLI::App& app, Run& run) {
         ->type_name("FILE");
     verb->add_option("--fail-under", options->failUnder,
                      "Exit with 1 when less than this share of the texts in reach is done")
-        ->type_name("PERCENT");
+        ->type_name("PERCENT")
+        ->check(CLI::Range(0.0, 100.0));
     AddFormat(*verb, options->format);
     AddOutput(*verb, options->output);
     verb->callback([options, &run] { run = [options] { return RunStatus(*options); }; });

@@ -87,10 +87,11 @@ bool IsNameByte(uint8_t c) {
 
 bool IsLibrary(const std::string& lower) {
     static const std::set<std::string> kOfTheSystem = {
-        "gdi32.dll", "kernel32.dll", "kernelbase.dll", "msvcrt.dll",
-        "ntdll.dll", "ucrtbase.dll", "user32.dll",     "win32u.dll",
+        "advapi32.dll", "gdi32.dll",    "kernel32.dll", "kernelbase.dll", "msvcrt.dll",
+        "ntdll.dll",    "ucrtbase.dll", "user32.dll",   "win32u.dll",
     };
-    return lower.size() > 4 && lower.ends_with(".dll") && !kOfTheSystem.count(lower);
+    bool isSet = lower.starts_with("api-ms-") || lower.starts_with("ext-ms-");
+    return lower.size() > 4 && lower.ends_with(".dll") && !isSet && !kOfTheSystem.count(lower);
 }
 
 // Libraries that are there for what they show.
@@ -116,6 +117,15 @@ void EachName(Bytes section, Visit visit) {
 }
 
 }  // namespace
+
+std::vector<std::string> ImportedLibraries(const std::vector<Import>& imports) {
+    std::set<std::string> libraries;
+    for (const Import& import : imports) {
+        std::string lower = LowerAscii(import.library);
+        if (IsLibrary(lower)) libraries.insert(lower);
+    }
+    return std::vector<std::string>(libraries.begin(), libraries.end());
+}
 
 std::vector<std::string> NamedLibraries(const PeImage& image) {
     std::set<std::string> libraries;

@@ -24,9 +24,13 @@ std::vector<Import> ReadImports(const PeImage& image);
 // stands among them.
 std::unordered_set<std::string> CollectNames(const PeImage& image);
 
-// The libraries that the program may load while it runs, in lower case: names of such files among
-// its wide texts, without those on which the system itself stands; also among its narrow ones where
-// the name tells that the library is there for what it shows.
+// The libraries among these imports, in lower case, without those on which the system itself
+// stands.
+std::vector<std::string> ImportedLibraries(const std::vector<Import>& imports);
+
+// The libraries that the program may load while it runs, in lower case and without the same ones:
+// names of such files among its wide texts; also among its narrow ones where the name tells that
+// the library is there for what it shows.
 std::vector<std::string> NamedLibraries(const PeImage& image);
 
 }  // namespace qx

@@ -222,13 +222,18 @@ private:
     }
 
     void Libraries() {
-        for (const std::string& library : NamedLibraries(m_image)) {
-            Tell("It names " + library +
-                 ": when it loads that library while it runs, audit it too, harvest " + library +
-                 " together with the program and give qxtranslate run the option "
-                 "--module " +
-                 library + ", and its texts are translated too.");
-        }
+        for (const std::string& library : NamedLibraries(m_image))
+            TellLibrary("It names " + library + ": when it loads that library while it runs, ",
+                        library);
+        if (Holds(kTypeMenu) || Holds(kTypeDialog) || Holds(kTypeStrings)) return;
+        for (const std::string& library : ImportedLibraries(m_imports))
+            TellLibrary("It has no texts of its own and calls " + library + ": ", library);
+    }
+
+    void TellLibrary(const std::string& why, const std::string& library) {
+        Tell(why + "audit it too, harvest " + library +
+             " together with the program and give qxtranslate run the option --module " + library +
+             ", and its texts are translated too.");
     }
 
     bool Uses(const char* function) const { return m_used.count(function) != 0; }

@@ -26,6 +26,13 @@ inline size_t CharacterSize(const CodePage& page, std::string_view text, size_t 
     return isDouble ? 2 : 1;
 }
 
+// Whether the characters in which dictionaries are written are bytes of their own.
+inline bool KeepsAscii(const CodePage& page) {
+    std::string ascii;
+    for (char c = ' '; c < 0x7F; ++c) ascii += c;
+    return page.Encode(ascii) == ascii && page.Decode(ascii) == ascii;
+}
+
 }  // namespace qx
 
 #endif
