@@ -2,10 +2,9 @@
 #include "tools/qxagent/modules/make_up.h"
 #include "tools/qxagent/modules/modules.h"
 #include "tools/qxagent/orders.h"
+#include "tools/qxagent/service.h"
 #include "tools/qxagent/texts/recorder.h"
-#include "tools/qxagent/windows/dump.h"
 #include "tools/qxagent/windows/message_watch.h"
-#include "tools/qxagent/windows/settling.h"
 
 #include <qxcore/dictionary.h>
 #include <qxcore/translation.h>
@@ -57,17 +56,8 @@ extern "C" __declspec(dllexport) DWORD WINAPI QxAgentStart(void* memory) {
     if (*orders.record && !qx::StartRecord(orders.record, orders.recordFailed))
         return qx::kAgentNoRecord;
     qx::WatchThread(orders.mainThread);
+    qx::StartService(orders);
     return qx::kAgentDone;
-}
-
-extern "C" __declspec(dllexport) DWORD WINAPI QxAgentSettle(void*) {
-    qx::Settle();
-    return qx::kAgentDone;
-}
-
-extern "C" __declspec(dllexport) DWORD WINAPI QxAgentDump(void* memory) {
-    const auto& orders = *static_cast<const qx::AgentOrders*>(memory);
-    return qx::DumpInterface(orders.dump) ? qx::kAgentDone : qx::kAgentNoDump;
 }
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {

@@ -15,23 +15,28 @@ struct AgentOrders {
     wchar_t modules[kOrderList];  // file names of further modules to translate
     wchar_t record[kOrderPath];   // empty: no record
     wchar_t dump[kOrderPath];
-    HANDLE recordFailed;  // an event of the program: set when a line cannot be written
     DWORD mainThread;
     int wideBoxes;
+
+    // Events, as handles of the program.
+    HANDLE recordFailed;  // set when a line of the record cannot be written
+    HANDLE settleWanted;  // null when nothing will be asked of the running program
+    HANDLE dumpWanted;
+    HANDLE done;  // one of these two answers what was wanted
+    HANDLE failed;
 };
 
-// The exit code of the thread that an entry runs in.
+// The exit code of the thread that the entry runs in.
 enum AgentAnswer : DWORD {
     kAgentDone = 1,
     kAgentNoDictionary = 2,
     kAgentNoRecord = 3,
-    kAgentNoDump = 4,
 };
 
-// Entries of qxagent.dll, all run as threads of the program with its copy of the orders.
+// The entry of qxagent.dll, run as a thread of the program with its copy of the orders before the
+// program's own code runs. A running program gets no thread from outside: under Wine one of its own
+// makes it in the midst of whatever it does, which may be allocating memory.
 inline constexpr const char* kAgentStart = "QxAgentStart";
-inline constexpr const char* kAgentSettle = "QxAgentSettle";
-inline constexpr const char* kAgentDump = "QxAgentDump";
 
 }  // namespace qx
 

@@ -137,7 +137,7 @@ void* LaunchedProgram::WriteRemote(const void* bytes, size_t size) {
     return memory;
 }
 
-DWORD LaunchedProgram::RunRemote(void* function, void* argument, DWORD patience) {
+DWORD LaunchedProgram::RunRemote(void* function, void* argument) {
     Handle thread(CreateRemoteThread(m_process, nullptr, 0,
                                      reinterpret_cast<LPTHREAD_START_ROUTINE>(function), argument,
                                      0, nullptr));
@@ -145,7 +145,7 @@ DWORD LaunchedProgram::RunRemote(void* function, void* argument, DWORD patience)
         throw BadInput(m_name +
                        ": nothing can be loaded into it: " + SystemMessage(GetLastError()));
     HANDLE ends[] = {thread, m_process};
-    if (WaitForMultipleObjects(2, ends, FALSE, patience) != WAIT_OBJECT_0 || EndsWithin(0))
+    if (WaitForMultipleObjects(2, ends, FALSE, kPatience) != WAIT_OBJECT_0 || EndsWithin(0))
         throw BadInput(m_name + (EndsWithin(0) ? " ended at once" : " does not answer"));
     DWORD answer = 0;
     GetExitCodeThread(thread, &answer);
@@ -171,19 +171,32 @@ void LaunchedProgram::LoadRemote(const std::wstring& path) {
         throw BadInput(FromWide(path) + " is missing");
     auto load =
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LoadLibraryW"));
-    if (!RunRemote(load, WriteRemote(path.c_str(), (path.size() + 1) * sizeof(wchar_t)), kPatience))
+    if (!RunRemote(load, WriteRemote(path.c_str(), (path.size() + 1) * sizeof(wchar_t))))
         throw BadInput(FromWide(path) + " could not be loaded into " + m_name);
 }
 
-void LaunchedProgram::LoadAgent(AgentOrders& orders) {
+// An event of which the program has a handle too, which is the result.
+HANDLE LaunchedProgram::SharedEvent(Handle& own) const {
+    own = Handle(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    HANDLE theirs = nullptr;
+    if (!DuplicateHandle(GetCurrentProcess(), own, m_process, &theirs, 0, FALSE,
+                         DUPLICATE_SAME_ACCESS))
+        throw BadInput(m_name + " cannot be asked: " + SystemMessage(GetLastError()));
+    return theirs;
+}
+
+void LaunchedProgram::LoadAgent(AgentOrders& orders, bool asks) {
     orders.mainThread = m_threadId;
-    m_recordFailed = Handle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    DuplicateHandle(GetCurrentProcess(), m_recordFailed, m_process, &orders.recordFailed, 0, FALSE,
-                    DUPLICATE_SAME_ACCESS);
+    orders.recordFailed = SharedEvent(m_recordFailed);
+    if (asks) {
+        orders.settleWanted = SharedEvent(m_settleWanted);
+        orders.dumpWanted = SharedEvent(m_dumpWanted);
+        orders.done = SharedEvent(m_done);
+        orders.failed = SharedEvent(m_failed);
+    }
     // The agent needs the library, which the system would look for beside the program.
     for (const wchar_t* name : {kLibrary, kAgent}) LoadRemote(Beside(name));
-    m_orders = WriteRemote(&orders, sizeof orders);
-    switch (RunRemote(Remote(kAgentStart), m_orders, kPatience)) {
+    switch (RunRemote(Remote(kAgentStart), WriteRemote(&orders, sizeof orders))) {
         case kAgentDone:
             return;
         case kAgentNoDictionary:
@@ -205,9 +218,21 @@ void LaunchedProgram::AwaitWindow() const {
     }
 }
 
+// Whether the agent could do it.
+bool LaunchedProgram::Ask(HANDLE wanted) const {
+    ResetEvent(m_done);
+    ResetEvent(m_failed);
+    SetEvent(wanted);
+    HANDLE ends[] = {m_done, m_failed, m_process};
+    DWORD end = WaitForMultipleObjects(3, ends, FALSE, kPatience);
+    if (end > WAIT_OBJECT_0 + 1)
+        throw BadInput(m_name + (EndsWithin(0) ? " has ended" : " does not answer"));
+    return end == WAIT_OBJECT_0;
+}
+
 void LaunchedProgram::Settle() {
     try {
-        RunRemote(Remote(kAgentSettle), m_orders, kPatience);
+        Ask(m_settleWanted);
     } catch (const BadInput&) {
         // A program may end by what it was asked for; one that hangs is found by what comes next.
     }
@@ -233,8 +258,7 @@ void LaunchedProgram::SendCommand(unsigned command) {
 
 void LaunchedProgram::Dump() {
     if (EndsWithin(0)) throw BadInput(m_name + " ended before its windows could be read");
-    if (RunRemote(Remote(kAgentDump), m_orders, kPatience) != kAgentDone)
-        throw BadInput("the program cannot write the dump");
+    if (!Ask(m_dumpWanted)) throw BadInput("the program cannot write the dump");
 }
 
 bool LaunchedProgram::HasWholeRecord() const {

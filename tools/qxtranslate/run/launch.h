@@ -39,8 +39,9 @@ public:
     LaunchedProgram(const LaunchedProgram&) = delete;
     LaunchedProgram& operator=(const LaunchedProgram&) = delete;
 
-    // Loads the agent and gives it the orders, before any code of the program runs.
-    void LoadAgent(AgentOrders& orders);
+    // Loads the agent and gives it the orders, before any code of the program runs. `asks`: it will
+    // be asked to settle or to dump.
+    void LoadAgent(AgentOrders& orders, bool asks);
     void Resume();
 
     // Whether the program ends within the time.
@@ -60,18 +61,19 @@ public:
     void Close();
 
 private:
+    HANDLE SharedEvent(Handle& own) const;
     void LoadRemote(const std::wstring& path);
-    DWORD RunRemote(void* function, void* argument, DWORD patience);
+    DWORD RunRemote(void* function, void* argument);
+    bool Ask(HANDLE wanted) const;
     void* Remote(const char* entry) const;
     void* WriteRemote(const void* bytes, size_t size);
 
     std::string m_name;
     Handle m_process;
     Handle m_thread;
-    Handle m_recordFailed;
+    Handle m_recordFailed, m_settleWanted, m_dumpWanted, m_done, m_failed;
     DWORD m_processId = 0;
     DWORD m_threadId = 0;
-    void* m_orders = nullptr;
 };
 
 }  // namespace qx

@@ -114,9 +114,10 @@ void RunProgram(const RunOptions& options) {
     PutPath(orders->dump, dump.Path());
     {
         LaunchedProgram program(options.program);
-        program.LoadAgent(*orders);
+        bool asks = !options.dump.empty() || !options.commands.empty() || options.closes;
+        program.LoadAgent(*orders, asks);
         program.Resume();
-        if (!options.dump.empty() || !options.commands.empty() || options.closes) {
+        if (asks) {
             program.AwaitWindow();
             program.EndsWithin(static_cast<DWORD>(options.after * 1000));
             program.Settle();
