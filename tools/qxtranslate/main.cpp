@@ -35,6 +35,7 @@ int RunCommandLine(std::vector<std::string> words) {
         "qxtranslate");
     app.set_version_flag("--version", "qxtranslate " QXCORE_VERSION);
     app.require_subcommand(1);
+    app.allow_windows_style_options(false);  // "/c" is a path, or an argument of the program to run
     Run run;
     for (auto define : {DefineHarvest, DefineAudit, DefineBuild, DefineImport, DefineExport,
                         DefineCheck, DefineStatus, DefineMerge, DefinePseudo, DefineRun})
