@@ -147,6 +147,22 @@ class Run(unittest.TestCase):
             "freed nothing: 0",
         ])
 
+    def test_the_words_behind_the_program_are_the_programs_own(self):
+        words = ["--help", "--", "/c", "-x", "--dictionary", "a b"]
+        for options in ([], ["--dictionary", self.dictionary()], ["--module", "comctl32.dll"]):
+            result = self.tool("run", *options, "--", windows(WINE / "cmd.exe"), "/c", "echo", *words)
+            self.assertEqual((result.returncode, result.stderr), (0, b""))
+            self.assertEqual(result.stdout.strip(), b'--help -- /c -x --dictionary "a b"')
+
+    def test_a_string_longer_than_the_layers_buffer_is_translated(self):
+        pot, wld = self.dir / "a.pot", self.dir / "a.wld"
+        self.done("harvest", windows(WINE / "cmd.exe"), "-o", windows(pot))
+        self.done("pseudo", windows(pot), "--codepage", "1252", "-o", windows(wld))
+        result = self.tool("run", "--dictionary", windows(wld), "--", windows(WINE / "cmd.exe"), "/c", "help")
+        text = result.stdout.replace(b"\r\n", b"\n")
+        self.assertEqual(result.returncode, 0, result)
+        self.assertRegex(text, rb"(?s)^\[[^\n]+:\n.{1000,}\]\.\n$")
+
     def test_wide_boxes_are_translated_on_demand_only(self):
         dump = self.dir / "dump.txt"
         for options, text in (([], "Open"), (["--wide-boxes"], "Aufmachen")):

@@ -107,4 +107,12 @@ TEST(ResourceTextsTest, TemplatesCutAtAnyByteAreRefusedOrRead) {
     cut(strings, [](auto& b) { ReadStrings(b, 1); });
 }
 
+TEST(ResourceTextsTest, AStringBeyondTheLayersBufferSaysWhereItIsTranslated) {
+    auto texts =
+        qx::ReadStrings(BuildStrings({std::u16string(1023, u'a'), std::u16string(1024, u'a')}), 1);
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_EQ(texts[0].room, "1023 bytes");
+    EXPECT_EQ(texts[1].room, "translated in programs started by qxtranslate run only");
+}
+
 }  // namespace

@@ -26,6 +26,12 @@ TEST(TextMarksTest, DotsAndColonsCountBeforeTheKeysAndBlanks) {
     EXPECT_TRUE(qx::EndsWithColon("\xE5\x90\x8D\xE5\x89\x8D\xEF\xBC\x9A"));
 }
 
+TEST(TextMarksTest, TheTabsOfATextOfSeveralLinesAreNotThoseOfKeys) {
+    EXPECT_EQ(qx::BeforeTab("Open\tCtrl+O"), "Open");
+    EXPECT_EQ(qx::BeforeTab("DIR\tList\nDEL\tDelete"), "DIR\tList\nDEL\tDelete");
+    EXPECT_EQ(qx::FromTab("DIR\tList\n"), "");
+}
+
 TEST(TextMarksTest, BareTextsAreEqualWhenOnlyMarksDiffer) {
     EXPECT_EQ(qx::Bare("&Open..."), qx::Bare("open"));
     EXPECT_EQ(qx::Bare("Save &As\tF12"), qx::Bare("save as:"));

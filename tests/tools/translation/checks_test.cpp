@@ -38,6 +38,12 @@ TEST(ChecksTest, WhatMisleadsTheProgramIsAnError) {
     EXPECT_EQ(Found({Entry("sdsddyb", "1"), Entry("uapfpjg", "2")}), "error hash; ");
 }
 
+TEST(ChecksTest, AStringThatIsLongItselfHasRoomForALongTranslation) {
+    std::string source(1024, 'a'), target(2000, 'x');
+    EXPECT_EQ(Found({Entry(source, target, {"a.exe/strings/1/0"})}), "");
+    EXPECT_EQ(Found({Entry(source, target, {"a.exe/menu/1/0"})}), "error too-long; ");
+}
+
 TEST(ChecksTest, TheBufferOfTheTextsKindCounts) {
     std::string menu(512, 'x'), text(1024, 'x');
     EXPECT_EQ(Found({Entry("a", menu, {"a.exe/menu/1/0"})}), "error too-long; ");

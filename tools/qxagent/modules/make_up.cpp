@@ -40,9 +40,17 @@ bool IsWhole(std::wstring_view text) {
     return text.find(L'\0') == std::wstring_view::npos;
 }
 
+// The library looks a wide string up by so many bytes of it, and gives as many of a translation.
+constexpr size_t kWideStringBytes = 1023;
+
 // The translation of a string, or the string itself: what the code page lacks or what stands behind
 // a NUL is lost on the way through the library.
 std::wstring TranslatedString(HINSTANCE module, UINT id, std::wstring_view text) {
+    if (IsWhole(text) && Narrow(text).size() > kWideStringBytes) {
+        std::wstring translated = TranslatedText(text);
+        TellText("LoadStringW", module, "", text, translated);
+        return translated;
+    }
     wchar_t buffer[kText];
     int length = IsWhole(text) ? LoadStringW(module, id, buffer, kText) : 0;
     if (length <= 0 || !HasTranslation(text)) return std::wstring(text);

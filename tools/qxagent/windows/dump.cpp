@@ -26,7 +26,9 @@ std::wstring TextOf(HWND window) {
                              SMTO_ABORTIFHUNG, kPatience, &got))
         return {};
     text.resize(std::min<size_t>(got, text.size() - 1));
-    return text.substr(0, text.find(L'\0'));
+    // What begins with this names a picture by its number.
+    constexpr wchar_t kOrdinal = 0xFFFF;
+    return text.starts_with(kOrdinal) ? L"" : text.substr(0, text.find(L'\0'));
 }
 
 bool IsDialog(HWND window) {

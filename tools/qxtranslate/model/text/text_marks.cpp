@@ -22,6 +22,13 @@ size_t FindAccessKey(std::string_view text) {
     return found;
 }
 
+// Where the tab of the keys stands; the text's end without one. A text of several lines has tabs for
+// its columns.
+size_t FindKeys(std::string_view text) {
+    if (text.find('\n') != std::string_view::npos) return text.size();
+    return std::min(text.find('\t'), text.size());
+}
+
 std::string_view TrimEnd(std::string_view text) {
     text.remove_suffix(TrailingBlanks(text));
     return text;
@@ -46,11 +53,11 @@ std::string WithoutAccessKey(std::string_view text) {
 }
 
 std::string_view BeforeTab(std::string_view text) {
-    return text.substr(0, text.find('\t'));
+    return text.substr(0, FindKeys(text));
 }
 
 std::string_view FromTab(std::string_view text) {
-    return text.substr(std::min(text.find('\t'), text.size()));
+    return text.substr(FindKeys(text));
 }
 
 bool EndsWithDots(std::string_view text) {

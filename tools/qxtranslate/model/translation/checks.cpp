@@ -98,10 +98,11 @@ private:
         auto source = page.Encode(m_entry->source);
         std::string why = WhyUnwritable({source.value_or(""), *target, 0}, page);
         if (!why.empty()) Tell(Severity::Error, "unwritable", why);
-        if (m_page) CheckLength(target->size());
+        if (m_page) CheckLength(source.value_or("").size(), target->size());
     }
 
-    void CheckLength(size_t bytes) {
+    // A string whose source is longer than the program's buffer has one as long as it needs.
+    void CheckLength(size_t sourceBytes, size_t bytes) {
         bool isMenu = false, isString = m_entry->references.empty() && !m_entry->context;
         auto look = [&](std::string_view place) {
             auto parsed = ParsePlace(place);
@@ -111,6 +112,7 @@ private:
         for (const std::string& reference : m_entry->references) look(reference);
         if (m_entry->context) look(*m_entry->context + "/-");
         size_t limit = isMenu ? kMenuBytes : isString ? kStringBytes : std::string::npos;
+        if (!isMenu && sourceBytes > kStringBytes) return;
         if (bytes > limit) {
             Tell(Severity::Error, "too-long",
                  std::to_string(bytes) + " bytes, and the program's buffer holds " +
