@@ -25,7 +25,6 @@ const char* NextName(Names* names) {
 }
 
 // Saving
-// --------------------------------------------------------------------------------------------
 
 // A node on its way into the stream. A child that could not be opened has no node and is saved as
 // an empty one, so that what follows is read as what it is.
@@ -80,7 +79,6 @@ int SaveTree(IXStream& stream, IParam* root) {
 }
 
 // Loading
-// -------------------------------------------------------------------------------------------
 
 // A node on its way out of the stream. One that could not be created is read over.
 struct LoadLevel {
@@ -100,7 +98,6 @@ public:
 
     // A failure leaves its node empty, and the nodes above go on. Answers for the outermost node.
     int Load(IParam* root) {
-        int result = 1;
         m_levels.Push(LoadLevel{Hold(root)});
         while (LoadLevel* level = m_levels.Top()) {
             try {
@@ -110,12 +107,12 @@ public:
                     continue;
                 }
             } catch (CXFileException&) {
-                Empty(level->node.Get());
-                if (m_levels.IsOutermost()) result = 0;
+                if (EmptyFailed()) return 0;
+                continue;
             }
             m_levels.Pop();
         }
-        return result;
+        return 1;
     }
 
 private:
@@ -124,6 +121,22 @@ private:
     IXStream& m_stream;
     WalkStack<LoadLevel> m_levels;
     char m_name[kNameSize + 2] = {};  // ReadString may terminate behind the bytes it is given
+
+    // Ends the node on top, which failed. One that cannot be emptied is a failure of the node above
+    // it. Whether it was the outermost one that ended; its own failure passes on.
+    bool EmptyFailed() {
+        for (;;) {
+            bool isOutermost = m_levels.IsOutermost();
+            try {
+                Empty(m_levels.Top()->node.Get());
+                m_levels.Pop();
+                return isOutermost;
+            } catch (CXFileException&) {
+                if (isOutermost) throw;
+                m_levels.Pop();
+            }
+        }
+    }
 
     // False for the empty name that ends a run. The terminator counts.
     bool ReadName() { return m_stream.ReadString(m_name, kNameSize) >= 2; }

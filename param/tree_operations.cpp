@@ -28,7 +28,6 @@ const char* NextName(Names& names) {
 }
 
 // Containment
-// ---------------------------------------------------------------------------------------
 
 bool HasEqualValues(IParam& a, IParam& b) {
     ValueWalk ofA(a);
@@ -68,7 +67,6 @@ bool Contains(Reference<IParam> wholeA, Reference<IParam> wholeB) {
 }
 
 // Copying
-// -------------------------------------------------------------------------------------------
 
 struct CopyLevel {
     Reference<IParam> source, target;
@@ -118,7 +116,6 @@ void CopyTree(Reference<IParam> source, Reference<IParam> target) {
 }
 
 // Listing
-// -------------------------------------------------------------------------------------------
 
 void Say(const char* format, const char* name) {
     CXString line;

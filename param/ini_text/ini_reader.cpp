@@ -15,8 +15,8 @@ namespace qx {
 
 namespace {
 
-constinit char g_logicalLine[kIniLineSize + 1 + kIniSlack] =
-    {};  // one for all reads: the reader serves one thread at a time
+// One for all reads: the reader serves one thread at a time.
+constinit char g_logicalLine[kIniLineSize + 1 + kIniSlack] = {};
 
 // One read: a stack of files, each included by the one below it, and the node that keys go to.
 class IniReader {

@@ -9,8 +9,8 @@ namespace {
 constexpr char kSeparator = '|';
 constexpr char kComment = ';';
 
-constinit char g_physicalLine[kIniLineSize + 1 + kIniSlack] =
-    {};  // with room for the terminator behind a full line
+// With room for the terminator behind a full line.
+constinit char g_physicalLine[kIniLineSize + 1 + kIniSlack] = {};
 
 }  // namespace
 

@@ -32,7 +32,6 @@ void CutOut(NamedItem* item) {
 }  // namespace
 
 // The space
-// -------------------------------------------------------------------------------------------
 
 NamedItem* NameSpace::Find(unsigned hash) const {
     if (m_index.InUse()) return static_cast<NamedItem*>(m_index.Find(hash));
@@ -124,7 +123,6 @@ EndingItems NameSpace::TakeAll() noexcept {
 }
 
 // Walks
-// -------------------------------------------------------------------------------------------
 
 int NameSpace::Walk::Next(unsigned count, const char** out, unsigned* fetched) {
     Start();
@@ -150,7 +148,6 @@ void NameSpace::Walk::Reset() {
 }
 
 // Of a node
-// -----------------------------------------------------------------------------------------
 
 NameSpace& NamedItems::Space() {
     if (!m_space) m_space = Make<NameSpace>();

@@ -1,9 +1,11 @@
 // The places in which settings can live:
 //
 //     ini:FILE         an ini file that a user may edit
-//     HKCU\KEY         a registry key of the user's, made where there is none; HKLM\KEY the
-//     machine's document:FILE    the storage "settings" in a document of the program, beside its
-//     contents text:FILE        one line of text stream:FILE      the bytes of a stream
+//     HKCU\KEY         a registry key of the user's, made where there is none
+//     HKLM\KEY         the same of the machine's
+//     document:FILE    the storage "settings" in a document, beside its contents
+//     text:FILE        one line of text
+//     stream:FILE      the bytes of a stream
 //
 // The first three are trees of their own, and each change goes there. A text and a stream are forms
 // of a whole tree, which is in memory until Keep.

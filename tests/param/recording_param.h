@@ -67,6 +67,7 @@ public:
     bool noSubParams = false, noValues = false;
     bool noChild = false;                   // CreateSubParam and OpenSubParam answer null
     std::string failAt;                     // the call that throws CXFileException
+    int failBelow = 0;                      // ... in nodes at least so many levels down
     std::function<void()> atEnumSubParams;  // called then; children have none
 
 private:
@@ -77,7 +78,8 @@ private:
     void Record(const char* operation, const char* name = nullptr) {
         std::string call = name ? operation + ("(" + std::string(name) + ")") : operation;
         *m_calls += m_path + ":" + call + " ";
-        if (call == failAt) throw CXFileException(QXERR_DEVICE, "recording", QXOP_WRITE);
+        if (call == failAt && failBelow <= 0)
+            throw CXFileException(QXERR_DEVICE, "recording", QXOP_WRITE);
     }
     IParam* Child(IParam* node, const char* name) {
         if (!node) return nullptr;
@@ -85,6 +87,7 @@ private:
         if (noChild) return nullptr;
         auto child = new RecordingParam(opened.Detach(), m_path + "\\" + name, m_calls);
         child->failAt = failAt;
+        child->failBelow = failBelow - 1;
         return child;
     }
 };

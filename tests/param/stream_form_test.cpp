@@ -202,6 +202,25 @@ TEST_F(StreamFormTest, AFailedNodeStandsEmptyWhileItsSiblingsLoad) {
     EXPECT_EQ(Loaded(broken + sibling + Bytes("\0v\0\x05\0\x05\0\0\0\0")), "v=5:5 a{} b{z=5:3}");
 }
 
+// "a" raises whenever it is emptied: at its beginning, and again because of that.
+TEST_F(StreamFormTest, ANodeThatCannotBeEmptiedIsAFailureOfTheNodeAboveIt) {
+    std::string calls;
+    auto failing = qx::Make<RecordingParam>(new_MemParam(), "t", &calls);
+    failing->failAt = "DeleteAllValues";
+    failing->failBelow = 2;
+    qx::Reference<IXStream> stream = StreamOf(Bytes("p\0a\0\0\0"));
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), failing.Get()), 1);
+    EXPECT_EQ(calls,
+              "t:DeleteAllSubParams t:DeleteAllValues t:CreateSubParam(p) "
+              "t\\p:DeleteAllSubParams t\\p:DeleteAllValues t\\p:CreateSubParam(a) "
+              "t\\p\\a:DeleteAllSubParams t\\p\\a:DeleteAllValues "
+              "t\\p\\a:DeleteAllSubParams t\\p\\a:DeleteAllValues "
+              "t\\p:DeleteAllSubParams t\\p:DeleteAllValues ");
+    failing->failBelow = 0;
+    EXPECT_THROW(LoadParamFromXStream(stream.Get(), failing.Get()), CXFileException);
+    EXPECT_EQ(RecordingParam::alive, 1);
+}
+
 TEST_F(StreamFormTest, AFailureOfTheOutermostNodeAnswersZeroAndLeavesItEmpty) {
     SetInt(tree.Get(), "old", 1);
     EXPECT_EQ(Loaded(Bytes("a\0\0\0\0v\0\x13\0"), 0), "");
