@@ -27,6 +27,7 @@ qx::Reference<IParam> Checked(IParam* tree) {
 PlaceLimits InText(const char* endingCharacters) {
     PlaceLimits limits;
     limits.blobs = limits.objects = limits.bytes = false;
+    limits.lineTexts = true;
     limits.notInTexts = endingCharacters;
     return limits;
 }
@@ -169,6 +170,14 @@ const Kind g_kinds[] = {
      }},
 };
 
+const char* TroubleOfText(PlaceLimits const& limits, const char* text) {
+    if (!*text) return limits.emptyTexts ? nullptr : "an empty text";
+    if (std::strpbrk(text, limits.notInTexts)) return "a text with ; or |";
+    if (!limits.lineTexts) return nullptr;
+    if (std::strpbrk(text, "\r\n")) return "a text of several lines";
+    return text[std::strlen(text) - 1] == ' ' ? "a text with blanks at its end" : nullptr;
+}
+
 // What is wrong with a value in a place, in words; null where nothing is.
 const char* Trouble(PlaceLimits const& limits, std::string const& name, CQXVariant const& value) {
     if (name.size() > limits.longestName) return "the name is too long";
@@ -180,9 +189,7 @@ const char* Trouble(PlaceLimits const& limits, std::string const& name, CQXVaria
         case QXVT_UI1:
             return limits.bytes ? nullptr : "a number of one byte";
         case QXVT_STRING:
-            if (!*value.value.string) return limits.emptyTexts ? nullptr : "an empty text";
-            return std::strpbrk(value.value.string, limits.notInTexts) ? "a text with ; or |"
-                                                                       : nullptr;
+            return TroubleOfText(limits, value.value.string);
         default:
             return nullptr;
     }

@@ -25,6 +25,7 @@ struct PlaceLimits {
     bool objects = true;
     bool bytes = true;  // numbers of one byte
     bool emptyTexts = true;
+    bool lineTexts = false;       // texts are one line, without blanks at its end
     const char* notInTexts = "";  // characters that end a text
     size_t longestName = 255;
 };
