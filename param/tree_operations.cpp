@@ -7,6 +7,8 @@
 #include <qxcore/reference.h>
 #include <qxcore/string.h>
 
+#include <cassert>
+
 namespace qx {
 
 namespace {
@@ -159,9 +161,11 @@ int Param_Cmp(IParam* a, IParam* b) {
 }
 
 void Param_CopyTo(IParam* source, IParam* target) {
+    assert(source && target);
     qx::CopyTree(qx::Hold(source), qx::Hold(target));
 }
 
 void Dump_Param(IParam* param) {
+    assert(param);
     qx::DumpTree(qx::Hold(param));
 }

@@ -141,9 +141,10 @@ QXCORE_API int Param_IniFile2Param(const char* path, IParam* param);
 //
 // Each node is a section, also an empty one, with its values before its children. Read back by
 // Param_IniFile2Param it gives the same tree, except for blobs and objects, which are left out,
-// bytes, as above, and texts with ";", "|" or a line end, which the reader cuts. A line ends at
-// 8,191 bytes: what is longer is cut at a whole character. Threading: one writer at a time in the
-// whole process.
+// bytes, as above, and texts with ";", "|" or a line end, which the reader cuts. Names are written
+// as they are: one with ";", "|", a line end or blanks at its ends, and that of a value with "=" in
+// it or "[" or "#" in front, makes a line that means something else. A line ends at 8,191 bytes:
+// what is longer is cut at a whole character. Threading: one writer at a time in the whole process.
 QXCORE_API int Param_Param2IniFile(IParam* param, const char* path);
 
 // 1 if all that `a` has is in `b` with an equal value and type (see operator== of CQXVariant), else

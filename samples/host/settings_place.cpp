@@ -8,6 +8,7 @@
 #include <qxcore/string.h>
 #include <qxcore/variant.h>
 
+#include <mbstring.h>
 #include <cstring>
 
 namespace {
@@ -172,7 +173,9 @@ const Kind g_kinds[] = {
 
 const char* TroubleOfText(PlaceLimits const& limits, const char* text) {
     if (!*text) return limits.emptyTexts ? nullptr : "an empty text";
-    if (std::strpbrk(text, limits.notInTexts)) return "a text with ; or |";
+    // By characters: the second byte of one may be that of "|".
+    auto bytes = [](const char* p) { return reinterpret_cast<const unsigned char*>(p); };
+    if (_mbspbrk(bytes(text), bytes(limits.notInTexts))) return "a text with ; or |";
     if (!limits.lineTexts) return nullptr;
     if (std::strpbrk(text, "\r\n")) return "a text of several lines";
     return text[std::strlen(text) - 1] == ' ' ? "a text with blanks at its end" : nullptr;

@@ -83,6 +83,16 @@ TEST_F(TextFormTest, LineEndsAndBlanksAtTheEndOfAValueAreLost) {
     EXPECT_EQ(Text(), "[\\]|x=sa|y=sone|two|z=sone|");
 }
 
+// "#hash=i1" is a directive without an argument, "ab" a bare key, "x" no letter of a type, and "[x"
+// is what a section begins with, whatever it is.
+TEST_F(TextFormTest, ANameThatMakesAnotherLineComesBackAsThatLine) {
+    for (const char* name : {"#hash", "ab;c", "key=x", "ok", "[x]"}) SetInt(tree.Get(), name, 1);
+    const std::string text = Text();
+    EXPECT_EQ(text, "[\\]|#hash=i1|ab|key=x=i1|ok=i1|[x]=i1|");
+    tree = ParamPtr(new_MemParam());
+    EXPECT_EQ(Tree(text), "ab=5:0 ok=5:1 ]=i1{}");
+}
+
 TEST_F(TextFormTest, ValuesWithoutATextFormAreLeftOut) {
     char bytes[] = {1};
     CQXVariant blob(tagQXBLOB{1, bytes});
