@@ -11,7 +11,7 @@ protected:
     }
 };
 
-// Two characters whose second bytes are '\\' and '|'.
+// Two characters whose second bytes are '\' and '|'.
 const std::string kDoubleByte = "\x83\x5C\x83\x7C.txt";
 
 }  // namespace
