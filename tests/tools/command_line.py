@@ -2,6 +2,7 @@
 """The command line: exit codes, sentences, files written whole or not at all. command_line.py BIN"""
 import os
 import pathlib
+import pty
 import subprocess
 import sys
 import tempfile
@@ -100,6 +101,23 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(bad.returncode, 1)
         self.assertIn(b"b.po:1: error:", bad.stdout)
 
+    def test_status_tells_by_its_exit_code_that_too_little_is_done(self):
+        po = self.file("a.po", GOOD + '\nmsgid "Save"\nmsgstr ""\n')
+        for share, code in (("50", 0), ("51", 1)):
+            result = self.run_tool("status", po, "--fail-under", share)
+            self.assertEqual((result.returncode, result.stderr), (code, b""))
+            self.assertIn(b"50.0 %", result.stdout)
+
+    def test_progress_is_told_to_a_terminal_only(self):
+        pot = self.file("a.pot", GOOD)
+        for words in (["harvest", WINE / "view.exe", WINE / "clock.exe", "-o", "out"], ["merge", pot, pot, "-o", "out"]):
+            self.assertEqual(self.run_tool(*words).stderr, b"")
+            terminal, end = pty.openpty()
+            subprocess.run([BIN, *map(str, words)], stderr=end, cwd=self.dir, timeout=60, check=True)
+            os.close(end)
+            self.assertTrue(os.read(terminal, 1000))
+            os.close(terminal)
+
     def test_check_reads_the_geometry_file_too(self):
         po = self.file("a.po", '#: a.exe/dialog/1/0\n' + GOOD)
         good = self.file("good.dlg", "[\\a.exe\\Dialogs\\#1]\r\n0=t0,0,9,0\r\n")
@@ -148,7 +166,7 @@ class CommandLine(unittest.TestCase):
                 ("a.exe", program[:3000], ["harvest"]),
                 ("a.po", GOOD.encode(), ["check"]),
                 ("a.wld", b'"Open"\r\n"Auf"\r\n', ["import", "--codepage", "1252"])):
-            for size in range(0, len(whole), 1 if len(whole) < 200 else 97):
+            for size in range(0, len(whole), 1 if len(whole) < 200 else 311):
                 result = self.run_tool(words[0], self.file(name, whole[:size]), *words[1:])
                 self.assertIn(result.returncode, (0, 2), (name, size, result))
                 self.assertEqual(result.returncode == 2, bool(result.stderr))

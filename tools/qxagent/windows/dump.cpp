@@ -57,7 +57,11 @@ private:
         m_lines += begin + "\t" + EscapeLine(FromWide(text)) + "\n";
     }
 
+    // A menu may hold itself.
+    static constexpr size_t kLongestPath = 64;
+
     void Menu(HMENU menu, const std::string& above) {
+        if (above.size() > kLongestPath) return;
         for (int i = 0; i < GetMenuItemCount(menu); ++i) {
             wchar_t text[1024] = L"";
             GetMenuStringW(menu, static_cast<UINT>(i), text, 1024, MF_BYPOSITION);

@@ -1,5 +1,6 @@
 #include "tools/qxtranslate/model/translation/merge.h"
 #include "tools/qxtranslate/platform/files.h"
+#include "tools/qxtranslate/platform/platform.h"
 #include "tools/qxtranslate/verbs/verbs.h"
 
 #include <cstdio>
@@ -21,8 +22,10 @@ int RunMerge(const Options& options) {
     PoFile merged =
         Merge(ParseText(options.old, ReadPo), ParseText(options.fresh, ReadPo), &counts);
     WriteResult(options.output, WritePo(merged));
-    std::fprintf(stderr, "%u the same, %u suggested (fuzzy), %u missing, %u obsolete\n",
-                 counts.same, counts.suggested, counts.missing, counts.obsolete);
+    if (IsErrorTerminal()) {
+        std::fprintf(stderr, "%u the same, %u suggested (fuzzy), %u missing, %u obsolete\n",
+                     counts.same, counts.suggested, counts.missing, counts.obsolete);
+    }
     return kDone;
 }
 
