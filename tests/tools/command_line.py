@@ -141,6 +141,12 @@ class CommandLine(unittest.TestCase):
         back = self.run_tool("import", "a.wld", "--codepage", "1252").stdout.decode()
         self.assertIn('msgid "Open\\tCtrl+O"\nmsgstr "Öffnen\\tStrg+O"\n', back)
 
+    def test_a_dictionary_of_nothing_is_told(self):
+        po = self.file("a.po", 'msgid "Open"\nmsgstr ""\n\n#, fuzzy\nmsgid "Save"\nmsgstr "Sichern"\n')
+        result = self.run_tool("build", po, "--codepage", "1252", "-o", "a.wld")
+        self.assertEqual(result.returncode, 0)
+        self.assertIn(b"a.po: nothing in it is translated", result.stderr)
+
     def test_every_result_has_its_three_forms(self):
         for words in (["audit", WINE / "notepad.exe"], ["export", self.file("a.po", GOOD)]):
             for form in ("text", "json", "csv"):

@@ -144,7 +144,8 @@ class Runner:
         if pictures:
             shown = [self.picture(program, "english"), self.picture(program, "ours", *translated),
                      self.picture(program, "native", language=self.locale)]
-            subprocess.run(["convert", *shown, "+append", self.out / f"{program}.png"], check=True)
+            subprocess.run(["convert", *shown, "-trim", "+repage", "+append",
+                            self.out / f"{program}.png"], check=True)
         predictions = Predictions(self, program, sentences,
                                   self.table(program, "status", windows(po), "--record", windows(record)))
         places = [place for place in english if english[place] != native.get(place)]

@@ -25,6 +25,9 @@ int RunBuild(const Options& options) {
         std::fprintf(stderr, "%s: line %u: left out: %s\n", options.po.c_str(), entry.line,
                      entry.why.c_str());
     }
+    if (compiled.dictionary.entries.empty())
+        std::fprintf(stderr, "%s: nothing in it is translated, and the dictionary is empty\n",
+                     options.po.c_str());
     WriteResult(options.output, WriteDictionary(compiled.dictionary));
     return kDone;
 }
