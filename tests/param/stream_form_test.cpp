@@ -249,6 +249,42 @@ TEST_F(StreamFormTest, SavingGoesOnBehindANodeThatFails) {
     EXPECT_EQ(RecordingParam::alive, 1);
 }
 
+TEST_F(StreamFormTest, AStreamThatTakesNothingAnswersZeroAndNothingIsThrown) {
+    SetInt(ParamPtr(tree->CreateSubParam("a\\b")).Get(), "x", 1);
+    SetInt(tree.Get(), "v", 1);
+    int writes = 0;
+    Calling sink([&] {
+        ++writes;
+        throw CXFileException(QXERR_DISK_FULL, "full", QXOP_WRITE);
+    });
+    qx::Reference<IXStream> stream(new_StreamOnMemory(&sink));
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), tree.Get()), 0);
+    EXPECT_EQ(writes, 1);  // the name of the first child, and with it the outermost node
+}
+
+TEST_F(StreamFormTest, AStoppedSaveOrLoadPassesItsExceptionOnAndLeavesNoReference) {
+    SetInt(ParamPtr(tree->CreateSubParam("a\\b")).Get(), "x", 1);
+    const std::string saved = Saved();
+    for (int at = 1; at < 9; ++at) {
+        std::string calls;
+        int left = at;
+        Calling sink([&] {
+            if (--left == 0) throw CXException(QXERR_CANCELLED);
+        });
+        auto source = qx::Make<RecordingParam>(qx::Hold(tree.Get()).Detach(), "s", &calls);
+        qx::Reference<IXStream> stream(new_StreamOnMemory(&sink));
+        EXPECT_THROW(SaveParamToXStream(stream.Get(), source.Get()), CXException) << at;
+        left = 0;
+        stream = qx::Reference<IXStream>(new_StreamOnMemory(&sink));
+        stream->Write(saved.data(), static_cast<int>(saved.size()));
+        stream->Seek(0, QXSEEK_START);
+        auto target = qx::Make<RecordingParam>(new_MemParam(), "t", &calls);
+        left = at;
+        EXPECT_THROW(LoadParamFromXStream(stream.Get(), target.Get()), CXException) << at;
+        EXPECT_EQ(RecordingParam::alive, 2);
+    }
+}
+
 TEST_F(StreamFormTest, SavingGoesThroughChildrenFirst) {
     std::string calls;
     SetInt(tree.Get(), "v", 1);
