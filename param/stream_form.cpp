@@ -7,6 +7,7 @@
 #include <qxcore/reference.h>
 #include <qxcore/stream.h>
 
+#include <cassert>
 #include <utility>
 
 namespace qx {
@@ -164,9 +165,11 @@ private:
 }  // namespace qx
 
 int SaveParamToXStream(IXStream* stream, IParam* param) {
+    assert(stream);
     return param ? qx::SaveTree(*stream, param) : 0;
 }
 
 int LoadParamFromXStream(IXStream* stream, IParam* param) {
+    assert(stream);
     return param ? qx::TreeLoader(*stream).Load(param) : 0;
 }

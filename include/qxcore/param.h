@@ -181,7 +181,8 @@ QXCORE_API int Param_String2Param(CXString& text, IParam* param);
 //
 // 1, or 0 for a null tree. A CXFileException ends the node in which it came up, and the walk goes
 // on above; the answer is 0 when that was the outermost node. A value that cannot be read, and a
-// child that cannot be opened, is saved as an empty one.
+// child that cannot be opened, is saved as an empty one. REQUIRES: the stream is not null; so
+// below.
 QXCORE_API int SaveParamToXStream(IXStream* stream, IParam* param);
 // Replaces what the tree holds. Answers and goes on as SaveParamToXStream; a node that failed
 // stands empty, and one that the tree cannot create is read over. A stream that ends too early
