@@ -3,6 +3,8 @@
 import os
 import pathlib
 import pty
+import resource
+import signal
 import subprocess
 import sys
 import tempfile
@@ -87,6 +89,16 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(result.returncode, 2)
         self.assertIn(b"cannot be written", result.stderr)
         self.assertIn("cannot be written", self.fails("export", po, "-o", "no/such/folder/a.csv"))
+
+    def test_a_disk_that_gets_full_leaves_the_old_file(self):
+        def fill():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+        out = self.file("out", "old")
+        result = subprocess.run([BIN, "harvest", WINE / "view.exe", "-o", out], capture_output=True, preexec_fn=fill)
+        self.assertEqual((result.returncode, result.stderr.count(b"\n")), (2, 1), result.stderr)
+        self.assertIn(b"out cannot be written", result.stderr)
+        self.assertEqual([(path, path.read_bytes()) for path in self.dir.iterdir()], [(out, b"old")])
 
     def test_what_is_written_replaces_the_old_file_whole(self):
         po = self.file("a.po", GOOD)

@@ -189,6 +189,15 @@ class Run(unittest.TestCase):
                 self.assertIn(ending, ("place", "plain"), (function, source))
                 self.assertTrue(target)
 
+    def test_a_library_that_comes_later_is_translated_too(self):
+        pot, wld = self.dir / "a.pot", self.dir / "a.wld"
+        self.done("harvest", windows(WINE / "appwiz.cpl"), "-o", windows(pot))
+        self.done("pseudo", windows(pot), "--codepage", "1252", "-o", windows(wld))
+        for options, is_translated in (([], False), (["--module", "appwiz.cpl"], True)):
+            lines = self.run_program("uninstaller.exe", "--dictionary", windows(wld), *options)
+            title = next(line[3] for line in lines if line[0] == "dialog" and line[2] == "-1")
+            self.assertEqual(title.startswith("["), is_translated, title)
+
     def test_every_text_of_a_pseudo_language_has_its_brackets(self):
         pot, wld = self.dir / "a.pot", self.dir / "a.wld"
         self.done("harvest", windows(WINE / "winemine.exe"), "-o", windows(pot))
@@ -200,4 +209,4 @@ class Run(unittest.TestCase):
             self.assertRegex(text, r"\[.*\]")
 
 
-unittest.main(argv=sys.argv[:1] + ["-q"])
+unittest.main(argv=sys.argv[:1] + ["-q"] + sys.argv[3:])
