@@ -2,19 +2,9 @@
 #include "tools/qxtranslate/platform/files.h"
 #include "tools/qxtranslate/verbs/verbs.h"
 
-#include <memory>
-
 namespace qx {
 
-namespace {
-
-struct Options {
-    std::vector<std::string> files;
-    Format format = Format::Text;
-    std::string output;
-};
-
-int RunAudit(const Options& options) {
+int RunAudit(const AuditOptions& options) {
     Table table = {{"module", "function", "way", "consequence"}, {}};
     std::string text;
     RequireApart(options.output, options.files);
@@ -36,18 +26,6 @@ int RunAudit(const Options& options) {
     WriteResult(options.output,
                 options.format == Format::Text ? text : Print(table, options.format));
     return kDone;
-}
-
-}  // namespace
-
-void DefineAudit(CLI::App& app, Run& run) {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand(
-        "audit", "Which of the 24 intercepted functions programs call, and what is out of reach");
-    verb->add_option("FILE", options->files, "Programs and libraries")->required();
-    AddFormat(*verb, options->format);
-    AddOutput(*verb, options->output);
-    verb->callback([options, &run] { run = [options] { return RunAudit(*options); }; });
 }
 
 }  // namespace qx

@@ -4,19 +4,10 @@
 #include "tools/qxtranslate/verbs/verbs.h"
 
 #include <cstdio>
-#include <memory>
 
 namespace qx {
 
-namespace {
-
-struct Options {
-    std::string po;
-    unsigned codePage = 0;
-    std::string output;
-};
-
-int RunBuild(const Options& options) {
+int RunBuild(const BuildOptions& options) {
     auto page = OpenCodePage(options.codePage);
     RequireApart(options.output, {options.po});
     Compiled compiled =
@@ -30,17 +21,6 @@ int RunBuild(const Options& options) {
                      options.po.c_str());
     WriteResult(options.output, WriteDictionary(compiled.dictionary));
     return kDone;
-}
-
-}  // namespace
-
-void DefineBuild(CLI::App& app, Run& run) {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand("build", "From a PO file to a dictionary");
-    verb->add_option("PO", options->po, "The translations")->required();
-    AddCodePage(*verb, options->codePage, true);
-    AddOutput(*verb, options->output);
-    verb->callback([options, &run] { run = [options] { return RunBuild(*options); }; });
 }
 
 }  // namespace qx

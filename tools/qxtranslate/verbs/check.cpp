@@ -11,14 +11,6 @@ namespace qx {
 
 namespace {
 
-struct Options {
-    std::string po;
-    std::string geometry;
-    unsigned codePage = 0;
-    Format format = Format::Text;
-    std::string output;
-};
-
 struct Report {
     Table table = {{"severity", "file", "line", "check", "message", "source"}, {}};
     std::string text;
@@ -35,7 +27,9 @@ struct Report {
     }
 };
 
-int RunCheck(const Options& options) {
+}  // namespace
+
+int RunCheck(const CheckOptions& options) {
     RequireApart(options.output, {options.po, options.geometry});
     std::unique_ptr<CodePage> page;
     if (options.codePage) page = OpenCodePage(options.codePage);
@@ -49,21 +43,6 @@ int RunCheck(const Options& options) {
     WriteResult(options.output,
                 options.format == Format::Text ? report.text : Print(report.table, options.format));
     return report.table.rows.empty() ? kDone : kFindings;
-}
-
-}  // namespace
-
-void DefineCheck(CLI::App& app, Run& run) {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand("check", "What is wrong with the translations");
-    verb->add_option("PO", options->po, "The translations")->required();
-    verb->add_option("--geometry", options->geometry,
-                     "Check the geometry file of the dictionary too")
-        ->type_name("FILE");
-    AddCodePage(*verb, options->codePage, false);
-    AddFormat(*verb, options->format);
-    AddOutput(*verb, options->output);
-    verb->callback([options, &run] { run = [options] { return RunCheck(*options); }; });
 }
 
 }  // namespace qx

@@ -5,20 +5,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 
 namespace qx {
 
 namespace {
 
 constexpr uint16_t kEnglish = 0x409;
-
-struct Options {
-    std::vector<std::string> files;
-    std::string language;
-    std::string pair;
-    std::string output;
-};
 
 uint16_t ParseLanguage(const std::string& text) {
     size_t used = 0;
@@ -37,7 +29,7 @@ struct Languages {
     std::optional<uint16_t> second;
 };
 
-Languages ParseLanguages(const Options& options) {
+Languages ParseLanguages(const HarvestOptions& options) {
     Languages languages;
     if (!options.language.empty()) languages.source = ParseLanguage(options.language);
     if (options.pair.empty()) return languages;
@@ -80,7 +72,9 @@ void TellWhatIsMissing(const std::string& path, const Harvest& harvest, const La
         TellWithoutLanguage(path, harvest, *languages.second);
 }
 
-int RunHarvest(const Options& options) {
+}  // namespace
+
+int RunHarvest(const HarvestOptions& options) {
     Languages languages = ParseLanguages(options);
     RequireApart(options.output, options.files);
     std::vector<HarvestedText> texts;
@@ -104,25 +98,6 @@ int RunHarvest(const Options& options) {
     }
     WriteResult(options.output, WritePo(po));
     return kDone;
-}
-
-}  // namespace
-
-void DefineHarvest(CLI::App& app, Run& run) {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand(
-        "harvest", "Every text of the menus, dialogs and string tables of programs, as a PO file");
-    verb->add_option("FILE", options->files, "Programs and libraries, 32-bit or 64-bit")
-        ->required();
-    auto language =
-        verb->add_option("--language", options->language, "Language of the texts (0x409)")
-            ->type_name("NUMBER");
-    verb->add_option("--pair", options->pair,
-                     "Language of the texts and language of the translations, 0x409,0x407")
-        ->type_name("TWO")
-        ->excludes(language);
-    AddOutput(*verb, options->output);
-    verb->callback([options, &run] { run = [options] { return RunHarvest(*options); }; });
 }
 
 }  // namespace qx

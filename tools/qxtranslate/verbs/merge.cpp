@@ -4,19 +4,10 @@
 #include "tools/qxtranslate/verbs/verbs.h"
 
 #include <cstdio>
-#include <memory>
 
 namespace qx {
 
-namespace {
-
-struct Options {
-    std::string old;
-    std::string fresh;
-    std::string output;
-};
-
-int RunMerge(const Options& options) {
+int RunMerge(const MergeOptions& options) {
     RequireApart(options.output, {options.fresh});
     MergeCounts counts;
     PoFile merged =
@@ -27,18 +18,6 @@ int RunMerge(const Options& options) {
                      counts.same, counts.suggested, counts.missing, counts.obsolete);
     }
     return kDone;
-}
-
-}  // namespace
-
-void DefineMerge(CLI::App& app, Run& run) {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand(
-        "merge", "The old translations for the texts of a new version of the program");
-    verb->add_option("OLD", options->old, "The translations")->required();
-    verb->add_option("NEW", options->fresh, "The harvest of the new version")->required();
-    AddOutput(*verb, options->output);
-    verb->callback([options, &run] { run = [options] { return RunMerge(*options); }; });
 }
 
 }  // namespace qx

@@ -5,21 +5,11 @@
 
 #include <cstdio>
 #include <map>
-#include <memory>
 #include <set>
 
 namespace qx {
 
 namespace {
-
-struct Options {
-    std::string po;
-    std::string harvest;
-    std::string record;
-    double failUnder = 0;
-    Format format = Format::Text;
-    std::string output;
-};
 
 std::string Summary(const Status& status) {
     std::string summary;
@@ -72,7 +62,9 @@ void TellUnknown(const PoFile& po, const std::vector<LookUp>& record) {
     }
 }
 
-int RunStatus(const Options& options) {
+}  // namespace
+
+int RunStatus(const StatusOptions& options) {
     RequireApart(options.output, {options.po, options.harvest, options.record});
     PoFile po = ParseText(options.po, ReadPo), harvest;
     std::vector<LookUp> record;
@@ -85,25 +77,6 @@ int RunStatus(const Options& options) {
                                     ? Text(status)
                                     : Print(Rows(status), options.format));
     return status.Coverage() < options.failUnder ? kFindings : kDone;
-}
-
-}  // namespace
-
-void DefineStatus(CLI::App& app, Run& run) {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand("status", "How far a translation has come, text by text");
-    verb->add_option("PO", options->po, "The translations")->required();
-    verb->add_option("--harvest", options->harvest, "The harvest of the program as it is now")
-        ->type_name("POT");
-    verb->add_option("--record", options->record, "What the program looked up while it ran")
-        ->type_name("FILE");
-    verb->add_option("--fail-under", options->failUnder,
-                     "Exit with 1 when less than this share of the texts in reach is done")
-        ->type_name("PERCENT")
-        ->check(CLI::Range(0.0, 100.0));
-    AddFormat(*verb, options->format);
-    AddOutput(*verb, options->output);
-    verb->callback([options, &run] { run = [options] { return RunStatus(*options); }; });
 }
 
 }  // namespace qx
