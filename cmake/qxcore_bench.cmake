@@ -3,10 +3,14 @@ qxcore_precompiled_headers(qxcore_bench_headers LINK qxcore qxcore_warnings qxco
   HEADERS <qxcore/platform.h> <objbase.h> <algorithm> <chrono> <cstdio> <cstring> <functional> <map>
     <memory> <string> <unordered_map> <vector>)
 
+# Benchmarks are built when they are asked for, one by one or by this target.
+add_custom_target(benchmarks)
+
 # qxcore_add_bench(NAME SOURCE...): a benchmark program; it prints ratios and asserts nothing.
 function(qxcore_add_bench name)
   cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
-  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  add_executable(${name} EXCLUDE_FROM_ALL ${arg_UNPARSED_ARGUMENTS})
+  add_dependencies(benchmarks ${name})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE qxcore qxcore_warnings qxcore_platform qxcore_product_code
