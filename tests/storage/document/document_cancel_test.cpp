@@ -17,7 +17,12 @@ namespace {
 
 constexpr int kOld = 1000, kNew = 5000;  // the first numbers of the old and of the new objects
 constexpr Drawing kSmall = {4, 5};
+// Layers, and shapes of each.
+#ifdef QXCORE_SLOW_BUILD
+constexpr Drawing kLarge = {10, 200};
+#else
 constexpr Drawing kLarge = {10, 1000};
+#endif
 
 // The ways in which a program saves. Each answers when the document is whole, and otherwise leaves
 // the old one on the disk.
