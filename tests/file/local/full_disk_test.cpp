@@ -1,6 +1,7 @@
 // Saving to a full disk: drive T: is a file system of about a megabyte, empty at the start of each
 // test.
 #include "file/file_fixture.h"
+#include "support/full_disk.h"
 
 namespace {
 
@@ -25,19 +26,6 @@ protected:
         FindClose(search);
         return names;
     }
-    // Takes the whole disk but for so many bytes.
-    static void FillDisk(unsigned left) {
-        HANDLE filler =
-            CreateFileA("T:\\filler", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-        std::string page(4096, 'f');
-        DWORD size = 0, written = 0;
-        while (WriteFile(filler, page.data(), 4096, &written, nullptr) && written == 4096)
-            size += written;
-        SetFilePointer(filler, LONG(size - left), nullptr, FILE_BEGIN);
-        SetEndOfFile(filler);
-        CloseHandle(filler);
-    }
-    static void FreeDisk() { DeleteFileA("T:\\filler"); }
 
     static constexpr const char* kDocument = "T:\\document";
     std::string m_old = Pattern(100000);

@@ -1,23 +1,13 @@
 // Trees written to ini files on a full disk: drive T: is a file system of about a megabyte, empty
 // at the start of each test.
 #include "param/ini_file_fixture.h"
+#include "support/full_disk.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 constexpr char kFile[] = "T:\\settings.ini";
-
-void FillDisk(unsigned left) {
-    HANDLE filler = CreateFileA("T:\\filler", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    std::string page(4096, 'f');
-    DWORD size = 0, written = 0;
-    while (WriteFile(filler, page.data(), 4096, &written, nullptr) && written == 4096)
-        size += written;
-    SetFilePointer(filler, LONG(size - left), nullptr, FILE_BEGIN);
-    SetEndOfFile(filler);
-    CloseHandle(filler);
-}
 
 }  // namespace
 
@@ -40,7 +30,7 @@ TEST(ParamFullDiskTest, ATreeThatFindsNoRoomLeavesTheOldFileAndNothingElse) {
             EXPECT_TRUE(e.GetCode() == QXERR_DISK_FULL || e.GetCode() == QXERR_DEVICE)
                 << e.GetCode();
         }
-        DeleteFileA("T:\\filler");
+        FreeDisk();
         EXPECT_EQ(ContentOfFile(kFile), "\r\n[\\]\r\nold=i1\r\n");
         WIN32_FIND_DATAA found;
         HANDLE search = FindFirstFileA("T:\\*.tmp", &found);
