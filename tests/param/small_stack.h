@@ -2,18 +2,17 @@
 #ifndef QXCORE_TESTS_PARAM_SMALL_STACK_H
 #define QXCORE_TESTS_PARAM_SMALL_STACK_H
 
+#include "support/build_kind.h"
+
 #include <qxcore/platform.h>
 
 #include <functional>
 
 // Levels that no stack would hold a call for each of, and enough of them where each is walked
-// several times; and what a line of an ini text has room for. Under guard pages each block of the
-// heap takes pages of its own.
-#if defined(QXCORE_GUARD_HEAP)
-inline constexpr int kManyLevels = 400, kTooManyCalls = 200, kLevelsOfALine = 300;
-#else
-inline constexpr int kManyLevels = 100000, kTooManyCalls = 25000, kLevelsOfALine = 6000;
-#endif
+// several times; and what a line of an ini text has room for.
+inline const int kManyLevels = kHasGuardPages ? 400 : 100000;
+inline const int kTooManyCalls = kHasGuardPages ? 200 : 25000;
+inline const int kLevelsOfALine = kHasGuardPages ? 300 : 6000;
 
 inline void OnSmallStack(const std::function<void()>& work, size_t stack = 128 * 1024) {
     auto run = [](void* work) -> DWORD {

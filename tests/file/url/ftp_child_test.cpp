@@ -3,6 +3,7 @@
 // the platform.
 #include "file/url/ftp_child.h"
 #include "file/url/ftp_fixture.h"
+#include "support/build_kind.h"
 
 #include <functional>
 #include <memory>
@@ -102,11 +103,7 @@ TEST_F(FtpChildTest, AServerThatSaysNothingKeepsTheCallThatConnects) {
 }
 
 TEST_F(FtpChildTest, AnUploadWhoseDataConnectionIsResetAtAnyPointIsNoAnswerOfSuccess) {
-#ifdef QXCORE_SLOW_BUILD
-    constexpr int kPoints = 5;
-#else
-    constexpr int kPoints = 20;
-#endif
+    const int kPoints = kIsSlowBuild ? 5 : 20;
     const std::string content = Pattern(200000);
     auto nameAt = [](int point) { return "dir.d/" + std::to_string(point) + ".txt"; };
     std::vector<std::unique_ptr<FtpChild>> children;

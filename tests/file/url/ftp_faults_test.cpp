@@ -1,5 +1,6 @@
 // Servers and networks that fail, between the library and a real server.
 #include "file/url/ftp_fixture.h"
+#include "support/build_kind.h"
 
 namespace {
 
@@ -241,11 +242,7 @@ TEST_F(FtpFaultsTest, ANameOf300BytesIsNoEntryOfItsBeginning) {
 }
 
 TEST_F(FtpFaultsTest, ALongListingIsReadToItsEnd) {
-#ifdef QXCORE_SLOW_BUILD
-    constexpr int kEntries = 500;
-#else
-    constexpr int kEntries = 10000;
-#endif
+    const int kEntries = kIsSlowBuild ? 500 : 10000;
     std::string listing;
     for (int i = 0; i < kEntries; ++i)
         listing += "1-1-1 1:0 5 b\n";  // the shorter of the two forms

@@ -1,5 +1,6 @@
 // Whole files brought from a real server and sent to it.
 #include "file/url/ftp_fixture.h"
+#include "support/build_kind.h"
 
 namespace {
 
@@ -147,11 +148,7 @@ TEST_F(TransferTest, TheCacheTakesUrlsOnly) {
 }
 
 TEST_F(TransferTest, ALargeFileGoesThereAndBack) {
-#ifdef QXCORE_SLOW_BUILD
-    constexpr size_t kMegabytes = 5;
-#else
-    constexpr size_t kMegabytes = 100;
-#endif
+    const size_t kMegabytes = kIsSlowBuild ? 5 : 100;
     const std::string megabyte = Pattern(1 << 20);
     std::string content;
     content.reserve(kMegabytes << 20);

@@ -4,6 +4,7 @@
 // of the first one.
 #include "param/back_ends/contract_back_ends.h"
 #include "param/back_ends/differential_model.h"
+#include "support/build_kind.h"
 #include "support/scratch_directory.h"
 
 #include <gtest/gtest.h>
@@ -19,13 +20,6 @@ unsigned FromEnvironment(const char* name, unsigned usual) {
     return text ? strtoul(text, nullptr, 10) : usual;
 }
 
-// Under guard pages each block of the heap costs calls of the system.
-#if defined(QXCORE_GUARD_HEAP)
-constexpr unsigned kGuardedFraction = 10;
-#else
-constexpr unsigned kGuardedFraction = 1;
-#endif
-
 // How many children a node near the root has at most.
 constexpr unsigned kFew = 2, kSome = 3;
 
@@ -36,7 +30,7 @@ void ForTrees(unsigned count, unsigned children, Check check) {
     count *= FromEnvironment("QXCORE_TREES", 1);
     bool hasLeadBytes = _ismbblead(0x83) != 0;
     if (hasLeadBytes) count /= 5;  // they change what names are, and nothing else
-    count /= kGuardedFraction;
+    if (kHasGuardPages) count /= 10;
     for (unsigned seed = first; seed < first + count; ++seed) {
         Random random(seed);
         SCOPED_TRACE("seed " + std::to_string(seed));

@@ -1,6 +1,7 @@
 // Storages in storages, as deep as a file may nest them: nothing here calls itself for each level.
 #include "storage/compound/ole_fakes.h"
 #include "storage/compound/storage_fixture.h"
+#include "support/build_kind.h"
 
 using qx::Reference;
 
@@ -78,11 +79,7 @@ Reference<IXStorage> Nested(FakeStorage& ole, int levels) {
 }  // namespace
 
 TEST(DeepStorageTest, TheInnermostOfManyStoragesLetsThemAllGo) {
-#if defined(QXCORE_GUARD_HEAP)
-    constexpr unsigned kLevels = 5000;  // each block takes pages of its own
-#else
-    constexpr unsigned kLevels = 100000;
-#endif
+    const unsigned kLevels = kHasGuardPages ? 5000 : 100000;
     FakeStorage ole;
     Reference<IXStorage> innermost = Nested(ole, kLevels);
     EXPECT_EQ(ole.references, kLevels + 2);

@@ -3,6 +3,7 @@
 #include "storage/document/document_kinds.h"
 #include "storage/document/drawing.h"
 #include "support/allocation_failure.h"
+#include "support/build_kind.h"
 
 #include <atomic>
 
@@ -18,11 +19,7 @@ namespace {
 constexpr int kOld = 1000, kNew = 5000;  // the first numbers of the old and of the new objects
 constexpr Drawing kSmall = {4, 5};
 // Layers, and shapes of each.
-#ifdef QXCORE_SLOW_BUILD
-constexpr Drawing kLarge = {10, 200};
-#else
-constexpr Drawing kLarge = {10, 1000};
-#endif
+const Drawing kLarge = {10, kHasGuardPages ? 200 : 1000};
 
 // The ways in which a program saves. Each answers when the document is whole, and otherwise leaves
 // the old one on the disk.

@@ -1,4 +1,5 @@
 #include "support/allocation_failure.h"
+#include "support/build_kind.h"
 #include "support/import_slot.h"
 #include "support/scratch_directory.h"
 #include "translate/dictionary/dictionary_fixture.h"
@@ -339,7 +340,7 @@ TEST(DictionaryFileTest, FailureInTheMiddleGivesZeroAndKeepsTheEntriesBeforeIt) 
 
 // Numbered texts of this length have many hashes in common, and then the first stands.
 TEST(DictionaryFileTest, OfManyPairsEveryTextFindsTheFirstWithItsHash) {
-    constexpr int kPairs = kManyEntries < 20000 ? kManyEntries : 100000;
+    const int kPairs = kHasGuardPages ? kManyEntries : 100000;
     auto text = [](int i) { return "Text number " + std::to_string(i); };
     auto hash = [](const std::string& text) {
         unsigned h = 0;
@@ -429,7 +430,7 @@ TEST_F(BadInput, TenMillionRandomBytesAreSurvived) {
 TEST_F(BadInput, RandomBytesOfTheFormatsOwnAreSurvived) {
     std::mt19937 random(4711);
     constexpr char kBytes[] = "\"\"\"\"\n\n\r\\\\ nrt;\x81\x83\xFD#aA\t\0";
-    std::string bytes(kManyEntries < 20000 ? 80'000 : 10'000'000, 0);
+    std::string bytes(kHasGuardPages ? 80'000 : 10'000'000, 0);
     for (auto& byte : bytes) byte = kBytes[random() % (sizeof kBytes - 1)];
     for (size_t at = bytes.find("\n\n"); at != std::string::npos; at = bytes.find("\n\n", at))
         bytes[at] = '\r';

@@ -2,6 +2,7 @@
 #ifndef QXCORE_TESTS_TRANSLATE_DICTIONARY_DICTIONARY_FIXTURE_H
 #define QXCORE_TESTS_TRANSLATE_DICTIONARY_DICTIONARY_FIXTURE_H
 
+#include "support/build_kind.h"
 #include "support/scratch_directory.h"
 
 #include <gtest/gtest.h>
@@ -12,13 +13,8 @@
 // Texts with these bytes behind the number belong to a place.
 inline constexpr char kKeyEnd[] = "\xFD\xFD";
 
-// So many entries make a large dictionary. With a guard-page heap each of their blocks takes
-// mappings of the system, which has some 65,000.
-#if defined(QXCORE_GUARD_HEAP)
-inline constexpr int kManyEntries = 2000;
-#else
-inline constexpr int kManyEntries = 20000;
-#endif
+// So many entries make a large dictionary.
+inline const int kManyEntries = kHasGuardPages ? 2000 : 20000;
 
 inline void Enter(CWld& dictionary, const char* source, const char* target) {
     ASSERT_EQ(1, dictionary.m_Contexts.SetAt(source, new CContext(source, target)));

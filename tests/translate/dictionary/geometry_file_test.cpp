@@ -1,5 +1,6 @@
 #include "param/small_stack.h"
 #include "support/allocation_failure.h"
+#include "support/build_kind.h"
 #include "translate/dictionary/dictionary_fixture.h"
 #include "translate/places/module_copy.h"
 
@@ -214,11 +215,7 @@ TEST(GeometryFileTest, ReadingSurvivesEveryFailingAllocation) {
 }
 
 TEST(GeometryFileTest, HeadingsNestedToAnyDepthAreReadOnASmallStack) {
-#if defined(QXCORE_GUARD_HEAP)
-    constexpr size_t kLevels = 300;  // each block takes pages of its own
-#else
-    constexpr size_t kLevels = 4000;
-#endif
+    const size_t kLevels = kHasGuardPages ? 300 : 4000;
     std::string deep = "[" + std::string(kLevels, '\\');
     std::string dlg = deep + "]\r\n" + deep + "k=t1,2,3,4\r\n[\\view.dll\\Dialogs\\#130" +
                       deep.substr(1) + "]\r\n0=t5,6,7,8\r\n[\\view.dll\\Dialogs\\#131]\r\n" +

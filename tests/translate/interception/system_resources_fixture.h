@@ -3,6 +3,7 @@
 #ifndef QXCORE_TESTS_TRANSLATE_INTERCEPTION_SYSTEM_RESOURCES_FIXTURE_H
 #define QXCORE_TESTS_TRANSLATE_INTERCEPTION_SYSTEM_RESOURCES_FIXTURE_H
 
+#include "support/build_kind.h"
 #include "translate/interception/caller.h"
 #include "translate/interception/pseudo_dictionary.h"
 #include "translate/interception/system_resources.h"
@@ -128,14 +129,7 @@ private:
 
     // The guard-page heap takes pages for each block, so that a dictionary holds the texts of one
     // language only.
-    static WORD GroupOf(WORD language) {
-#if defined(QXCORE_GUARD_HEAP)
-        return PRIMARYLANGID(language);
-#else
-        static_cast<void>(language);
-        return 0;
-#endif
-    }
+    static WORD GroupOf(WORD language) { return kHasGuardPages ? PRIMARYLANGID(language) : 0; }
 
     static void Teach(const Group& group) {
         if (taught == &group) return;

@@ -1,6 +1,7 @@
 // The real world on the screen: each dialog of the modules in the system's folder, in every
 // language, that the system creates from the original is created from the translated template too.
 // Nothing of it is shown.
+#include "support/build_kind.h"
 #include "translate/interception/system_resources_fixture.h"
 
 #include <cstdio>
@@ -12,11 +13,7 @@ namespace {
 // The dialogs are made in portions, which processes can share; a slow build checks some of them
 // only.
 constexpr unsigned kPortions = 16;
-#if defined(QXCORE_TESTS_FEW_DIALOGS)
-constexpr unsigned kChecked = 2;
-#else
-constexpr unsigned kChecked = kPortions;
-#endif
+const unsigned kChecked = kIsSlowBuild ? 2 : kPortions;
 
 INT_PTR CALLBACK Silent(HWND, UINT, WPARAM, LPARAM) {
     return FALSE;
