@@ -21,10 +21,5 @@ endfunction()
 function(qxcore_use_precompiled_headers target name)
   if(QXCORE_PRECOMPILE)
     target_precompile_headers(${target} REUSE_FROM ${name})
-    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-      # ccache learns from the preprocessed text which precompiled headers a source was compiled
-      # with.
-      target_compile_options(${target} PRIVATE -fpch-preprocess)
-    endif()
   endif()
 endfunction()

@@ -10,8 +10,10 @@ find_program(QXCORE_CCACHE ccache)
 if(QXCORE_CCACHE)
   # The same source compiled by two presets, or in two checkouts, is one cache entry. Precompiled
   # headers, and what is compiled with them, are kept too: no source reads the time of compilation.
+  # What a source was compiled from comes from the compiler's own list, so that nothing is
+  # preprocessed for it, and a precompiled header is read for its hash once.
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_NOHASHDIR=1
-    CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+    CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_DEPEND=1 CCACHE_INODECACHE=1
     CCACHE_SLOPPINESS=pch_defines,time_macros ${QXCORE_CCACHE})
 endif()
 
