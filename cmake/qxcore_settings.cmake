@@ -46,9 +46,7 @@ add_library(qxcore_test_code INTERFACE)
 if(NOT MSVC)
   set(CMAKE_CXX_FLAGS_RELEASE "")
   set(CMAKE_CXX_FLAGS_DEBUG "")
-  # Sanitized code is for tests: what -O2 takes to compile, it does not win back by running.
-  target_compile_options(qxcore_product_code INTERFACE -g
-    $<IF:$<CONFIG:Debug>,-Og,$<IF:$<BOOL:${QXCORE_SANITIZE}>,-O1,-O2>>)
+  target_compile_options(qxcore_product_code INTERFACE -g $<IF:$<CONFIG:Debug>,-Og,-O2>)
   target_compile_options(qxcore_test_code INTERFACE -O0)
   find_program(QXCORE_LLD ld.lld)
   if(CMAKE_CROSSCOMPILING AND QXCORE_LLD)
