@@ -9,7 +9,8 @@ if(WIN32)
   qxcore_precompiled_headers(qxcore_test_headers
     LINK qxcore gtest qxcore_warnings qxcore_platform qxcore_test_code
     HEADERS <gtest/gtest.h> <qxcore/platform.h> <objbase.h> <algorithm> <atomic> <cstdio> <cstdlib>
-      <cstring> <functional> <map> <memory> <random> <string> <thread> <vector>)
+      <cstring> <functional> <map> <memory> <random> <string> <thread> <vector>
+      ${PROJECT_SOURCE_DIR}/tests/support/common_templates.h)
   # Modules and second processes know nothing of GoogleTest.
   qxcore_precompiled_headers(qxcore_test_program_headers
     LINK qxcore qxcore_warnings qxcore_platform qxcore_test_code

@@ -8,7 +8,7 @@
 
 #include <cstdio>
 
-#include "samples/host/dump.h"
+#include "host/dump.h"
 
 namespace {
 
