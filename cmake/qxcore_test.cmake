@@ -19,11 +19,12 @@ if(WIN32)
 endif()
 
 # qxcore_register_test(NAME TARGET [ARGUMENT...]): a program as a test of CTest, which may take
-# TIMEOUT seconds and finds what stands behind ENVIRONMENT there. With several narrow code pages
+# TIMEOUT seconds and finds what stands behind ENVIRONMENT there. It stays on one processor, where
+# CTest knows of them, unless it has THREADS that should meet. With several narrow code pages
 # behind CODEPAGE it is a test in each, called NAME_932 and so on, in a folder of its own, since
 # they may run at the same time. In the arguments @RUN@ is the name of the test.
 function(qxcore_register_test name target)
-  cmake_parse_arguments(arg "" "TIMEOUT" "CODEPAGE;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(arg "THREADS" "TIMEOUT" "CODEPAGE;ENVIRONMENT" ${ARGN})
   list(LENGTH arg_CODEPAGE pages)
   if(pages EQUAL 0)
     set(arg_CODEPAGE usual)
@@ -43,6 +44,9 @@ function(qxcore_register_test name target)
     string(REPLACE "@RUN@" ${run} arguments "${arg_UNPARSED_ARGUMENTS}")
     add_test(NAME ${run} COMMAND ${target} ${arguments} WORKING_DIRECTORY ${folder})
     set_tests_properties(${run} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${environment}")
+    if(NOT arg_THREADS)
+      set_tests_properties(${run} PROPERTIES RESOURCE_GROUPS cpus:1)
+    endif()
   endforeach()
 endfunction()
 
@@ -50,9 +54,13 @@ endfunction()
 # as one test. Its tests must not need an order. Behind LINK stand further libraries. Behind
 # CODEPAGE stand the narrow code pages of the process in which it runs; with several it is one test
 # of CTest in each. Behind PROCESSES stands how many processes share a long program's tests; each is
-# one test of CTest then.
+# one test of CTest then. With THREADS it runs on all processors, so that its threads meet.
 function(qxcore_add_test name)
-  cmake_parse_arguments(arg "" "PROCESSES" "LINK;CODEPAGE" ${ARGN})
+  cmake_parse_arguments(arg "THREADS" "PROCESSES" "LINK;CODEPAGE" ${ARGN})
+  set(threads)
+  if(arg_THREADS)
+    set(threads THREADS)
+  endif()
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_features(${name} PRIVATE cxx_std_20)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
@@ -76,7 +84,7 @@ function(qxcore_add_test name)
     endif()
     qxcore_register_test(${run} ${name} --gtest_shuffle --gtest_brief=1
       --gtest_output=xml:${drive}${PROJECT_BINARY_DIR}/reports/@RUN@.xml
-      CODEPAGE ${arg_CODEPAGE} ENVIRONMENT ${environment} TIMEOUT 600)
+      CODEPAGE ${arg_CODEPAGE} ENVIRONMENT ${environment} TIMEOUT 600 ${threads})
   endforeach()
 endfunction()
 
