@@ -16,8 +16,7 @@ function(qxcore_add_ftp_test name)
   add_test(NAME ${name} COMMAND ${runner} ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}>
     --gtest_shuffle
     --gtest_brief=1 --gtest_output=xml:Z:${PROJECT_BINARY_DIR}/reports/${name}.xml)
-  set_tests_properties(${name} PROPERTIES TIMEOUT 300 RESOURCE_LOCK ftp_port COST 100
-    RESOURCE_GROUPS cpus:1)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 RESOURCE_LOCK ftp_port COST 100)
   if(arg_CODEPAGE)
     set_tests_properties(${name} PROPERTIES ENVIRONMENT QXCORE_CODEPAGE=${arg_CODEPAGE})
   endif()
