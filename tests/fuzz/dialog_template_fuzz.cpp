@@ -144,5 +144,5 @@ bool Round(Random& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::Main(argc, argv, 30000, Round);
+    return fuzz::Main(argc, argv, 12000, Round);
 }

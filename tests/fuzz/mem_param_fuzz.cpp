@@ -244,5 +244,5 @@ bool Round(Random& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::Main(argc, argv, 600, Round);
+    return fuzz::Main(argc, argv, 300, Round);
 }
