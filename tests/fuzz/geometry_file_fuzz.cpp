@@ -148,5 +148,5 @@ bool Round(Random& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::Main(argc, argv, 3000, Round);
+    return fuzz::Main(argc, argv, 1000, Round);
 }

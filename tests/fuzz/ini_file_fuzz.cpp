@@ -179,5 +179,5 @@ int main(int argc, char** argv) {
     char folder[MAX_PATH];
     GetTempPathA(MAX_PATH, folder);
     g_file = std::string(folder) + "ini_file_fuzz" + std::to_string(GetCurrentProcessId()) + ".ini";
-    return fuzz::Main(argc, argv, 30, Round);
+    return fuzz::Main(argc, argv, 12, Round);
 }

@@ -81,7 +81,7 @@ bool Round(Random& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    int result = fuzz::Main(argc, argv, 3000, Round);
+    int result = fuzz::Main(argc, argv, 1000, Round);
     remove(kFile);
     remove(kIncluded);
     return result;

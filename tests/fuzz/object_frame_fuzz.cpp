@@ -66,5 +66,5 @@ bool Round(Random& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::Main(argc, argv, 20000, Round);
+    return fuzz::Main(argc, argv, 8000, Round);
 }

@@ -106,5 +106,5 @@ bool Round(Random& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::Main(argc, argv, 500, Round);
+    return fuzz::Main(argc, argv, 250, Round);
 }

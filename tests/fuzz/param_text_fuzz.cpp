@@ -44,5 +44,5 @@ bool Round(Random& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::Main(argc, argv, 5000, Round);
+    return fuzz::Main(argc, argv, 2000, Round);
 }

@@ -81,5 +81,5 @@ bool Round(Random& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::Main(argc, argv, 20000, Round);
+    return fuzz::Main(argc, argv, 10000, Round);
 }
